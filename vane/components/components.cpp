@@ -1,0 +1,44 @@
+#include "vane/components/components.h"
+
+#include <utility>
+
+#include "vane/support/library_error.h"
+
+namespace vane {
+namespace {
+
+const Components* g_installed = nullptr;
+
+[[noreturn]] void RefuseMissing(const char* operation, const char* what) {
+  throw LibraryError(ERR_PLATFORM_CALL, std::string("CComponentFactory - ") + operation,
+                     std::string("This program has no ") + what + ".");
+}
+
+}  // namespace
+
+std::unique_ptr<CVaneOutputFile> CComponentFactory::MakeOutputFile() {
+  RefuseMissing("MakeOutputFile", "column text file");
+}
+
+std::unique_ptr<CVaneFileDialog> CComponentFactory::MakeFileDialog() {
+  RefuseMissing("MakeFileDialog", "save dialog");
+}
+
+std::unique_ptr<CVanePasscodeDialog> CComponentFactory::MakePasscodeDialog() {
+  RefuseMissing("MakePasscodeDialog", "passcode prompt");
+}
+
+CInstalledComponents::CInstalledComponents(const Components& components)
+    : previous_(std::exchange(g_installed, &components)) {}
+
+CInstalledComponents::~CInstalledComponents() { g_installed = previous_; }
+
+const Components& InstalledComponents() {
+  if (g_installed == nullptr) {
+    throw LibraryError(ERR_PLATFORM_CALL, "InstalledComponents",
+                       "The host has installed no components.");
+  }
+  return *g_installed;
+}
+
+}  // namespace vane
