@@ -1,0 +1,391 @@
+// The instrument: the root object of the library and the only one that a host makes.
+//
+// One object stands for one connected readout. It holds a copy of every setting of the instrument
+// as a property, owns the communications component and the modules with their channels, and shares
+// the registry component of the host. `Query...` operations fill the copy from the instrument;
+// properties by themselves never talk to it, and reading one never fails for lack of it.
+//
+// Order of use: `SetRegistry`, `InitializeCommunications`, `QueryChannelInfo`, then the rest.
+//
+// Results and failures. An operation with a Boolean result gives true when it is done, false when
+// the user has already been told why not; everything else that goes wrong is a `LibraryError`, with
+// the outermost operation that passed it on as its source.
+//
+// An object lives on the thread that made it, and every operation blocks that thread. Nothing here
+// locks. While an operation pauses, the platform's message queue runs, so a host's event handlers
+// may be entered; they must not start another exchange.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "vane/channels/module.h"
+#include "vane/components/components.h"
+#include "vane/components/registry.h"
+#include "vane/support/enums.h"
+#include "vane/support/failure.h"
+#include "vane/support/messages.h"
+#include "vane/support/numbers.h"
+#include "vane/support/tracked.h"
+
+namespace vane {
+
+class CLongRun;
+
+/// A date and time as a count of days; the whole part is the day, the fraction the time of day.
+using Date = double;
+
+/// Takes an identification reply apart: the text before the first comma, trimmed, is the model, the
+/// number behind it the firmware. Without a comma the model is "<unknown>" and the firmware 0.
+void ExtractModFWFromID(const std::string& id, std::string& model, double& firmware);
+
+class CVaneT312B {
+ public:
+  /// Keeps a reference to `components`, which the host has installed for the process as well.
+  explicit CVaneT312B(const Components& components);
+  ~CVaneT312B();
+  CVaneT312B(const CVaneT312B&) = delete;
+  CVaneT312B& operator=(const CVaneT312B&) = delete;
+
+  // Settings of the instrument. Setting one to a value that differs from the stored one sets
+  // `Changed`; limits are for dialogs and hosts, and only the resolutions enforce one, at the top.
+
+  ET312BOven Oven() const { return oven_.Get(); }
+  void SetOven(ET312BOven value) { oven_.Set(value); }
+  double ADC() const { return adc_.Get(); }
+  void SetADC(double value) { adc_.Set(value); }
+  static constexpr double MaxADC() { return 3.0; }
+  static constexpr double MinADC() { return -3.0; }
+
+  /// Formats in which values are written and shown; not settings of the instrument.
+  const std::string& ADCFormat() const { return adcformat_; }
+  void SetADCFormat(const std::string& value) { adcformat_ = value; }
+
+  /// Storage for the host.
+  std::int16_t LogSessionInterval() const { return logsessioninterval_; }
+  void SetLogSessionInterval(std::int16_t value) { logsessioninterval_ = value; }
+
+  /// Limits of a calibration parameter; 0 for an index without a name.
+  static double MaxCalParamValue(ET312BCalParams cp);
+  static double MinCalParamValue(ET312BCalParams cp);
+  static constexpr std::int16_t NumCalParams() { return 5; }
+
+  /// There are six places, of which `NumCalParams` are in use. An index outside them is the
+  /// platform's out-of-range error.
+  const std::string& CalParamsFormat(ET312BCalParams Index) const;
+  void SetCalParamsFormat(ET312BCalParams Index, const std::string& value);
+  double CalParams(ET312BCalParams Index) const;
+  void SetCalParams(ET312BCalParams Index, double value);
+
+  ET312BSampleAction SampleAction() const { return sampleaction_.Get(); }
+  void SetSampleAction(ET312BSampleAction value) { sampleaction_.Set(value); }
+
+  /// Digits shown of a temperature, a resistance, a ratio. A value above the maximum becomes the
+  /// maximum.
+  void SetResolution(std::int16_t value) { resolution_.SetUpTo(value, MaxResolution()); }
+  std::int16_t Resolution() const { return resolution_.Get(); }
+  void SetResistanceResolution(std::int16_t value) {
+    resistanceresolution_.SetUpTo(value, MaxResistanceResolution());
+  }
+  std::int16_t ResistanceResolution() const { return resistanceresolution_.Get(); }
+  void SetRatioResolution(std::int16_t value) {
+    ratioresolution_.SetUpTo(value, MaxRatioResolution());
+  }
+  std::int16_t RatioResolution() const { return ratioresolution_.Get(); }
+
+  /// The user-defined scan sequence: instrument channel numbers in step order, with "," between.
+  const std::string& ScanChannels() const { return scanchannels_.Get(); }
+  void SetScanChannels(const std::string& value) { scanchannels_.Set(value); }
+  /// The single channel of `CM_SCANNER_CHANNEL`.
+  std::int16_t ScanChannel() const { return scanchannel_.Get(); }
+  void SetScanChannel(std::int16_t value) { scanchannel_.Set(value); }
+  std::int16_t ScanSeqChannels() const { return scanseqchannels_.Get(); }
+  void SetScanSeqChannels(std::int16_t value) { scanseqchannels_.Set(value); }
+  std::int16_t ScanSeqSteps() const { return scanseqsteps_.Get(); }
+  void SetScanSeqSteps(std::int16_t value) { scanseqsteps_.Set(value); }
+  /// The mode that a host asks for; no query fills it.
+  ET312BScanMode ScanMode() const { return scanmode_.Get(); }
+  void SetScanMode(ET312BScanMode value) { scanmode_.Set(value); }
+
+  /// Folder passed on to the modules; at creation, the one that the library lies in.
+  const std::string& FilePath() const { return filepath_; }
+  void SetFilePath(const std::string& value);
+
+  /// What to set the instrument's clock to; 0 is the present moment.
+  Date SystemClock() const { return systemclock_; }
+  void SetSystemClock(Date value) { systemclock_ = value; }
+
+  /// Help topic of a communications failure, and the help file of the whole library.
+  std::int32_t HCIDCommError() const { return hcidcommerror_; }
+  void SetHCIDCommError(std::int32_t value) { hcidcommerror_ = value; }
+  const std::string& HelpFile() const { return LibraryHelpFile(); }
+  void SetHelpFile(const std::string& value) { SetLibraryHelpFile(value); }
+
+  /// Keeps a further reference to the host's registry component.
+  void SetRegistry(std::shared_ptr<CVaneRegistry> Reg) { registry_ = std::move(Reg); }
+  const std::shared_ptr<CVaneRegistry>& Registry() const { return registry_; }
+
+  /// Makes a new communications component in place of an earlier one and sets up its port. Opens
+  /// nothing: the first exchange does. `fp` is the component's data folder when the library lies in
+  /// the system folder; otherwise the folder above the library's is. True, or raises.
+  bool InitializeCommunications(const std::string& fp = {},
+                                EVanePortNumber cp = EVanePortNumber::PORT_1,
+                                EVaneBaudRate br = EVaneBaudRate::BR_9600);
+
+  /// Set by every change of a setting and of the number of modules, also by a query that brings a
+  /// new value. The library's dialogs and hosts clear it.
+  bool Changed() const { return changed_; }
+  void SetChanged(bool value) { changed_ = value; }
+
+  /// Switches for the host; the library itself reads neither.
+  bool AllowSetSerial() const { return allowsetserial_; }
+  void SetAllowSetSerial(bool value) { allowsetserial_ = value; }
+  bool ReadAfterApply() const { return readafterapply_; }
+  void SetReadAfterApply(bool value) { readafterapply_ = value; }
+
+  /// The instrument's protection of four groups of settings, and whether editing of each is open
+  /// for this user. Setting a flag sets the state that goes with it; a state moves alone.
+  bool ProtectCalParams() const { return protectcalparams_.flag; }
+  void SetProtectCalParams(bool value) { protectcalparams_.SetFlag(value); }
+  bool ProtectConversion() const { return protectconversion_.flag; }
+  void SetProtectConversion(bool value) { protectconversion_.SetFlag(value); }
+  bool ProtectSampling() const { return protectsampling_.flag; }
+  void SetProtectSampling(bool value) { protectsampling_.SetFlag(value); }
+  bool ProtectUnitsTime() const { return protectunitstime_.flag; }
+  void SetProtectUnitsTime(bool value) { protectunitstime_.SetFlag(value); }
+  ET312BPasscodeState CalParamPasscodeState() const { return protectcalparams_.state; }
+  void SetCalParamPasscodeState(ET312BPasscodeState value) { protectcalparams_.state = value; }
+  ET312BPasscodeState ConvPasscodeState() const { return protectconversion_.state; }
+  void SetConvPasscodeState(ET312BPasscodeState value) { protectconversion_.state = value; }
+  ET312BPasscodeState SamplingPasscodeState() const { return protectsampling_.state; }
+  void SetSamplingPasscodeState(ET312BPasscodeState value) { protectsampling_.state = value; }
+  ET312BPasscodeState UnitsTimePasscodeState() const { return protectunitstime_.state; }
+  void SetUnitsTimePasscodeState(ET312BPasscodeState value) { protectunitstime_.state = value; }
+
+  // Limits.
+  static constexpr std::int16_t MaxSampleN() { return 32000; }
+  static constexpr std::int16_t MinSampleN() { return 1; }
+  static constexpr std::int16_t MaxRepetitions() { return 32000; }
+  static constexpr std::int16_t MinRepetitions() { return 1; }
+  static constexpr std::int32_t MaxInterval() { return 99999; }
+  static constexpr std::int32_t MinInterval() { return 2; }
+  static constexpr std::int16_t MaxConversionTime() { return 10; }
+  static constexpr std::int16_t MinConversionTime() { return 2; }
+  static constexpr std::int16_t MaxIntegrationTime() { return 9999; }
+  static constexpr std::int16_t MinIntegrationTime() { return 2; }
+  static constexpr double MaxFilterRespTime() { return 200.0; }
+  static constexpr double MinFilterRespTime() { return 2.0; }
+  static constexpr double MaxFilterThreshold() { return 1000000.0; }
+  static constexpr double MinFilterThreshold() { return 0.0001; }
+  static constexpr std::int16_t MaxResolution() { return 8; }
+  static constexpr std::int16_t MinResolution() { return 0; }
+  static constexpr std::int16_t MinResistanceResolution() { return 0; }
+  static constexpr std::int16_t MaxResistanceResolution() { return 8; }
+  static constexpr std::int16_t MinRatioResolution() { return 0; }
+  static constexpr std::int16_t MaxRatioResolution() { return 8; }
+  static constexpr EVaneBaudRate IRBaudRate() { return EVaneBaudRate::BR_INFRARED; }
+
+  /// Finds out the channels and the modules. False when the user has been told of a failure or an
+  /// abort, or when the instrument stays silent.
+  bool QueryChannelInfo();
+
+  /// Asks who is on the line. False when nobody answers. `Model` and `Firmware` are set from the
+  /// answer with `setprops` only, `Identification` always, also to an empty answer.
+  bool QueryIdentification(bool setprops = true);
+
+  /// Whether the firmware is at least `MinFirmwareRequired`. Nothing in the library asks.
+  bool VerifyMinimumFirmware() const { return firmware_ >= MinFirmwareRequired(); }
+  static constexpr double MinFirmwareRequired() { return 5.03; }
+
+  /// The reading of channel `chan`, in the instrument's units; -1 stands for `SelectedChannel`.
+  /// With `waitfornew`, waits for a new reading first, up to `NewDataLimit`. Every failure of the
+  /// exchange, of the wait, or by `CancelWait`, is `ERR_MEASUREMENT`; a channel that the instrument
+  /// does not have is `ERR_INVALID_CHANNEL`.
+  double QueryMeasurement(std::int16_t chan = -1, bool waitfornew = false);
+
+  /// The longest wait for one new reading, in milliseconds.
+  std::int32_t NewDataLimit() const { return newdatalimit_; }
+  void SetNewDataLimit(std::int32_t ms) { newdatalimit_ = ms; }
+
+  /// For an event handler of the host: ends the wait of a running `QueryMeasurement` at once.
+  void CancelWait() { waitcancelled_ = true; }
+
+  /// Switch the instrument's measuring on and off. False when the user has been told of a failure.
+  bool StartMeasure();
+  bool StopMeasure();
+
+  /// The instrument has no delay between scan steps: true, and nothing is done.
+  bool UpdateScanSeqDelay() { return true; }
+  static constexpr bool HasScanSeqDelay() { return false; }
+
+  /// Proves the line. False when the user has been told of a failure.
+  bool InitializeCommunicationSettings();
+
+  /// The channel that `QueryMeasurement` reads by itself; -1 is none. A value above
+  /// `NumChannels` - 1 raises `ERR_INVALID_CHANNEL`; there is no lower limit.
+  std::int16_t SelectedChannel() const { return selectedchannel_; }
+  void SetSelectedChannel(std::int16_t value);
+
+  /// A plain number, such as 5.03; 0 until the instrument has been identified.
+  double Firmware() const { return firmware_; }
+
+  /// Channels over all modules; 0 until they have been queried.
+  std::int16_t NumChannels() const { return numchannels_; }
+  static constexpr std::int16_t NumProbes() { return 16; }
+
+  ET312BUnits Units() const { return units_.Get(); }
+  void SetUnits(ET312BUnits value) { units_.Set(value); }
+
+  /// 1, or 2 with a scanner; 0 until they have been queried.
+  std::int16_t NumModules() const { return nummodules_; }
+
+  /// A channel's name for people: "Input 2", "Scanner 10". No range check.
+  std::string GetScanSeqChannelName(std::int16_t chn) const;
+
+  /// The channel of an instrument channel number; null when there is none.
+  CVaneT312BPRTTHRMChannel* GetChannelReference(std::int16_t chn) const;
+
+  /// The whole identification reply; empty until then.
+  const std::string& Identification() const { return identification_; }
+  /// Plain text; no exchange touches it.
+  const std::string& Serial() const { return serial_; }
+  void SetSerial(const std::string& value) { serial_ = value; }
+  /// "T312B" until the instrument has said what it is.
+  const std::string& Model() const { return model_; }
+
+  /// Module 0 holds the inputs, module 1 is the scanner; null for one that is not there. Any other
+  /// index raises `ERR_INVALID_MODULE`.
+  CModule* Modules(std::int16_t idx) const;
+
+  std::int32_t Interval() const { return interval_.Get(); }
+  void SetInterval(std::int32_t value) { interval_.Set(value); }
+  std::int16_t ConversionTime() const { return conversiontime_.Get(); }
+  void SetConversionTime(std::int16_t value) { conversiontime_.Set(value); }
+  std::int16_t IntegrationTime() const { return integrationtime_.Get(); }
+  void SetIntegrationTime(std::int16_t value) { integrationtime_.Set(value); }
+  std::int16_t SampleN() const { return samplen_.Get(); }
+  void SetSampleN(std::int16_t value) { samplen_.Set(value); }
+  std::int16_t Repetitions() const { return repetitions_.Get(); }
+  void SetRepetitions(std::int16_t value) { repetitions_.Set(value); }
+  ET312BChannelMode ChannelMode() const { return channelmode_.Get(); }
+  void SetChannelMode(ET312BChannelMode value) { channelmode_.Set(value); }
+  ET312BScannerScanMode ScannerScanMode() const { return scannerscanmode_.Get(); }
+  void SetScannerScanMode(ET312BScannerScanMode value) { scannerscanmode_.Set(value); }
+  double FilterRespTime() const { return filterresptime_.Get(); }
+  void SetFilterRespTime(double value) { filterresptime_.Set(value); }
+  double FilterThreshold() const { return filterthreshold_.Get(); }
+  void SetFilterThreshold(double value) { filterthreshold_.Set(value); }
+  ET312BFilterType FilterType() const { return filtertype_.Get(); }
+  void SetFilterType(ET312BFilterType value) { filtertype_.Set(value); }
+
+  /// Null until `InitializeCommunications`. Owned here.
+  CVaneCommunications* Communications() const { return communications_.get(); }
+
+  bool HasScanners() const { return nummodules_ >= 2; }
+
+ private:
+  friend class CVaneT312BPRTTHRMChannel;  // reaches `Line`
+
+  template <class T>
+  using Tracked = CTracked<T, CVaneT312B>;
+
+  // A group of settings behind the passcode.
+  struct ProtectedGroup {
+    bool flag = false;
+    ET312BPasscodeState state = ET312BPasscodeState::PS_ENABLED;
+
+    void SetFlag(bool value) {
+      flag = value;
+      state = value ? ET312BPasscodeState::PS_DISABLED : ET312BPasscodeState::PS_ENABLED;
+    }
+  };
+
+  static constexpr std::size_t kCalParamPlaces = 6;
+
+  // The communications component; raises when there is none yet.
+  CVaneCommunications& Line() const;
+
+  // Runs an operation that talks to the instrument: what it raises is raised again under the
+  // operation's label with the object's help fields as they are then.
+  template <class Body>
+  auto Exchange(std::string_view operation, Body&& body) const -> decltype(body()) {
+    try {
+      return std::forward<Body>(body)();
+    } catch (...) {
+      RaiseAgain(Label(operation), {HelpFile(), HCIDCommError()});
+    }
+  }
+  static std::string Label(std::string_view operation);
+
+  bool CheckModel(CLongRun& run);
+  bool ProveInstrument(CLongRun& run, bool setprops);
+
+  bool QueryNumModules();
+  bool QueryNumChannels();
+  std::int16_t ProbeForScanner();
+  void SetNumModules(std::int16_t value);
+  void RebuildModules(std::int16_t value);
+  void SetNumChannels(std::int16_t value) { numchannels_ = value; }
+
+  double QueryScannerMeasurement(std::int16_t chan, bool waitfornew);
+  void WaitForNewData();
+  double MeasurementOf(std::string_view operation, std::int16_t failedtext,
+                       const std::function<double()>& body);
+
+  const Components& components_;
+
+  bool changed_ = false;
+  Tracked<ET312BUnits> units_{*this};
+  std::array<Tracked<double>, kCalParamPlaces> calparams_;
+  std::array<std::string, kCalParamPlaces> calparamsformat_;
+  Tracked<double> adc_{*this};
+  std::string adcformat_;
+  Tracked<ET312BFilterType> filtertype_{*this};
+  std::vector<std::unique_ptr<CModule>> modules_;
+  std::string model_;
+  std::string serial_;
+  std::string identification_;
+  Tracked<double> filterresptime_{*this};
+  Tracked<double> filterthreshold_{*this};
+  Tracked<std::int32_t> interval_{*this};
+  Tracked<std::int16_t> conversiontime_{*this};
+  Tracked<std::int16_t> integrationtime_{*this};
+  Tracked<std::int16_t> samplen_{*this};
+  std::int16_t nummodules_ = 0;
+  std::unique_ptr<CVaneCommunications> communications_;
+  std::int16_t numchannels_ = 0;
+  std::int16_t selectedchannel_ = 0;
+  double firmware_ = 0;
+  bool allowsetserial_ = false;
+  bool readafterapply_ = false;
+  std::shared_ptr<CVaneRegistry> registry_;
+  std::string filepath_;
+  Date systemclock_ = 0;
+  Tracked<std::int16_t> resolution_{*this};
+  Tracked<std::int16_t> resistanceresolution_{*this};
+  Tracked<std::int16_t> ratioresolution_{*this};
+  std::int16_t logsessioninterval_ = 0;
+  ProtectedGroup protectconversion_;
+  ProtectedGroup protectcalparams_;
+  ProtectedGroup protectsampling_;
+  ProtectedGroup protectunitstime_;
+  Tracked<ET312BChannelMode> channelmode_{*this};
+  Tracked<ET312BScannerScanMode> scannerscanmode_{*this};
+  Tracked<ET312BScanMode> scanmode_{*this};
+  Tracked<std::string> scanchannels_{*this};
+  Tracked<std::int16_t> scanchannel_{*this};
+  Tracked<std::int16_t> scanseqchannels_{*this};
+  Tracked<std::int16_t> scanseqsteps_{*this};
+  Tracked<std::int16_t> repetitions_{*this};
+  Tracked<ET312BSampleAction> sampleaction_{*this};
+  Tracked<ET312BOven> oven_{*this};
+  std::int32_t hcidcommerror_ = 0;
+
+  std::int32_t newdatalimit_ = 120000;
+  bool waitcancelled_ = false;
+};
+
+}  // namespace vane

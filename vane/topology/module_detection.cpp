@@ -1,0 +1,180 @@
+// Which modules hang on the instrument, and the objects that stand for them.
+#include <string>
+#include <utility>
+
+#include "vane/instrument/t312b.h"
+#include "vane/support/exchange.h"
+#include "vane/support/text_table.h"
+#include "vane/topology/numbering.h"
+
+namespace vane {
+namespace {
+
+constexpr std::int32_t READ_IDENTIFICATION = 18;
+constexpr std::int32_t READ_SCANNER_MODULES = 41;
+constexpr std::int32_t READ_CHANNEL_COUNT = 43;
+constexpr std::int32_t READ_SCANNER_SCAN_MODE = 104;
+constexpr std::int32_t READ_SCAN_STEP = 110;
+constexpr std::int32_t WRITE_SCAN_STEP = 111;
+
+constexpr std::int16_t kMaxModules = 2;
+constexpr std::int16_t kScannerChannels = 10;
+
+}  // namespace
+
+bool CVaneT312B::QueryNumModules() {
+  return Exchange("QueryNumModules", [&] {
+    SetNumModules(0);
+    CVaneCommunications& line = Line();
+    line.params().ClearAll();
+    std::int32_t count = 0;
+    if (VerifyMinimumFirmware()) {
+      count = ToInteger(NumberFromText(line.ReadSetting(READ_SCANNER_MODULES))) + 1;
+    } else {
+      line.ReadSetting(READ_IDENTIFICATION);
+      count = 1 + ProbeForScanner();
+    }
+    SetNumModules(ToInteger(count));
+    return true;
+  });
+}
+
+bool CVaneT312B::QueryNumChannels() {
+  return Exchange("QueryNumChannels", [&] {
+    SetNumChannels(0);
+    CVaneCommunications& line = Line();
+    line.params().ClearAll();
+    if (VerifyMinimumFirmware()) {
+      SetNumChannels(ToInteger(NumberFromText(line.ReadSetting(READ_CHANNEL_COUNT))));
+    } else {
+      line.ReadSetting(READ_IDENTIFICATION);
+      SetNumChannels(kNumInputs);
+      SetNumChannels(static_cast<std::int16_t>(kNumInputs + ProbeForScanner() * kScannerChannels));
+    }
+    return true;
+  });
+}
+
+// The number of scanners on an instrument whose firmware can't count them: 0 or 1. A scanner
+// answers for its scan mode, within one try so that its absence costs little time, and scan step 1
+// takes the number of its last channel and gives it back. Nothing that fails here is a failure: an
+// absent scanner is the normal case. The step gets its old channel back.
+std::int16_t CVaneT312B::ProbeForScanner() {
+  CVaneCommunications& line = Line();
+  CPendingFailure failure;
+  std::int32_t tries = 0;
+  failure.Try([&] { tries = line.COMPort().ReadTries(); });
+  failure.Try([&] { line.COMPort().SetReadTries(1); });
+  failure.Try([&] { line.ReadSetting(READ_SCANNER_SCAN_MODE); });
+  failure.Try([&] { line.COMPort().SetReadTries(tries); });
+  if (failure.IsSet()) return 0;
+
+  const std::string last = std::to_string(kScannerChannels);
+  std::int16_t kept = 0;
+  bool found = false;
+  failure.Try([&] {
+    line.params().ClearAll();
+    line.params().Index = "1";
+  });
+  failure.Try([&] { kept = ToInteger(NumberFromText(line.ReadSetting(READ_SCAN_STEP))); });
+  failure.Try([&] {
+    line.params().Channel = "0";
+    line.WriteSetting(WRITE_SCAN_STEP);
+  });
+  failure.Try([&] {
+    line.params().Channel = last;
+    line.WriteSetting(WRITE_SCAN_STEP);
+  });
+  failure.Try(
+      [&] { found = NumberFromText(line.ReadSetting(READ_SCAN_STEP)) == kScannerChannels; });
+  failure.Try([&] {
+    line.params().Channel = std::to_string(kept);
+    line.WriteSetting(WRITE_SCAN_STEP);
+  });
+  return found ? 1 : 0;
+}
+
+void CVaneT312B::SetNumModules(std::int16_t value) {
+  AtBoundary([] { return ResourceText(115); },
+             [&] {
+               RebuildModules(value);
+               return true;
+             });
+}
+
+// The array has one entry more than there are modules; the last one stays empty.
+void CVaneT312B::RebuildModules(std::int16_t value) {
+  if (value == 0) {
+    modules_.clear();
+    nummodules_ = 0;
+    modules_.resize(1);
+    SetChanged(true);
+    return;
+  }
+  if (value < 0 || value > kMaxModules) {
+    throw LibraryError(ERR_INVALID_MODULE, Label("NumModules"), ResourceText(172));
+  }
+  if (value != nummodules_) {
+    SetChanged(true);
+    nummodules_ = value;
+    modules_.resize(static_cast<std::size_t>(value) + 1);
+    modules_.back().reset();
+  }
+  std::int16_t next = 1;
+  for (std::int16_t i = 0; i < nummodules_; ++i) {
+    std::unique_ptr<CModule>& md = modules_[static_cast<std::size_t>(i)];
+    md.reset();
+    if (i == 0) {
+      md = std::make_unique<CVaneT312BBaseModule>(components_);
+    } else {
+      md = std::make_unique<CVaneM420Multiplexer>(components_);
+      // Input 1 carries the scanner while one is attached.
+      modules_[0]->Channels(0)->SetEnabled(false);
+    }
+    SetChanged(true);
+    md->SetRegistry(registry_);
+    md->SetFilePath(filepath_);
+    md->SetBaseUnit(this);
+    md->SetModuleNumber(i);
+    md->SetStartChannel(next);
+    next = static_cast<std::int16_t>(md->StartChannel() + md->NumChannels());
+    for (std::int16_t j = 0; j < md->NumChannels(); ++j) {
+      md->Channels(j)->SetActualChannel(static_cast<std::int16_t>(j + md->StartChannel()));
+    }
+  }
+}
+
+CModule* CVaneT312B::Modules(std::int16_t idx) const {
+  if (idx < 0 || idx >= kMaxModules) {
+    throw LibraryError(ERR_INVALID_MODULE, Label("Modules"), ResourceText(172));
+  }
+  const auto place = static_cast<std::size_t>(idx);
+  return place < modules_.size() ? modules_[place].get() : nullptr;
+}
+
+CVaneT312BPRTTHRMChannel* CVaneT312B::GetChannelReference(std::int16_t chn) const {
+  return Labelled("CVaneT312B", "GetChannelReference()", [&]() -> CVaneT312BPRTTHRMChannel* {
+    if (chn < 1 || chn > NumChannels()) return nullptr;
+    for (std::int16_t idx = NumModules(); idx-- > 0;) {
+      const CModule* const md = Modules(idx);
+      if (md != nullptr && md->StartChannel() <= chn) {
+        return md->Channels(static_cast<std::int16_t>(chn - md->StartChannel()));
+      }
+    }
+    return nullptr;
+  });
+}
+
+std::string CVaneT312B::GetScanSeqChannelName(std::int16_t chn) const {
+  if (chn > kNumInputs) return ResourceText(278) + " " + std::to_string(ScannerChannel(chn));
+  return ResourceText(277) + " " + std::to_string(chn);
+}
+
+void CVaneT312B::SetSelectedChannel(std::int16_t value) {
+  if (value > NumChannels() - 1) {
+    throw LibraryError(ERR_INVALID_CHANNEL, Label("SelectedChannel"), ResourceText(171));
+  }
+  selectedchannel_ = value;
+}
+
+}  // namespace vane
