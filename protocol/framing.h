@@ -1,8 +1,8 @@
 // How a command and its answer travel: one line each, with a tag and a check value.
 //
-//   #1A2B SAMPLE:INTERVAL?*5D0E     the command
-//   #1A2B =10*77F2                  its answer: a value, empty for a write
-//   #1A2B !12 out of range*0C91     or a refusal: a number, a blank, a text
+//   #1A2B SAMPLE:INTERVAL?*F14D     the command
+//   #1A2B =10*B722                  its answer: a value, empty for a write
+//   #1A2B !3 out of range*8FF5      or a refusal: a number, a blank, a text
 //
 // The tag is four hexadecimal digits, chosen anew for every sending, and comes back with the
 // answer. The check value is the CRC-16 of all characters before the last "*": polynomial

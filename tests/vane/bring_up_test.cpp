@@ -1,0 +1,148 @@
+// Bringing up the line, and finding out who is on the other end.
+#include <gtest/gtest.h>
+
+#include "tests/support/transcript.h"
+
+namespace vane {
+namespace {
+
+using test::CTestHost;
+using test::kLineError;
+
+class BringUp : public testing::Test {
+ protected:
+  std::string Initialize(const std::string& fp) {
+    host_.log.Clear();
+    EXPECT_TRUE(
+        it_.InitializeCommunications(fp, static_cast<EVanePortNumber>(3), EVaneBaudRate::BR_2400));
+    return host_.log.Text();
+  }
+
+  CTestHost host_;
+  CVaneT312B& it_ = *host_.instrument;
+};
+
+TEST_F(BringUp, SetsUpThePortInOrderAndSendsNothing) {
+  it_.SetRegistry(host_.registry);
+  EXPECT_EQ(Initialize("/data"),
+            "ReadTries=2\nDataPath=/opt/vane\nInstrumentKind=9\nBaudRate=4\nPortNumber=3\n"
+            "AutoClose off\n");
+  host_.registry->values["COMAutoClose"] = 2;  // any value but 0 is true
+  EXPECT_EQ(host_.log.Count("AutoClose on"), 0u);
+  EXPECT_NE(Initialize("").find("AutoClose on"), std::string::npos);
+}
+
+TEST_F(BringUp, TheDataFolderFollowsFromWhereTheLibraryLies) {
+  const struct {
+    const char* library;
+    const char* system;
+    const char* datapath;
+  } rows[] = {
+      {"/opt/vane/lib", "/usr/lib", "DataPath=/opt/vane\n"},
+      {"/usr/lib", "/usr/lib", "DataPath=/data\n"},
+      {"/USR", "/usr/lib", "DataPath=/data\n"},
+      {"/usr/lib/vane", "/usr/lib", "DataPath=/usr/lib\n"},
+      {"/vane", "/usr/lib", "DataPath=/\n"},
+  };
+  it_.SetRegistry(host_.registry);
+  for (const auto& row : rows) {
+    host_.platform.libraryfolder = row.library;
+    host_.platform.systemfolder = row.system;
+    EXPECT_NE(Initialize("/data").find(row.datapath), std::string::npos) << row.library;
+  }
+}
+
+TEST_F(BringUp, WithoutARegistryFailsWithItsArgumentsAndKeepsTheNewLine) {
+  it_.SetHCIDCommError(5);
+  const LibraryError error = CTestHost::ErrorOf([&] {
+    it_.InitializeCommunications("/My Data", EVanePortNumber::PORT_2, EVaneBaudRate::BR_9600);
+  });
+  EXPECT_EQ(error.Source(), "CVaneT312B - InitializeCommunications(),/My Data,2,6");
+  EXPECT_EQ(error.Number(), ERR_PLATFORM_CALL);
+  EXPECT_EQ(error.HelpFile(), "");
+  EXPECT_NE(it_.Communications(), nullptr);
+}
+
+TEST_F(BringUp, AFailedInitializationIsShownAndGivesFalse) {
+  host_.Connect();
+  EXPECT_TRUE(it_.InitializeCommunicationSettings());
+  EXPECT_EQ(host_.log.Text(), "write 0\n");
+  host_.log.Clear();
+  host_.script.silent.insert("write 0");
+  EXPECT_FALSE(it_.InitializeCommunicationSettings());
+  EXPECT_EQ(host_.log.Text(),
+            "write 0\nbusy off\nbox 16 Corvane: An error occurred while attempting to initialize "
+            "communications.//Error: 4711 - No answer/(line)\n");
+}
+
+TEST(Identification, ModelAndFirmwareAreTakenApartAtTheFirstComma) {
+  const struct {
+    const char* id;
+    const char* model;
+    double firmware;
+  } rows[] = {
+      {"T312B, 5.03", "T312B", 5.03},
+      {"  X 1 ,-2e1 rest", "X 1", -20},
+      {"T312B", "<unknown>", 0},
+      {"T312B,", "T312B", 0},
+      {",5.03", "", 5.03},
+      {"", "<unknown>", 0},
+      {"A,B,5.03", "A", 0},
+      {"\tA\t,1", "\tA\t", 1},
+  };
+  for (const auto& row : rows) {
+    std::string model = "before";
+    double firmware = 1;
+    ExtractModFWFromID(row.id, model, firmware);
+    EXPECT_EQ(model, row.model) << row.id;
+    EXPECT_EQ(firmware, row.firmware) << row.id;
+  }
+  std::string model;
+  double firmware = 0;
+  const LibraryError error =
+      CTestHost::ErrorOf([&] { ExtractModFWFromID("T, 1e999", model, firmware); });
+  EXPECT_EQ(error.Source(), "ExtractModFWFromID - T, 1e999");
+  EXPECT_EQ(error.Number(), ERR_PLATFORM_OVERFLOW);
+}
+
+TEST_F(BringUp, IdentificationStoresWhatItIsToldToStore) {
+  host_.Connect();
+  host_.script.replies["read 18 mayfail"] = "";
+  host_.script.replies["read 18"] = "T312B, 5.03 ";
+  it_.Communications()->params().Channel = "1";
+  EXPECT_TRUE(it_.QueryIdentification(false));
+  EXPECT_EQ(host_.log.Text(), "read 18 mayfail\n");
+  EXPECT_EQ(it_.Identification(), "T312B, 5.03 ");
+  EXPECT_EQ(it_.Firmware(), 0);
+  EXPECT_FALSE(it_.VerifyMinimumFirmware());
+
+  EXPECT_TRUE(it_.QueryIdentification());
+  EXPECT_EQ(it_.Firmware(), 5.03);
+  EXPECT_TRUE(it_.VerifyMinimumFirmware());
+
+  host_.script.replies["read 18"] = "OTHER, 5.02";
+  EXPECT_TRUE(it_.QueryIdentification());
+  EXPECT_EQ(it_.Model(), "OTHER");
+  EXPECT_FALSE(it_.VerifyMinimumFirmware());
+
+  host_.script.replies["read 18"] = "";
+  EXPECT_FALSE(it_.QueryIdentification());
+  EXPECT_EQ(it_.Identification(), "");
+  EXPECT_EQ(it_.Model(), "OTHER");
+}
+
+TEST_F(BringUp, AFailedIdentificationCarriesTheInstrumentsHelp) {
+  host_.Connect();
+  it_.SetHelpFile("mine.hlp");
+  it_.SetHCIDCommError(77);
+  host_.script.silent.insert("read 18");
+  const LibraryError error = CTestHost::ErrorOf([&] { it_.QueryIdentification(); });
+  EXPECT_EQ(error.Source(), "CVaneT312B - QueryIdentification");
+  EXPECT_EQ(error.Number(), kLineError);
+  EXPECT_EQ(error.Description(), "No answer");
+  EXPECT_EQ(error.HelpFile(), "mine.hlp");
+  EXPECT_EQ(error.HelpContext(), 77);
+}
+
+}  // namespace
+}  // namespace vane
