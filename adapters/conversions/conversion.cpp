@@ -1,0 +1,16 @@
+#include "adapters/conversions/conversion.h"
+
+#include "adapters/conversions/conversion_settings.h"
+#include "vane/support/library_error.h"
+
+namespace vane {
+
+CConversion::CConversion(EVaneConversionType ct, bool& changed)
+    : settings_(MakeConversionSettings(ct, changed)) {}
+
+void CConversion::EditSettings() {
+  throw LibraryError(ERR_PLATFORM_CALL, "CConversion - EditSettings",
+                     "This program has no dialog for the values of a conversion.");
+}
+
+}  // namespace vane

@@ -1,0 +1,224 @@
+#include "adapters/conversions/conversion_settings.h"
+
+#include <span>
+#include <string>
+#include <vector>
+
+#include "adapters/conversions/tracked_value.h"
+
+namespace vane {
+namespace {
+
+// Coefficients of each subrange, from the first of its side on. The first has the most.
+constexpr std::int16_t kLowSubranges[] = {7, 5, 3, 2, 2};
+constexpr std::int32_t kFirstLowSubrange = 1;
+constexpr std::int16_t kHighSubranges[] = {4, 3, 2, 2, 1, 1};
+constexpr std::int32_t kFirstHighSubrange = 6;
+constexpr std::int32_t kNoSubrange = -1;
+
+constexpr std::int16_t kCVDCoefficients = 4;
+constexpr std::int16_t kIPTS68Coefficients = 5;
+constexpr std::int16_t kThermistorCoefficients = 4;
+constexpr std::int16_t kPolynomialCoefficients = 11;
+
+// The position of a caller's index; `at` refuses what lies outside, negative ones included.
+std::size_t Position(std::int32_t index) { return static_cast<std::size_t>(index); }
+
+class CCoefficients {
+ public:
+  CCoefficients(bool& changed, std::int16_t count)
+      : values_(Position(count), CTrackedValue<double>(changed)) {}
+
+  double Get(std::int32_t index) const { return values_.at(Position(index)).Get(); }
+  void Set(std::int32_t index, double value) { values_.at(Position(index)).Set(value); }
+  std::int16_t Count() const { return static_cast<std::int16_t>(values_.size()); }
+
+ private:
+  std::vector<CTrackedValue<double>> values_;
+};
+
+class CSubrange : public CITS90Range {
+ public:
+  CSubrange(bool& changed, std::int32_t first, std::span<const std::int16_t> counts)
+      : first_(first),
+        counts_(counts),
+        minrange_(first),
+        maxrange_(first + static_cast<std::int32_t>(counts.size()) - 1),
+        range_(changed, kNoSubrange),
+        coefficients_(changed, counts.front()) {}
+
+  std::int32_t Range() const override { return range_.Get(); }
+  void SetRange(std::int32_t value) override { range_.Set(value); }
+  std::int32_t MinRange() const override { return minrange_; }
+  void SetMinRange(std::int32_t value) override { minrange_ = value; }
+  std::int32_t MaxRange() const override { return maxrange_; }
+  void SetMaxRange(std::int32_t value) override { maxrange_ = value; }
+  const std::string& ValueFormat() const override { return format_; }
+  void SetValueFormat(const std::string& format) override { format_ = format; }
+
+  double Coefficients(std::int32_t index) const override { return coefficients_.Get(index); }
+  void SetCoefficients(std::int32_t index, double value) override {
+    coefficients_.Set(index, value);
+  }
+
+  // A number of the other side has no coefficients here.
+  std::int16_t NumCoefficients() const override {
+    const std::int64_t place = std::int64_t{Range()} - first_;
+    if (place < 0 || place >= std::ssize(counts_)) return 0;
+    return counts_[static_cast<std::size_t>(place)];
+  }
+
+ private:
+  const std::int32_t first_;
+  const std::span<const std::int16_t> counts_;
+  std::int32_t minrange_;
+  std::int32_t maxrange_;
+  std::string format_;
+  CTrackedValue<std::int32_t> range_;
+  CCoefficients coefficients_;
+};
+
+// The triple point's resistance, for the two interfaces that have it.
+template <class Interface>
+class CTriplePoint : public Interface {
+ public:
+  explicit CTriplePoint(bool& changed) : rtpw_(changed) {}
+
+  double RTPW() const override { return rtpw_.Get(); }
+  void SetRTPW(double value) override { rtpw_.Set(value); }
+  const std::string& RTPWFormat() const override { return format_; }
+  void SetRTPWFormat(const std::string& format) override { format_ = format; }
+
+ private:
+  CTrackedValue<double> rtpw_;
+  std::string format_;
+};
+
+class CITS90 : public CTriplePoint<CITS90Settings> {
+ public:
+  explicit CITS90(bool& changed)
+      : CTriplePoint(changed),
+        low_(changed, kFirstLowSubrange, kLowSubranges),
+        high_(changed, kFirstHighSubrange, kHighSubranges) {}
+
+  CITS90Range& LowRange() override { return low_; }
+  CITS90Range& HighRange() override { return high_; }
+
+ private:
+  CSubrange low_;
+  CSubrange high_;
+};
+
+// Coefficients with a format each.
+template <class Interface>
+class CFormattedCoefficients : public Interface {
+ public:
+  CFormattedCoefficients(bool& changed, std::int16_t count)
+      : coefficients_(changed, count), formats_(Position(count)) {}
+
+  const std::string& ValueFormat(std::int32_t index) const override {
+    return formats_.at(Position(index));
+  }
+  void SetValueFormat(std::int32_t index, const std::string& format) override {
+    formats_.at(Position(index)) = format;
+  }
+  double Coefficients(std::int32_t index) const override { return coefficients_.Get(index); }
+  void SetCoefficients(std::int32_t index, double value) override {
+    coefficients_.Set(index, value);
+  }
+
+ private:
+  CCoefficients coefficients_;
+  std::vector<std::string> formats_;
+};
+
+class CCVD : public CFormattedCoefficients<CCVDSettings> {
+ public:
+  explicit CCVD(bool& changed) : CFormattedCoefficients(changed, kCVDCoefficients) {}
+};
+
+class CIPTS68 : public CFormattedCoefficients<CIPTS68Settings> {
+ public:
+  explicit CIPTS68(bool& changed)
+      : CFormattedCoefficients(changed, kIPTS68Coefficients),
+        scaleenabled_(changed),
+        scale_(changed) {}
+
+  bool ScaleEnabled() const override { return scaleenabled_.Get(); }
+  void SetScaleEnabled(bool value) override { scaleenabled_.Set(value); }
+  std::int32_t IPTS68Scale() const override { return scale_.Get(); }
+  void SetIPTS68Scale(std::int32_t value) override { scale_.Set(value); }
+
+ private:
+  CTrackedValue<bool> scaleenabled_;
+  CTrackedValue<std::int32_t> scale_;
+};
+
+// Coefficients with one format for all.
+template <class Interface>
+class CNumberedCoefficients : public Interface {
+ public:
+  CNumberedCoefficients(bool& changed, std::int16_t count) : coefficients_(changed, count) {}
+
+  const std::string& ValueFormat() const override { return format_; }
+  void SetValueFormat(const std::string& format) override { format_ = format; }
+  double Coefficients(std::int32_t index) const override { return coefficients_.Get(index); }
+  void SetCoefficients(std::int32_t index, double value) override {
+    coefficients_.Set(index, value);
+  }
+  std::int16_t NumCoefficients() const override { return coefficients_.Count(); }
+
+ private:
+  CCoefficients coefficients_;
+  std::string format_;
+};
+
+class CThermistor : public CNumberedCoefficients<CThermistorSettings> {
+ public:
+  explicit CThermistor(bool& changed) : CNumberedCoefficients(changed, kThermistorCoefficients) {}
+};
+
+// The readout keeps all eleven coefficients whatever the order is, and so does this.
+class CPolynomial : public CNumberedCoefficients<CPolynomialSettings> {
+ public:
+  explicit CPolynomial(bool& changed)
+      : CNumberedCoefficients(changed, kPolynomialCoefficients), order_(changed) {}
+
+  std::int32_t Order() const override { return order_.Get(); }
+  void SetOrder(std::int32_t value) override { order_.Set(value); }
+
+ private:
+  CTrackedValue<std::int32_t> order_;
+};
+
+}  // namespace
+
+bool HasConversionSettings(EVaneConversionType ct) {
+  bool unused = false;
+  return MakeConversionSettings(ct, unused) != nullptr;
+}
+
+std::unique_ptr<CConversionSettings> MakeConversionSettings(EVaneConversionType ct, bool& changed) {
+  switch (ct) {
+    case EVaneConversionType::CONV_ITS90:
+      return std::make_unique<CITS90>(changed);
+    case EVaneConversionType::CONV_IPTS68:
+      return std::make_unique<CIPTS68>(changed);
+    case EVaneConversionType::CONV_CVD:
+      return std::make_unique<CCVD>(changed);
+    case EVaneConversionType::CONV_POLYNOMIAL:
+      return std::make_unique<CPolynomial>(changed);
+    case EVaneConversionType::CONV_THERMISTOR_TR:
+    case EVaneConversionType::CONV_THERMISTOR_RT:
+      return std::make_unique<CThermistor>(changed);
+    case EVaneConversionType::CONV_WT90:
+      return std::make_unique<CTriplePoint<CWT90Settings>>(changed);
+    case EVaneConversionType::CONV_NONE:
+    case EVaneConversionType::CONV_RESISTANCE:
+    case EVaneConversionType::CONV_RATIO:
+      break;
+  }
+  return nullptr;
+}
+
+}  // namespace vane

@@ -1,0 +1,50 @@
+// A thermometer's record in memory. It needs no file, no window and no registry.
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "adapters/conversions/tracked_value.h"
+#include "vane/components/conversion.h"
+
+namespace vane {
+
+/// A new probe is unchanged, without a serial number, and of type `CONV_NONE`, which has no values.
+class CThermometerProbe : public CVaneProbe {
+ public:
+  CThermometerProbe();
+  CThermometerProbe(const CThermometerProbe&) = delete;
+  CThermometerProbe& operator=(const CThermometerProbe&) = delete;
+
+  // For probes with dialogs and files of their own, and for other inputs than resistance.
+  void SetHelpFile(const std::string&) override {}
+  void SetRegistry(std::shared_ptr<CVaneRegistry>&) override {}
+  void SetFilePath(const std::string&) override {}
+  void SetInputKind(std::int32_t) override {}
+
+  bool Changed() const override { return changed_; }
+  void SetChanged(bool value) override { changed_ = value; }
+
+  /// True for every type that has values, though this component can't show them: what has values
+  /// is worth an editor, and `EditSettings` says that there is none.
+  bool ConversionHasSettings(EVaneConversionType ct) const override;
+
+  const std::string& SerialNumber() const override { return serialnumber_.Get(); }
+  void SetSerialNumber(const std::string& text) override { serialnumber_.Set(text); }
+
+  CVaneConversion& Conversion() override { return *conversion_; }
+
+  EVaneConversionType ConversionType() const override { return type_; }
+
+  /// Always makes new objects, also for the type at hand, and marks the probe: the values that it
+  /// had are gone. Any code is kept; one that this component doesn't know has no values.
+  void SetConversionType(EVaneConversionType ct) override;
+
+ private:
+  bool changed_ = false;
+  CTrackedValue<std::string> serialnumber_;
+  EVaneConversionType type_ = EVaneConversionType::CONV_NONE;
+  std::unique_ptr<CVaneConversion> conversion_;
+};
+
+}  // namespace vane

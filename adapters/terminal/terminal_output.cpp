@@ -1,0 +1,33 @@
+#include "adapters/terminal/terminal_output.h"
+
+#include <unistd.h>
+
+#include <cerrno>
+
+namespace vane {
+
+void WriteToTerminal(int fd, std::string_view text) {
+  while (!text.empty()) {
+    const ssize_t written = ::write(fd, text.data(), text.size());
+    if (written < 0 && errno == EINTR) continue;
+    if (written < 0) return;
+    text.remove_prefix(static_cast<std::size_t>(written));
+  }
+}
+
+std::string PrintableText(std::string_view text) {
+  std::string result;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    const auto c = static_cast<unsigned char>(text[i]);
+    if (c == '\r') {
+      if (text.substr(i + 1, 1) != "\n") result += '\n';
+    } else if (c == '\n' || c == '\t' || (c >= ' ' && c != 0x7F)) {
+      result += text[i];
+    } else {
+      result += '?';
+    }
+  }
+  return result;
+}
+
+}  // namespace vane

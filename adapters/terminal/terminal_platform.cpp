@@ -1,0 +1,148 @@
+#include "adapters/terminal/terminal_platform.h"
+
+#include <langinfo.h>
+#include <poll.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <climits>
+#include <clocale>
+#include <cstdlib>
+#include <ctime>
+#include <filesystem>
+#include <string_view>
+
+#include "adapters/terminal/clock_text.h"
+#include "adapters/terminal/terminal_output.h"
+
+namespace vane {
+namespace {
+
+constexpr std::int32_t kHelpContextCommand = 1;
+
+std::string BoxHeader(const std::string& title, std::int32_t flags) {
+  switch (flags & kBoxIconMask) {
+    case kBoxStop:
+      return title + ": Error";
+    case kBoxQuestion:
+      return title + ": Question";
+    case kBoxInformation:
+      return title + ": Information";
+    default:
+      return title;
+  }
+}
+
+std::string HelpTopic(const std::string& helpfile, std::int32_t context) {
+  return "Help: " + helpfile + ", topic " + std::to_string(context) + "\n";
+}
+
+// The word of an answer: without blanks, in lower case.
+std::string Word(std::string_view line) {
+  std::string word;
+  for (const char c : line) {
+    if (c != ' ' && c != '\t' && c != '\r') {
+      word += c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+    }
+  }
+  return word;
+}
+
+}  // namespace
+
+CTerminalPlatform::CTerminalPlatform(CInterrupts& interrupts, int input, int output)
+    : interrupts_(interrupts), input_(input), output_(output) {}
+
+EBoxButton CTerminalPlatform::MessageBox(const std::string& text, const std::string& title,
+                                         std::int32_t flags, const std::string& helpfile,
+                                         std::int32_t helpcontext) {
+  std::string box = BoxHeader(title, flags) + "\n" + text + "\n";
+  if (flags & kBoxHelpButton) box += HelpTopic(helpfile, helpcontext);
+  WriteToTerminal(output_, PrintableText(box));
+  return flags & kBoxYesNo ? Ask() : EBoxButton::kOk;
+}
+
+EBoxButton CTerminalPlatform::Ask() {
+  const auto no = [this](std::string_view why) {
+    WriteToTerminal(output_, why);
+    return EBoxButton::kNo;
+  };
+  if (!::isatty(input_) || !::isatty(output_)) return no("No: there is no terminal to ask on.\n");
+
+  std::string line;
+  WriteToTerminal(output_, "Yes or no? ");
+  for (;;) {
+    if (interrupts_.Pending()) return no("\nNo: interrupted.\n");
+    pollfd waiting[] = {{input_, POLLIN, 0}, {interrupts_.Descriptor(), POLLIN, 0}};
+    if (::poll(waiting, 2, -1) < 0 || !waiting[0].revents) continue;
+
+    // One character at a time, so that what follows the line stays for whoever reads next.
+    char c = 0;
+    const ssize_t size = ::read(input_, &c, 1);
+    if (size < 0 && errno == EINTR) continue;
+    if (size <= 0) return no("\nNo: the input has ended.\n");
+    if (c != '\n') {
+      line += c;
+      continue;
+    }
+    const std::string word = Word(line);
+    if (word == "y" || word == "yes") return EBoxButton::kYes;
+    if (word == "n" || word == "no") return EBoxButton::kNo;
+    line.clear();
+    WriteToTerminal(output_, "Please answer yes or no: ");
+  }
+}
+
+void CTerminalPlatform::RunMessageQueue(std::uint32_t longestwait) {
+  pollfd waiting = {interrupts_.Descriptor(), POLLIN, 0};
+  ::poll(&waiting, 1, static_cast<int>(std::min<std::uint32_t>(longestwait, INT_MAX)));
+  for (int arrivals = interrupts_.TakeArrivals(); arrivals > 0; --arrivals) {
+    if (handler_) handler_();
+  }
+}
+
+std::int32_t CTerminalPlatform::OpenHelp(const std::string& helpfile, std::int32_t command,
+                                         std::int32_t data) {
+  WriteToTerminal(output_,
+                  PrintableText(command == kHelpContextCommand ? HelpTopic(helpfile, data)
+                                                               : "Help: " + helpfile + "\n"));
+  return 1;
+}
+
+std::uint32_t CTerminalPlatform::TickCount() {
+  const auto now = std::chrono::steady_clock::now().time_since_epoch();
+  return static_cast<std::uint32_t>(
+      std::chrono::duration_cast<std::chrono::milliseconds>(now).count());
+}
+
+std::chrono::local_seconds CTerminalPlatform::LocalTime() {
+  const std::time_t now = std::time(nullptr);
+  std::tm fields{};
+  ::localtime_r(&now, &fields);
+  return std::chrono::local_seconds(std::chrono::seconds(now + fields.tm_gmtoff));
+}
+
+std::string CTerminalPlatform::DecimalSeparator() {
+  const std::string separator = std::localeconv()->decimal_point;
+  return separator.empty() ? "." : separator;
+}
+
+std::string CTerminalPlatform::LongTimeText(std::chrono::local_seconds moment) {
+  return ClockText(moment, ::nl_langinfo(T_FMT));
+}
+
+std::string CTerminalPlatform::LibraryFolder() {
+  return std::filesystem::read_symlink("/proc/self/exe").parent_path().string();
+}
+
+std::string CTerminalPlatform::SystemFolder() { return "/usr/lib"; }
+
+std::string CTerminalPlatform::TemporaryFolder() {
+  const char* variable = std::getenv("TMPDIR");
+  std::string folder = variable && *variable ? variable : "/tmp";
+  while (folder.size() > 1 && folder.back() == '/') folder.pop_back();
+  return folder;
+}
+
+}  // namespace vane

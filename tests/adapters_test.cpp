@@ -1,0 +1,471 @@
+// The components for a host in a terminal: probes, the user's files, messages and progress.
+
+#include <errno.h>
+#include <gmock/gmock.h>
+#include <pty.h>
+#include <signal.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <chrono>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <system_error>
+#include <thread>
+#include <vector>
+
+#include "adapters/conversions/probe.h"
+#include "adapters/files/atomic_file.h"
+#include "adapters/files/registry.h"
+#include "adapters/terminal/clock_text.h"
+#include "adapters/terminal/terminal_platform.h"
+#include "adapters/terminal/terminal_progress.h"
+#include "vane/support/library_error.h"
+
+namespace vane {
+namespace {
+
+using namespace std::chrono_literals;
+using enum EVaneConversionType;
+using testing::ElementsAre;
+using testing::EndsWith;
+using testing::HasSubstr;
+namespace fs = std::filesystem;
+
+// Probes.
+
+template <class T>
+T& SettingsOf(CThermometerProbe& probe, EVaneConversionType ct) {
+  probe.SetConversionType(ct);
+  probe.SetChanged(false);
+  return dynamic_cast<T&>(*probe.Conversion().Settings());
+}
+
+TEST(Probe, ITS90SubrangesHaveTheirNumberOfCoefficients) {
+  CThermometerProbe probe;
+  auto& settings = SettingsOf<CITS90Settings>(probe, CONV_ITS90);
+  std::vector<std::int16_t> low, high;
+  for (std::int32_t range = -1; range <= 12; ++range) {
+    settings.LowRange().SetRange(range);
+    settings.HighRange().SetRange(range);
+    low.push_back(settings.LowRange().NumCoefficients());
+    high.push_back(settings.HighRange().NumCoefficients());
+  }
+  EXPECT_THAT(low, ElementsAre(0, 0, 7, 5, 3, 2, 2, 0, 0, 0, 0, 0, 0, 0));
+  EXPECT_THAT(high, ElementsAre(0, 0, 0, 0, 0, 0, 0, 4, 3, 2, 2, 1, 1, 0));
+  settings.LowRange().SetCoefficients(6, 1.0);
+  EXPECT_THROW(settings.LowRange().SetCoefficients(7, 1.0), std::out_of_range);
+  EXPECT_THROW(settings.HighRange().SetCoefficients(4, 1.0), std::out_of_range);
+  EXPECT_THROW(settings.HighRange().Coefficients(-1), std::out_of_range);
+}
+
+TEST(Probe, OtherTypesHaveTheirStorage) {
+  CThermometerProbe probe;
+  auto& cvd = SettingsOf<CCVDSettings>(probe, CONV_CVD);
+  EXPECT_NO_THROW(cvd.Coefficients(3));
+  EXPECT_THROW(cvd.Coefficients(4), std::out_of_range);
+  EXPECT_THROW(cvd.SetValueFormat(4, "0"), std::out_of_range);
+  EXPECT_NO_THROW(SettingsOf<CIPTS68Settings>(probe, CONV_IPTS68).SetValueFormat(4, "0"));
+  for (const EVaneConversionType ct : {CONV_THERMISTOR_TR, CONV_THERMISTOR_RT}) {
+    EXPECT_EQ(SettingsOf<CThermistorSettings>(probe, ct).NumCoefficients(), 4);
+  }
+  auto& polynomial = SettingsOf<CPolynomialSettings>(probe, CONV_POLYNOMIAL);
+  polynomial.SetOrder(3);
+  EXPECT_EQ(polynomial.NumCoefficients(), 11);
+  SettingsOf<CWT90Settings>(probe, CONV_WT90);
+}
+
+TEST(Probe, OnlyADifferentValueMarksIt) {
+  CThermometerProbe probe;
+  EXPECT_FALSE(probe.Changed());
+  auto& settings = SettingsOf<CITS90Settings>(probe, CONV_ITS90);
+  const auto marks = [&probe](auto change) {
+    probe.SetChanged(false);
+    change();
+    const bool first = probe.Changed();
+    probe.SetChanged(false);
+    change();
+    return first && !probe.Changed();
+  };
+  EXPECT_TRUE(marks([&] { probe.SetSerialNumber("A-17"); }));
+  EXPECT_TRUE(marks([&] { settings.SetRTPW(25.5); }));
+  EXPECT_TRUE(marks([&] { settings.LowRange().SetRange(4); }));
+  EXPECT_TRUE(marks([&] { settings.HighRange().SetCoefficients(3, -1e-7); }));
+  auto& scale = SettingsOf<CIPTS68Settings>(probe, CONV_IPTS68);
+  EXPECT_TRUE(marks([&] { scale.SetScaleEnabled(true); }));
+  EXPECT_TRUE(marks([&] { scale.SetIPTS68Scale(1); }));
+  probe.SetChanged(false);
+  scale.SetValueFormat(0, "0.0");
+  EXPECT_FALSE(probe.Changed());
+  probe.SetConversionType(CONV_CVD);
+  EXPECT_TRUE(probe.Changed());
+}
+
+TEST(Probe, TypeReplacesTheValuesAndUnknownTypesHaveNone) {
+  CThermometerProbe probe;
+  EXPECT_EQ(probe.ConversionType(), CONV_NONE);
+  EXPECT_EQ(probe.Conversion().Settings(), nullptr);
+  SettingsOf<CCVDSettings>(probe, CONV_CVD).SetCoefficients(0, 100.0);
+  EXPECT_EQ(SettingsOf<CCVDSettings>(probe, CONV_CVD).Coefficients(0), 0.0);
+  for (const int code : {-1, 3, 7, 10, 15, 99}) {
+    const auto ct = static_cast<EVaneConversionType>(code);
+    probe.SetConversionType(ct);
+    EXPECT_EQ(probe.ConversionType(), ct);
+    EXPECT_EQ(probe.Conversion().Settings(), nullptr) << code;
+    EXPECT_FALSE(probe.ConversionHasSettings(ct)) << code;
+  }
+  EXPECT_TRUE(probe.ConversionHasSettings(CONV_WT90));
+  EXPECT_THROW(probe.Conversion().EditSettings(), LibraryError);
+}
+
+// Files.
+
+class UserFiles : public testing::Test {
+ protected:
+  UserFiles() {
+    std::string name = testing::TempDir() + "adapters-XXXXXX";
+    folder = mkdtemp(name.data());
+    path = folder / "VaneT312B" / "registry.toml";
+  }
+  ~UserFiles() override { fs::remove_all(folder); }
+
+  static std::string Text(const fs::path& file) {
+    std::ostringstream text;
+    text << std::ifstream(file).rdbuf();
+    return text.str();
+  }
+  void Put(const std::string& text) {
+    fs::create_directories(path.parent_path());
+    std::ofstream(path) << text;
+  }
+  static std::vector<std::string> Names(const fs::path& in) {
+    std::vector<std::string> names;
+    for (const auto& entry : fs::directory_iterator(in)) names.push_back(entry.path().filename());
+    std::sort(names.begin(), names.end());
+    return names;
+  }
+
+  fs::path folder, path;
+  std::vector<std::string> reports;
+  std::function<void(const std::string&)> report = [this](const std::string& text) {
+    reports.push_back(text);
+  };
+};
+
+TEST_F(UserFiles, RegistryGivesTheValueOrTheFallback) {
+  CConfigRegistry registry(report, path);
+  EXPECT_EQ(registry.ReadBoolean("COMAutoClose", true, kCurrentUserRoot, ""), 1);
+  EXPECT_FALSE(fs::exists(path));
+  Put("[values]\nCOMAutoClose = true\nDownloadFolder = 7\n[values.a.b]\nx = \"deep\"\n");
+  EXPECT_EQ(registry.ReadBoolean("COMAutoClose", false, kCurrentUserRoot, ""), 1);
+  EXPECT_EQ(registry.ReadBoolean("DownloadFolder", false, kCurrentUserRoot, ""), 0);
+  EXPECT_EQ(registry.ReadText("DownloadFolder", "/f", kCurrentUserRoot, ""), "/f");
+  EXPECT_EQ(registry.ReadText("x", "", kCurrentUserRoot, "a\\b"), "deep");
+  EXPECT_EQ(registry.ReadText("x", "none", kCurrentUserRoot, "a"), "none");
+  EXPECT_EQ(registry.ReadBoolean("COMAutoClose", false, kCurrentUserRoot + 1, ""), 0);
+  EXPECT_THAT(reports, ElementsAre());
+}
+
+TEST_F(UserFiles, RegistryKeepsWhatItDoesNotKnow) {
+  Put("version = 3\n[window]\nsize = [4, 5.5]\n[values]\nother = 2020-01-02\n");
+  CConfigRegistry registry(report, path);
+  registry.WriteText("DownloadFolder", "/home/\"Zoë\"\n", "a");
+  registry.WriteBoolean("COMAutoClose", true);
+  EXPECT_EQ(registry.ReadText("DownloadFolder", "", kCurrentUserRoot, "a"), "/home/\"Zoë\"\n");
+  for (const char* kept : {"version = 3", "size = [ 4, 5.5 ]", "other = 2020-01-02"}) {
+    EXPECT_THAT(Text(path), HasSubstr(kept));
+  }
+  const std::string before = Text(path);
+  EXPECT_THROW(registry.WriteBoolean("a", true), LibraryError);
+  EXPECT_THROW(registry.WriteBoolean("x", true, "COMAutoClose"), LibraryError);
+  EXPECT_THROW(registry.WriteText("DownloadFolder", "\xE9"), LibraryError);
+  EXPECT_EQ(Text(path), before);
+}
+
+TEST_F(UserFiles, RegistryPutsADamagedFileAsideAtTheFirstWrite) {
+  Put("[values\nCOMAutoClose = true\n");
+  CConfigRegistry registry(report, path);
+  EXPECT_EQ(registry.ReadBoolean("COMAutoClose", false, kCurrentUserRoot, ""), 0);
+  registry.ReadBoolean("SelectPrinter", true, kCurrentUserRoot, "");
+  EXPECT_THAT(reports, ElementsAre(HasSubstr("is damaged, line 1")));
+  std::ofstream(path.string() + ".damaged-1") << "older";
+  registry.WriteBoolean("SelectPrinter", false);
+  EXPECT_EQ(registry.ReadBoolean("SelectPrinter", true, kCurrentUserRoot, ""), 0);
+  EXPECT_EQ(Text(path.string() + ".damaged-1"), "older");
+  EXPECT_EQ(Text(path.string() + ".damaged-2"), "[values\nCOMAutoClose = true\n");
+}
+
+TEST_F(UserFiles, RegistryThatCannotBeReadIsReportedAndNotReplaced) {
+  fs::create_directories(path);
+  CConfigRegistry registry(report, path);
+  EXPECT_EQ(registry.ReadText("DownloadFolder", "/f", kCurrentUserRoot, ""), "/f");
+  EXPECT_THAT(reports, ElementsAre(HasSubstr(path.string())));
+  EXPECT_THROW(registry.WriteBoolean("SelectPrinter", false), std::system_error);
+  EXPECT_TRUE(fs::is_directory(path));
+}
+
+TEST_F(UserFiles, TwoProcessesLoseNothingOfEachOther) {
+  constexpr int kWrites = 40;
+  std::vector<pid_t> writers;
+  for (const char* name : {"first", "second"}) {
+    writers.push_back(fork());
+    if (writers.back() == 0) {
+      CConfigRegistry registry({}, path);
+      for (int i = 0; i < kWrites; ++i) registry.WriteBoolean(name + std::to_string(i), true);
+      _exit(0);
+    }
+  }
+  for (const pid_t writer : writers) {
+    int status = -1;
+    waitpid(writer, &status, 0);
+    EXPECT_EQ(status, 0);
+  }
+  CConfigRegistry registry(report, path);
+  for (int i = 0; i < kWrites; ++i) {
+    for (const std::string name : {"first", "second"}) {
+      EXPECT_EQ(registry.ReadBoolean(name + std::to_string(i), false, kCurrentUserRoot, ""), 1);
+    }
+  }
+  EXPECT_THAT(Names(path.parent_path()), ElementsAre("registry.toml", "registry.toml.lock"));
+}
+
+TEST_F(UserFiles, DefaultPathIsTheUsersConfigurationFolder) {
+  setenv("HOME", "/h", 1);
+  for (const auto& [xdg, expected] : {std::pair{"/x", "/x/VaneT312B/registry.toml"},
+                                      {"", "/h/.config/VaneT312B/registry.toml"},
+                                      {"relative", "/h/.config/VaneT312B/registry.toml"}}) {
+    setenv("XDG_CONFIG_HOME", xdg, 1);
+    EXPECT_EQ(CConfigRegistry::DefaultPath(), expected);
+  }
+}
+
+TEST_F(UserFiles, AtomicWriteReplacesTheFileBehindALink) {
+  const auto mode = [](const fs::path& file) {
+    return static_cast<unsigned>(fs::status(file).permissions());
+  };
+  const fs::path real = folder / "new" / "real", link = folder / "link";
+  fs::create_symlink("new/real", link);
+  WriteFileAtomically(link, "one", 0640);
+  EXPECT_EQ(mode(folder / "new"), 0700u);
+  EXPECT_EQ(mode(real), 0640u);
+  WriteFileAtomically(link, "two", 0600);
+  EXPECT_TRUE(fs::is_symlink(link));
+  EXPECT_EQ(Text(real), "two");
+  EXPECT_EQ(mode(real), 0640u);
+  EXPECT_THAT(Names(folder / "new"), ElementsAre("real"));
+  EXPECT_THROW(WriteFileAtomically(real / "below", "", 0600), std::system_error);
+}
+
+TEST_F(UserFiles, FailedWriteLeavesTheOldFileAndNothingBeside) {
+  WriteFileAtomically(folder / "file", "old", 0600);
+  rlimit former{};
+  getrlimit(RLIMIT_FSIZE, &former);
+  const auto handler = signal(SIGXFSZ, SIG_IGN);
+  const rlimit small{1000, former.rlim_max};
+  setrlimit(RLIMIT_FSIZE, &small);
+  std::string message;
+  try {
+    WriteFileAtomically(folder / "file", std::string(5000, 'x'), 0600);
+  } catch (const std::system_error& error) {
+    message = error.what();
+  }
+  setrlimit(RLIMIT_FSIZE, &former);
+  signal(SIGXFSZ, handler);
+  EXPECT_THAT(message, HasSubstr((folder / "file").string()));
+  EXPECT_EQ(Text(folder / "file"), "old");
+  EXPECT_THAT(Names(folder), ElementsAre("file"));
+}
+
+// The terminal.
+
+// A terminal of 60 columns with its user's end, and a pipe that is none.
+struct Lines {
+  Lines() {
+    winsize size{24, 60, 0, 0};
+    EXPECT_EQ(openpty(&user, &host, nullptr, nullptr, &size), 0);
+    termios plain{};
+    tcgetattr(host, &plain);
+    plain.c_oflag &= ~static_cast<tcflag_t>(OPOST);
+    plain.c_lflag &= ~static_cast<tcflag_t>(ECHO);
+    tcsetattr(host, TCSANOW, &plain);
+    EXPECT_EQ(pipe(line), 0);
+  }
+  ~Lines() {
+    for (const int fd : {user, host, line[0], line[1]}) close(fd);
+  }
+
+  // What has been printed since the last look; the mark behind it makes sure that all of it is
+  // there.
+  static std::string Printed(int from, int to) {
+    EXPECT_EQ(write(to, "\x04", 1), 1);
+    std::string text;
+    char c = 0;
+    while (read(from, &c, 1) == 1 && c != '\x04') text += c;
+    return text;
+  }
+  std::string Screen() const { return Printed(user, host); }
+  std::string Piped() const { return Printed(line[0], line[1]); }
+  void Type(const std::string& text) const {
+    EXPECT_EQ(write(user, text.data(), text.size()), static_cast<ssize_t>(text.size()));
+  }
+
+  int user = -1, host = -1, line[2] = {-1, -1};
+};
+
+class Terminal : public Lines, public testing::Test {
+ protected:
+  CInterrupts interrupts;
+  CTerminalPlatform platform{interrupts, host, host};
+};
+
+TEST_F(Terminal, BoxIsItsText) {
+  EXPECT_EQ(platform.MessageBox("An error occurred.\r\rError: 5 - \x1B[2J Öl", "Corvane",
+                                kBoxStop + kBoxHelpButton, "VaneT312B.hlp", 40),
+            EBoxButton::kOk);
+  platform.MessageBox("Done.", "Corvane", kBoxInformation, "", 0);
+  EXPECT_EQ(platform.OpenHelp("VaneT312B.hlp", 1, 7), 1);
+  EXPECT_EQ(Screen(),
+            "Corvane: Error\nAn error occurred.\n\nError: 5 - ?[2J Öl\n"
+            "Help: VaneT312B.hlp, topic 40\n"
+            "Corvane: Information\nDone.\n"
+            "Help: VaneT312B.hlp, topic 7\n");
+}
+
+TEST_F(Terminal, QuestionAsksUntilItIsAnswered) {
+  const auto ask = [this] {
+    return platform.MessageBox("Write?", "Corvane", kBoxQuestion + kBoxYesNo, "", 0);
+  };
+  const std::string head = "Corvane: Question\nWrite?\n";
+  const std::string again = "Please answer yes or no: ";
+  Type("\nmaybe\n Yes \nn\n");
+  EXPECT_EQ(ask(), EBoxButton::kYes);
+  EXPECT_EQ(ask(), EBoxButton::kNo);
+  EXPECT_EQ(Screen(), head + "Yes or no? " + again + again + head + "Yes or no? ");
+  Type("\x04");
+  EXPECT_EQ(ask(), EBoxButton::kNo);
+  EXPECT_THAT(Screen(), EndsWith("\nNo: the input has ended.\n"));
+  std::jthread later([] {
+    std::this_thread::sleep_for(30ms);
+    kill(getpid(), SIGINT);
+  });
+  EXPECT_EQ(ask(), EBoxButton::kNo);
+  EXPECT_THAT(Screen(), EndsWith("\nNo: interrupted.\n"));
+  EXPECT_TRUE(interrupts.Pending());
+
+  interrupts.Clear();
+  CTerminalPlatform piped(interrupts, line[0], line[1]);
+  EXPECT_EQ(piped.MessageBox("Write?", "Corvane", kBoxQuestion + kBoxYesNo, "", 0),
+            EBoxButton::kNo);
+  EXPECT_EQ(Piped(), head + "No: there is no terminal to ask on.\n");
+}
+
+TEST_F(Terminal, InterruptWakesTheMessageQueueOnceAndStaysPending) {
+  int handled = 0;
+  platform.SetInterruptHandler([&handled] { ++handled; });
+  std::jthread later([] {
+    std::this_thread::sleep_for(30ms);
+    kill(getpid(), SIGTERM);
+  });
+  const auto start = std::chrono::steady_clock::now();
+  platform.RunMessageQueue(20000);
+  EXPECT_LT(std::chrono::steady_clock::now() - start, 10s);
+  EXPECT_EQ(handled, 1);
+  const std::uint32_t ticks = platform.TickCount();
+  platform.RunMessageQueue(40);
+  EXPECT_GE(platform.TickCount() - ticks, 39u);
+  EXPECT_EQ(handled, 1);
+  EXPECT_TRUE(interrupts.Pending());
+}
+
+TEST_F(Terminal, ThirdInterruptGivesTheKeyBackToTheSystem) {
+  const auto handler = [] {
+    struct sigaction action {};
+    sigaction(SIGINT, nullptr, &action);
+    return action.sa_handler;
+  };
+  raise(SIGINT);
+  raise(SIGINT);
+  EXPECT_NE(handler(), SIG_DFL);
+  raise(SIGINT);
+  EXPECT_EQ(handler(), SIG_DFL);
+  interrupts.Clear();
+  EXPECT_NE(handler(), SIG_DFL);
+  EXPECT_THROW(CInterrupts second, std::logic_error);
+}
+
+TEST_F(Terminal, ProgressDrawsOneLineAndTakesItAway) {
+  CTerminalProgress bar(interrupts, host);
+  CVaneProgress& progress = bar;
+  progress.Start("Reading settings...", 30.0);
+  EXPECT_EQ(Screen(), "\rReading settings... [--------------------------------]   0%");
+  const auto start = std::chrono::steady_clock::now();
+  for (int i = 0; i < 50; ++i) EXPECT_TRUE(progress.Step());
+  const auto elapsed = std::chrono::steady_clock::now() - start;
+  const std::string redraws = Screen();
+  EXPECT_LE(std::count(redraws.begin(), redraws.end(), '\r'), 1 + elapsed / 50ms);
+  progress.Hide(false);
+  EXPECT_EQ(Screen(), "\r" + std::string(59, ' ') + "\r");
+  progress.Hide(true);
+  EXPECT_EQ(Screen(), "\rReading settings... [################################] 100%");
+  progress.Finish();
+  EXPECT_EQ(Screen(), "\r" + std::string(59, ' ') + "\r");
+
+  progress.Start("Ünlängst " + std::string(60, 'x'), 0.0);
+  std::this_thread::sleep_for(60ms);
+  progress.Step(8, 2);
+  EXPECT_THAT(Screen(), EndsWith("\rÜnlängst " + std::string(32, 'x') + " [##--------]  25%"));
+  progress.SetVisible(false);
+  Screen();
+  progress.Step(8, 7);
+  progress.Finish();
+  EXPECT_EQ(Screen(), "");
+}
+
+TEST_F(Terminal, ProgressStopsAtAnInterruptUntilItFinishes) {
+  CTerminalProgress bar(interrupts, line[1]);
+  CVaneProgress& progress = bar;
+  progress.Start("Reading...", 20.0);
+  EXPECT_TRUE(progress.Step());
+  raise(SIGINT);
+  EXPECT_FALSE(progress.Step());
+  EXPECT_FALSE(progress.Step());
+  progress.Finish();
+  EXPECT_FALSE(interrupts.Pending());
+  progress.Start("Reading...", 20.0);
+  EXPECT_TRUE(progress.Step());
+  raise(SIGINT);
+  progress.Finish();
+  EXPECT_TRUE(interrupts.Pending()) << "no step has reported it, so it isn't dealt with";
+  EXPECT_EQ(Piped(), "");
+}
+
+TEST_F(Terminal, ClockFollowsTheRegionalFormat) {
+  static constexpr std::chrono::local_seconds midnight{-24h};
+  const auto text = [](std::chrono::seconds time, const char* format) {
+    return ClockText(midnight + time, format);
+  };
+  EXPECT_EQ(text(15h + 7min + 9s, "%r"), "3:07:09 PM");
+  EXPECT_EQ(text(0s, "%p %-I:%M"), "12:00:00 AM");
+  EXPECT_EQ(text(12h, "%OI:%M"), "12:00:00 PM");
+  EXPECT_EQ(text(15h + 7min + 9s, "%H:%M:%S"), "15:07:09");
+  EXPECT_EQ(text(3h, "100%%I %T"), "03:00:00");
+}
+
+TEST_F(Terminal, MachineIsTold) {
+  EXPECT_EQ(platform.DecimalSeparator(), ".");
+  EXPECT_TRUE(fs::exists(fs::path(platform.LibraryFolder()) / program_invocation_short_name));
+  setenv("TMPDIR", "/var/tmp/", 1);
+  EXPECT_EQ(platform.TemporaryFolder(), "/var/tmp");
+  setenv("TZ", "UTC-5:30", 1);
+  tzset();
+  const auto offset =
+      platform.LocalTime().time_since_epoch() - std::chrono::system_clock::now().time_since_epoch();
+  EXPECT_LT(std::chrono::abs(offset - 330min), 2s);
+}
+
+}  // namespace
+}  // namespace vane
