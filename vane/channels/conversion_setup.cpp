@@ -2,7 +2,6 @@
 // sees before any have been read.
 #include <cstdint>
 #include <span>
-#include <typeinfo>
 
 #include "vane/channels/channel.h"
 #include "vane/support/failure.h"
@@ -38,7 +37,7 @@ constexpr std::int32_t kThermistorCoefficients = 4;
 template <class T>
 T& SettingsOf(CVaneProbe& probe) {
   auto* settings = dynamic_cast<T*>(probe.Conversion().Settings());
-  if (settings == nullptr) throw std::bad_cast();
+  if (settings == nullptr) throw PlatformError(ERR_PLATFORM_TYPE_MISMATCH);
   return *settings;
 }
 

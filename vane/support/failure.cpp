@@ -21,19 +21,17 @@ LibraryError PendingError() {
   } catch (const LibraryError& error) {
     return error;
   } catch (const std::overflow_error&) {
-    return {ERR_PLATFORM_OVERFLOW, {}, "Overflow"};
+    return PlatformError(ERR_PLATFORM_OVERFLOW);
   } catch (const std::out_of_range&) {
-    return {ERR_PLATFORM_OUT_OF_RANGE, {}, "Subscript out of range"};
-  } catch (const std::domain_error&) {
-    return {ERR_PLATFORM_DIVISION, {}, "Division by zero"};
+    return PlatformError(ERR_PLATFORM_OUT_OF_RANGE);
   } catch (const std::bad_cast&) {
-    return {ERR_PLATFORM_TYPE_MISMATCH, {}, "Type mismatch"};
+    return PlatformError(ERR_PLATFORM_TYPE_MISMATCH);
   } catch (const std::invalid_argument&) {
-    return {ERR_PLATFORM_TYPE_MISMATCH, {}, "Type mismatch"};
+    return PlatformError(ERR_PLATFORM_TYPE_MISMATCH);
   } catch (const std::exception& error) {
     return {ERR_PLATFORM_CALL, {}, error.what()};
   } catch (...) {
-    return {ERR_PLATFORM_CALL, {}, "Unknown failure"};
+    return PlatformError(ERR_PLATFORM_CALL);
   }
 }
 

@@ -46,4 +46,7 @@ inline constexpr std::int32_t ERR_PLATFORM_OUT_OF_RANGE = 9;
 inline constexpr std::int32_t ERR_PLATFORM_DIVISION = 11;
 inline constexpr std::int32_t ERR_PLATFORM_TYPE_MISMATCH = 13;
 
+/// A failure of the platform by its number, with the platform's description and no source.
+LibraryError PlatformError(std::int32_t number);
+
 }  // namespace vane

@@ -3,11 +3,9 @@
 #include <charconv>
 #include <cmath>
 #include <limits>
-#include <stdexcept>
-#include <string>
 #include <system_error>
 
-#include "vane/support/texts.h"
+#include "vane/support/library_error.h"
 
 namespace vane {
 namespace {
@@ -24,7 +22,7 @@ double OutsideDouble(std::string_view number) {
   const bool tiny = error == std::errc{} ? std::fabs(wide) < 1
                                          : exponent != number.npos && number[exponent + 1] == '-';
   if (tiny) return 0;
-  throw std::overflow_error("number beyond the range of a Double");
+  throw PlatformError(ERR_PLATFORM_OVERFLOW);
 }
 
 template <class Whole>
@@ -33,7 +31,7 @@ Whole ToWhole(double number) {
   // Written so that what is not a number fails as well.
   if (!(rounded >= std::numeric_limits<Whole>::min() &&
         rounded <= std::numeric_limits<Whole>::max())) {
-    throw std::overflow_error("number beyond the width of its property");
+    throw PlatformError(ERR_PLATFORM_OVERFLOW);
   }
   return static_cast<Whole>(rounded);
 }
@@ -61,13 +59,13 @@ std::int16_t ToInteger(double number) { return ToWhole<std::int16_t>(number); }
 std::int32_t ToLong(double number) { return ToWhole<std::int32_t>(number); }
 
 double PercentShare(std::int32_t steps) {
-  if (steps == 0) throw std::domain_error("share of no steps");
+  if (steps == 0) throw PlatformError(ERR_PLATFORM_DIVISION);
   return 100.0 / steps;
 }
 
 void RequireIndex(std::int32_t index, std::size_t size) {
   if (index < 0 || static_cast<std::size_t>(index) >= size) {
-    throw std::out_of_range("index outside the array");
+    throw PlatformError(ERR_PLATFORM_OUT_OF_RANGE);
   }
 }
 
