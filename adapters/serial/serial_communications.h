@@ -1,0 +1,101 @@
+// The communications component on a serial port: turns a command id into a line, sends it, waits
+// for the answer that belongs to it.
+//
+// The host makes one `LineSettings` and gives it to every communications object that its factory
+// makes; through it the host also learns what went wrong last. One thread for all of them.
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "adapters/serial/com_port.h"
+#include "adapters/serial/line_buffer.h"
+#include "adapters/serial/line_trace.h"
+#include "adapters/serial/serial_port.h"
+#include "vane/components/communications.h"
+
+namespace vane {
+
+/// How an exchange failed. Number 0: it didn't.
+struct LineFailure {
+  std::int32_t number = 0;
+  std::string description;
+};
+
+struct LineSettings {
+  /// The device behind a port number. A number that isn't here means the machine's serial port at
+  /// that place, counted from 1. Looked at when a port is opened.
+  std::map<EVanePortNumber, std::string> devices;
+
+  /// How long one try waits for the readout. The time that the characters themselves take at the
+  /// line's speed comes on top.
+  std::chrono::milliseconds timeout{1000};
+
+  /// Null: no trace.
+  std::shared_ptr<CLineTrace> trace;
+
+  /// Written by every exchange: a good one clears it. The library may replace an error by a more
+  /// general one, or take silence for an answer; here the cause is still to be seen.
+  LineFailure lastfailure;
+};
+
+class CSerialCommunications final : public CVaneCommunications {
+ public:
+  /// `settings` is not null. Nothing is opened.
+  explicit CSerialCommunications(std::shared_ptr<LineSettings> settings);
+
+  CommandParams& params() override { return params_; }
+  CVaneCOMPort& COMPort() override { return comport_; }
+
+  /// Kept, and of no further use here: everything that this component needs is in its settings.
+  void SetDataPath(const std::string& path) override { datapath_ = path; }
+  const std::string& DataPath() const { return datapath_; }
+
+  /// With any kind but 9 every exchange fails.
+  void SetInstrumentKind(std::int32_t kind) override { instrumentkind_ = kind; }
+
+  /// The errors are those of line_errors.h and refusals. Silence and damaged answers are tried
+  /// again, nothing else is. A reply's bytes above 127 are taken as ISO 8859-1.
+  std::string ReadSetting(std::int32_t id, bool flag = true, const std::string& text = {}) override;
+  void WriteSetting(std::int32_t id) override;
+
+ private:
+  struct Command {
+    std::string text;
+    bool isread;
+    bool issecret;  // a raw command: it and its answer are shown nowhere
+  };
+  enum class EOutcome { ANSWERED, SILENT, GARBLED, OVERLONG };
+
+  std::string Run(const char* label, std::int32_t id, bool isread, const std::string& rawtext);
+  Command MakeCommand(std::int32_t id, bool isread, const std::string& rawtext) const;
+  std::string Exchange(const Command& command);
+  void Open();
+  std::string DevicePath() const;
+  EOutcome Try(const Command& command, std::string& reply);
+  EOutcome Judge(const ReceivedLine& line, const Command& command, std::string& reply);
+  std::string TakeAnswer(std::string_view body, const Command& command) const;
+  std::int32_t Tries() const;
+  void Trace(ETraceMark mark, std::string_view text) const;
+  void TraceReceived(std::string_view text, bool isharmless) const;
+  [[noreturn]] void FailPort(EPortResult result) const;
+  [[noreturn]] void FailExchange(EOutcome outcome) const;
+
+  std::shared_ptr<LineSettings> settings_;
+  CommandParams params_;
+  CSerialPort port_;
+  CSerialCOMPort comport_;
+  std::string datapath_;
+  std::int32_t instrumentkind_;
+  const BaudRateRow* rate_ = nullptr;  // of the port that was opened last
+  std::string device_;                 // its path
+  CLineBuffer buffer_;
+  std::uint16_t tag_;            // of the last sending
+  bool secretsoutside_ = false;  // a secret answer may still come in late
+};
+
+}  // namespace vane

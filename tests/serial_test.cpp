@@ -1,0 +1,474 @@
+// The serial adapter against a scripted readout on a pseudo-terminal.
+#include <gtest/gtest.h>
+#include <poll.h>
+#include <pty.h>
+#include <termios.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <mutex>
+#include <optional>
+#include <regex>
+#include <thread>
+#include <vector>
+
+#include "adapters/serial/line_errors.h"
+#include "adapters/serial/serial_communications.h"
+#include "adapters/serial/serial_ports.h"
+#include "protocol/framing.h"
+
+namespace vane {
+namespace {
+
+namespace fs = std::filesystem;
+using std::chrono::milliseconds;
+
+constexpr milliseconds kPlenty{5000};
+constexpr milliseconds kShort{100};
+
+// What the readout sends for one line that it got. A text in braces becomes an answer with that
+// body: "{=10}". "{^=10}" carries the tag of the command before, "{~=10}" is damaged. All else goes
+// out as it stands; a "%" in front sends byte by byte.
+using Step = std::string;
+const Step kHangUp = "hang-up";
+
+std::string BytesOf(const Step& step, std::uint16_t tag) {
+  std::string bytes;
+  for (std::size_t i = 0; i < step.size(); ++i) {
+    if (step[i] != '{') {
+      bytes += step[i];
+      continue;
+    }
+    std::string body = step.substr(i + 1, step.find('}', i) - i - 1);
+    i += body.size() + 1;
+    const bool islate = body.starts_with('^');
+    const bool isdamaged = body.starts_with('~');
+    if (islate || isdamaged) body.erase(0, 1);
+    std::string line =
+        protocol::FrameLine(static_cast<std::uint16_t>(tag - (islate ? 1 : 0)), body);
+    if (isdamaged) line[7] = static_cast<char>(line[7] ^ 1);
+    bytes += line + "\r\n";
+  }
+  return bytes;
+}
+
+class CScriptedReadout {
+ public:
+  explicit CScriptedReadout(std::vector<Step> steps) : steps_(std::move(steps)) {
+    char path[128];
+    EXPECT_EQ(openpty(&master_, &slave_, path, nullptr, nullptr), 0);
+    path_ = path;
+    thread_ = std::jthread([this](std::stop_token stop) { Run(stop); });
+  }
+  ~CScriptedReadout() {
+    thread_ = {};
+    HangUp();
+  }
+
+  const std::string& Path() const { return path_; }
+  int Slave() const { return slave_; }
+
+  std::vector<std::string> Commands() {
+    const std::scoped_lock lock(mutex_);
+    return commands_;
+  }
+
+ private:
+  void Run(std::stop_token stop) {
+    std::string input;
+    while (!stop.stop_requested() && master_ >= 0) {
+      pollfd wanted{master_, POLLIN, 0};
+      if (poll(&wanted, 1, 10) <= 0) continue;
+      char bytes[256];
+      const ssize_t count = read(master_, bytes, sizeof bytes);
+      if (count > 0) input.append(bytes, static_cast<std::size_t>(count));
+      for (std::size_t end; (end = input.find("\r\n")) != input.npos; input.erase(0, end + 2)) {
+        Act(input.substr(0, end));
+      }
+    }
+  }
+
+  void Act(const std::string& line) {
+    const auto frame = protocol::ParseLine(line);
+    ASSERT_TRUE(frame && tag_ != frame->tag) << line;
+    tag_ = frame->tag;
+    Step step = kHangUp;
+    {
+      const std::scoped_lock lock(mutex_);
+      commands_.emplace_back(frame->body);
+      if (commands_.size() <= steps_.size()) step = steps_[commands_.size() - 1];
+    }
+    if (step == kHangUp) return HangUp();
+    const bool isslow = step.starts_with('%');
+    const std::string bytes = BytesOf(step.substr(isslow ? 1 : 0), *tag_);
+    for (std::size_t at = 0, size = isslow ? 1 : bytes.size(); at < bytes.size(); at += size) {
+      EXPECT_EQ(write(master_, bytes.data() + at, size), static_cast<ssize_t>(size));
+      if (isslow) std::this_thread::sleep_for(milliseconds(1));
+    }
+  }
+
+  void HangUp() {
+    if (master_ < 0) return;
+    close(std::exchange(master_, -1));
+    close(std::exchange(slave_, -1));
+  }
+
+  std::vector<Step> steps_;
+  std::string path_;
+  int master_ = -1;
+  int slave_ = -1;
+  std::optional<std::uint16_t> tag_;
+  std::mutex mutex_;
+  std::vector<std::string> commands_;
+  std::jthread thread_;
+};
+
+class CRecordedTrace final : public CLineTrace {
+ public:
+  // Tags are random, and check values follow from them.
+  void Record(ETraceMark mark, std::string_view text) override {
+    std::string line = std::regex_replace(std::string(text), std::regex("^#.{4}"), "#tag");
+    line = std::regex_replace(line, std::regex("\\*[0-9A-F]{4}$"), "*C");
+    log += "><-"[static_cast<int>(mark)] + (" " + EscapedText(line)) + "\n";
+  }
+  std::string log;
+};
+
+struct Line {
+  explicit Line(const std::string& path, milliseconds timeout = kPlenty) {
+    settings->devices[EVanePortNumber::PORT_1] = path;
+    settings->timeout = timeout;
+    settings->trace = trace;
+    communications.COMPort().SetBaudRate(EVaneBaudRate::BR_115200);
+  }
+
+  // The number of the error that `operation` raises; 0 when it raises none.
+  std::int32_t ErrorOf(const std::function<void()>& operation) {
+    try {
+      operation();
+    } catch (const LibraryError& error) {
+      source = error.Source();
+      EXPECT_EQ(settings->lastfailure.number, error.Number());
+      EXPECT_EQ(settings->lastfailure.description, error.Description());
+      return error.Number();
+    }
+    return 0;
+  }
+  std::int32_t ReadError(std::int32_t id, const std::string& text = {}) {
+    return ErrorOf([&] { communications.ReadSetting(id, true, text); });
+  }
+
+  std::shared_ptr<CRecordedTrace> trace = std::make_shared<CRecordedTrace>();
+  std::shared_ptr<LineSettings> settings = std::make_shared<LineSettings>();
+  CSerialCommunications communications{settings};
+  std::string source;
+};
+
+class CTemporaryFolder {
+ public:
+  CTemporaryFolder() {
+    std::string name = (fs::temp_directory_path() / "serial_test.XXXXXX").string();
+    EXPECT_NE(mkdtemp(name.data()), nullptr);
+    path_ = name;
+  }
+  ~CTemporaryFolder() { fs::remove_all(path_); }
+  fs::path operator/(const std::string& name) const { return path_ / name; }
+
+ private:
+  fs::path path_;
+};
+
+TEST(SerialCommunications, TakesTheAnswerThatBelongsToTheCommand) {
+  const std::string noise(protocol::kMaxLineLength + 1, 'x');
+  const struct {
+    const char* name;
+    std::vector<Step> steps;
+    std::string reply;
+    std::int32_t error = 0;
+    std::int32_t tries = 1;
+    milliseconds timeout = kPlenty;
+    bool checknonascii = true;
+    bool flag = true;
+  } cases[] = {
+      {"good", {"{=10}"}, "10"},
+      {"byte by byte", {"%{=T312B, 5.03}"}, "T312B, 5.03"},
+      {"signs of the framing in the value", {"{=a#b*c=!}"}, "a#b*c=!"},
+      {"second try", {"", "{=10}"}, "10", 0, 2, kShort},
+      {"second try, first answer late", {"", "{^=9}{=10}"}, "10", 0, 2, kShort},
+      {"late answer alone", {"{^=9}"}, "", ERR_LINE_NO_ANSWER, 1, kShort},
+      {"damaged and repeated", {"{~=10}", "{=10}"}, "10", 0, 2},
+      {"damaged", {"{~=10}", "{~=10}"}, "", ERR_LINE_GARBLED, 2},
+      {"damaged, then silence", {"{~=10}", ""}, "", ERR_LINE_GARBLED, 2, kShort},
+      {"empty lines", {"\r\n\r\n\n{=10}"}, "10"},
+      {"remains on the line", {"#1A2B =9.3#4{=10}"}, "10"},
+      {"remains on a line before", {"9.3*77F2\r\n{=10}"}, "10"},
+      {"remains alone", {"=10\r\n"}, "", ERR_LINE_GARBLED, 1, kShort},
+      {"overlong line before", {noise + "{=9}{=10}"}, "10"},
+      {"overlong", {"{=" + noise + "}"}, "", ERR_LINE_OVERLONG},
+      {"overlong and repeated", {"{=" + noise + noise + noise + "}", "{=10}"}, "10", 0, 2},
+      {"too slow", {"%" + noise}, "", ERR_LINE_NO_ANSWER, 1, kShort},
+      {"longest", {"{=" + noise.substr(13) + "}"}, noise.substr(13)},
+      {"foreign letter", {"{=25 \xD9}", "{=25 \xD9}"}, "", ERR_LINE_GARBLED, 2},
+      {"foreign letter allowed", {"{=25 \xD9}"}, "25 Ù", 0, 2, kPlenty, false},
+      {"refused", {"{!12 out of range}"}, "", 12, 2},
+      {"refused without a number", {"{!0 no}"}, "", ERR_LINE_UNEXPECTED},
+      {"echo", {"{SAMPLE:INTERVAL?}"}, "", ERR_LINE_UNEXPECTED, 2},
+      {"silence", {"", ""}, "", ERR_LINE_NO_ANSWER, 2, kShort},
+      {"no try counts as one", {""}, "", ERR_LINE_NO_ANSWER, 0, kShort},
+      {"silence may be", {"", ""}, "", 0, 2, kShort, true, false},
+      {"damage may not be", {"{~=1}"}, "", ERR_LINE_GARBLED, 1, kPlenty, true, false},
+      {"hang-up", {kHangUp}, "", ERR_LINE_LOST, 3},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.name);
+    CScriptedReadout readout(c.steps);
+    Line line(readout.Path(), c.timeout);
+    line.communications.COMPort().SetReadTries(c.tries);
+    line.communications.COMPort().SetCheckNonAscii(c.checknonascii);
+    std::string reply;
+    EXPECT_EQ(line.ErrorOf([&] { reply = line.communications.ReadSetting(32, c.flag); }), c.error);
+    EXPECT_EQ(reply, c.reply);
+    EXPECT_EQ(readout.Commands(), std::vector<std::string>(c.steps.size(), "SAMPLE:INTERVAL?"));
+  }
+}
+
+TEST(SerialCommunications, WriteSendsItsFieldsAndWantsAnEmptyAnswer) {
+  CScriptedReadout readout({"{=}", "{=5}", "{!3 caf\xE9}", "{!4 }"});
+  Line line(readout.Path());
+  line.communications.COMPort().SetCheckNonAscii(false);
+  line.communications.params().Probe = "12";
+  line.communications.params().value = "-1.5E-03 a";
+  const auto write = [&] { line.communications.WriteSetting(123); };
+  EXPECT_EQ(line.ErrorOf(write), 0);
+  EXPECT_EQ(line.ErrorOf(write), ERR_LINE_UNEXPECTED);
+  EXPECT_EQ(line.ErrorOf(write), 3);
+  EXPECT_EQ(line.settings->lastfailure.description, "café");
+  EXPECT_EQ(line.source, "CSerialCommunications - WriteSetting");
+  EXPECT_EQ(line.ErrorOf(write), 4);
+  EXPECT_EQ(line.settings->lastfailure.description, "The readout refused the command (number 4).");
+  EXPECT_EQ(readout.Commands(), std::vector<std::string>(4, "PROBE 12:SERIAL -1.5E-03 a"));
+}
+
+TEST(SerialCommunications, WhatCannotBeSentFailsBeforeAnythingIsSent) {
+  CScriptedReadout readout({"{=1}"});
+  Line line(readout.Path());
+  CVaneCOMPort& port = line.communications.COMPort();
+  EXPECT_EQ(line.ReadError(999), ERR_LINE_UNKNOWN_COMMAND);
+  EXPECT_EQ(line.ReadError(33), ERR_LINE_UNKNOWN_COMMAND);
+  EXPECT_EQ(line.ErrorOf([&] { line.communications.WriteSetting(-1); }), ERR_LINE_UNKNOWN_COMMAND);
+  EXPECT_EQ(line.ReadError(12), ERR_LINE_BAD_FIELD);
+  line.communications.params().Channel = "1\r\nINIT";
+  EXPECT_EQ(line.ReadError(12), ERR_LINE_BAD_FIELD);
+  line.communications.params().Channel = std::string(protocol::kMaxLineLength, '1');
+  EXPECT_EQ(line.ReadError(12), ERR_LINE_BAD_FIELD);
+  EXPECT_EQ(line.ReadError(-1, "PC?\n"), ERR_LINE_BAD_FIELD);
+  EXPECT_EQ(line.ReadError(-1), ERR_LINE_BAD_FIELD);
+  line.communications.SetInstrumentKind(3);
+  EXPECT_EQ(line.ReadError(18), ERR_LINE_INSTRUMENT_KIND);
+  line.communications.SetInstrumentKind(9);
+  port.SetBaudRate(EVaneBaudRate::BR_INFRARED);
+  EXPECT_EQ(line.ReadError(18), ERR_LINE_BAUD_RATE);
+  port.SetBaudRate(EVaneBaudRate::BR_9600);
+  for (const auto number : {EVanePortNumber::PORT_NONE, EVanePortNumber{30000}}) {
+    port.SetPortNumber(number);
+    EXPECT_EQ(line.ReadError(18), ERR_LINE_NO_PORT);
+  }
+  line.settings->devices[EVanePortNumber::PORT_2] = "/dev/null";
+  port.SetPortNumber(EVanePortNumber::PORT_2);
+  EXPECT_EQ(line.ReadError(18), ERR_LINE_CANNOT_OPEN);
+  port.SetPortNumber(EVanePortNumber::PORT_1);
+  EXPECT_EQ(line.ReadError(18), 0);
+  EXPECT_EQ(readout.Commands(), std::vector<std::string>{"ID?"});
+}
+
+TEST(SerialCommunications, OpensAgainAtTheNextExchangeAfterALoss) {
+  CTemporaryFolder folder;
+  const fs::path link = folder / "readout";
+  Line line(link.string());
+  const auto connect = [&](const CScriptedReadout& readout) {
+    fs::remove(link);
+    fs::create_symlink(readout.Path(), link);
+  };
+  EXPECT_EQ(line.ReadError(18), ERR_LINE_NO_PORT);
+  {
+    CScriptedReadout readout({"{=1}", kHangUp});
+    connect(readout);
+    EXPECT_EQ(line.communications.ReadSetting(32), "1");
+    EXPECT_EQ(line.ReadError(32), ERR_LINE_LOST);
+    EXPECT_EQ(line.ReadError(32), ERR_LINE_NO_PORT);
+  }
+  {
+    CScriptedReadout readout({"{=2}"});
+    connect(readout);
+    EXPECT_EQ(line.communications.ReadSetting(32), "2");
+  }
+  EXPECT_EQ(line.ReadError(32), ERR_LINE_LOST);
+  CScriptedReadout readout({"{=3}"});
+  connect(readout);
+  EXPECT_EQ(line.communications.ReadSetting(32), "3");
+}
+
+TEST(SerialCommunications, HoldsThePortForItselfUntilItIsClosed) {
+  CScriptedReadout readout({"{=1}", "{=2}", std::string(600, 'x'), "{=4}", "{=5}"});
+  Line one(readout.Path(), kShort);
+  Line other(readout.Path());
+  CVaneCOMPort& port = one.communications.COMPort();
+  EXPECT_EQ(one.ReadError(32), 0);
+  EXPECT_EQ(other.ReadError(32), ERR_LINE_IN_USE);
+  EXPECT_EQ(other.settings->lastfailure.description,
+            readout.Path() + " is in use by another program. Close that program and try again.");
+
+  port.SetBaudRate(port.BaudRate());
+  EXPECT_EQ(other.ReadError(32), ERR_LINE_IN_USE);
+  port.SetBaudRate(EVaneBaudRate::BR_300);
+  EXPECT_EQ(other.ReadError(32), 0);
+  other.communications.COMPort().SetPortNumber(EVanePortNumber::PORT_2);
+
+  port.SetBaudRate(EVaneBaudRate::BR_115200);
+  port.SetAutoClose(true);
+  EXPECT_EQ(one.ReadError(32), ERR_LINE_OVERLONG);
+  other.communications.COMPort().SetPortNumber(EVanePortNumber::PORT_1);
+  EXPECT_EQ(other.ReadError(32), 0);
+  other.communications.COMPort().SetPortNumber(EVanePortNumber::PORT_2);
+  EXPECT_EQ(one.ReadError(32), 0);
+}
+
+TEST(SerialCommunications, EveryRateReachesTheDevice) {
+  constexpr std::int32_t kBits[] = {300, 600, 1200, 2400, 4800, 9600, 19200, 38400, 57600, 115200};
+  CScriptedReadout readout(std::vector<Step>(std::size(kBits), "{=}"));
+  Line line(readout.Path());
+  for (std::size_t i = 0; i < std::size(kBits); ++i) {
+    line.communications.COMPort().SetBaudRate(static_cast<EVaneBaudRate>(i + 1));
+    EXPECT_EQ(line.ReadError(32), 0);
+    termios settings{};
+    ASSERT_EQ(tcgetattr(readout.Slave(), &settings), 0);
+    EXPECT_EQ(cfgetospeed(&settings), BaudRates()[i].speed);
+    EXPECT_EQ(BaudRates()[i].bits, kBits[i]);
+    EXPECT_EQ(settings.c_lflag & (ICANON | ECHO | ISIG), 0u);
+    EXPECT_NE(line.trace->log.find("at " + std::to_string(kBits[i]) + " bit/s"), std::string::npos);
+  }
+}
+
+TEST(SerialCommunications, TimeOfTheCharactersComesOnTopOfTheTimeOut) {
+  CScriptedReadout readout({"%" + std::string(300, '\n') + "{=1}"});
+  Line line(readout.Path(), kShort);
+  line.communications.COMPort().SetBaudRate(EVaneBaudRate::BR_2400);
+  EXPECT_EQ(line.ReadError(32), 0);
+}
+
+TEST(SerialCommunications, LastFailureKeepsASilenceThatTheCallerAllowed) {
+  CScriptedReadout readout({"{=1}9.3*77F2\r\n", "{^=2}", "", "{=1}"});
+  Line line(readout.Path(), kShort);
+  EXPECT_EQ(line.communications.ReadSetting(18), "1");
+  line.communications.COMPort().SetReadTries(2);
+  EXPECT_EQ(line.communications.ReadSetting(18, false), "");
+  EXPECT_EQ(line.settings->lastfailure.number, ERR_LINE_NO_ANSWER);
+  EXPECT_EQ(line.settings->lastfailure.description,
+            "No answer from the readout on " + readout.Path() +
+                " within 0.1 s (2 tries). Check the cable, the power and the baud rate.");
+  EXPECT_EQ(line.communications.ReadSetting(18, false), "1");
+  EXPECT_EQ(line.settings->lastfailure.number, 0);
+}
+
+TEST(LineTrace, ShowsEveryLineButNoSecret) {
+  CScriptedReadout readout({"{=T312B, 5.03}", "", "{=1234}", "{~=1234}", "{!7 PC? 1234}",
+                            "4*77F2\r\n34{=ab\t}", "{^=1234}{=5}"});
+  Line line(readout.Path(), kShort);
+  line.communications.COMPort().SetReadTries(2);
+  EXPECT_EQ(line.communications.ReadSetting(18), "T312B, 5.03");
+  EXPECT_EQ(line.communications.ReadSetting(-1, true, "PC?"), "1234");
+  EXPECT_EQ(line.ReadError(-1, "PC?"), 7);
+  EXPECT_EQ(line.settings->lastfailure.description, "The readout refused the command (number 7).");
+  EXPECT_EQ(line.communications.ReadSetting(32), "ab\t");
+  EXPECT_EQ(line.communications.ReadSetting(32), "5");
+  EXPECT_EQ(line.trace->log, "- opened " + readout.Path() + " at 115200 bit/s\n" +
+                                 R"(> #tag ID?*C
+< #tag =T312B, 5.03*C
+> #tag (not shown)
+- no answer
+> #tag (not shown)
+< (not shown)
+> #tag (not shown)
+< (not shown)
+- garbled
+> #tag (not shown)
+< (not shown)
+- The readout refused the command (number 7).
+> #tag SAMPLE:INTERVAL?*C
+< (not shown)
+- garbled
+< #tag =ab\x09*C
+> #tag SAMPLE:INTERVAL?*C
+< (not shown)
+- late answer, skipped
+< #tag =5*C
+)");
+}
+
+TEST(LineTrace, FileGetsOneFinishedLinePerRecord) {
+  CTemporaryFolder folder;
+  const std::string path = (folder / "trace").string();
+  CFileTrace trace(path);
+  trace.Record(ETraceMark::SENT, "#1A2B ID?*5D0E");
+  trace.Record(ETraceMark::RECEIVED, "\x07\\\xD9");
+  CFileTrace(path).Record(ETraceMark::NOTE, "no answer");
+  std::ifstream file(path);
+  const std::string time = R"(\d{4}-\d\d-\d\d \d\d:\d\d:\d\d\.\d{3}Z )";
+  for (const char* rest : {R"(> #1A2B ID\?\*5D0E)", R"(< \\x07\\\\\\xD9)", "- no answer"}) {
+    std::string line;
+    std::getline(file, line);
+    EXPECT_TRUE(std::regex_match(line, std::regex(time + rest))) << line;
+  }
+  EXPECT_THROW(CFileTrace((folder / "none" / "trace").string()), LibraryError);
+}
+
+TEST(SerialPorts, ListHasWhatIsThereInNaturalOrder) {
+  CTemporaryFolder folder;
+  const auto write = [](const fs::path& file, const char* text) { std::ofstream(file) << text; };
+  fs::create_directories(folder / "dev");
+  fs::create_directories(folder / "sys/class/tty");
+  // A port below `device`, with a driver and, unless it is empty, a type.
+  const auto add = [&](const std::string& name, const std::string& device, const char* driver,
+                       const char* type) {
+    const fs::path port = folder / ("sys/devices/" + device + "/tty/" + name);
+    fs::create_directories(port);
+    fs::create_symlink("../..", port / "device");
+    fs::create_symlink("../../bus/drivers/" + std::string(driver), port / "../../driver");
+    fs::create_symlink(port, folder / ("sys/class/tty/" + name));
+    if (*type != 0) write(port / "type", type);
+    write(folder / ("dev/" + name), "");
+  };
+  fs::create_directories(folder / "sys/class/tty/tty1");
+  write(folder / "dev/tty1", "");
+  add("ttyUSB10", "usb1/1-2/1-2:1.0/ttyUSB10", "ch341", "");
+  add("ttyUSB9", "usb1/1-1/1-1:1.0/ttyUSB9", "ftdi_sio", "");
+  add("ttyS10", "pnp/10", "serial", "4\n");
+  add("ttyS2", "platform/uart/port2", "port", "4\n");
+  add("ttyS3", "platform/uart3", "serial8250", "0\n");
+  add("ttyS4", "pnp/4", "serial", "4\n");
+  fs::remove(folder / "dev/ttyS4");
+  fs::create_symlink("../../bus/serial-base", folder / "sys/devices/platform/uart/port2/subsystem");
+  fs::create_symlink("../../bus/drivers/serial8250", folder / "sys/devices/platform/uart/driver");
+  const fs::path usb = folder / "sys/devices/usb1/1-1";
+  write(usb / "manufacturer", "Corvane\n");
+  write(usb / "product", "Line 1\n");
+  write(usb / "serial", "A7\n");
+  write(usb / "idVendor", "0403\n");
+  write(usb / "idProduct", "6001\n");
+
+  const auto dev = [&](const char* name) { return (folder / "dev" / name).string(); };
+  const std::vector<SerialPortRecord> expected = {
+      {dev("ttyS2"), "serial8250", "", "", "", ""},
+      {dev("ttyS10"), "serial", "", "", "", ""},
+      {dev("ttyUSB9"), "ftdi_sio", "Corvane", "Line 1", "A7", "0403:6001"},
+      {dev("ttyUSB10"), "ch341", "", "", "", ""},
+  };
+  EXPECT_EQ(ListSerialPorts(folder / "sys", folder / "dev"), expected);
+  EXPECT_TRUE(ListSerialPorts(folder / "nowhere", folder / "dev").empty());
+}
+
+}  // namespace
+}  // namespace vane
