@@ -1,0 +1,108 @@
+#include "simulator/fault_plan.h"
+
+#include <algorithm>
+#include <limits>
+#include <optional>
+#include <stdexcept>
+
+#include "simulator/numbers.h"
+
+namespace vane::simulator {
+namespace {
+
+struct FaultKind {
+  std::string_view name;
+  EFault fault;
+  std::optional<double> seconds;  // when none are given; nothing for a kind that takes no time
+};
+
+constexpr FaultKind kFaultKinds[] = {
+    {"drop", EFault::kDrop, {}},      {"delay", EFault::kDelay, 0.3},
+    {"garble", EFault::kGarble, {}},  {"split", EFault::kSplit, 0.05},
+    {"late", EFault::kLate, 1.5},     {"refuse", EFault::kRefuse, {}},
+    {"hangup", EFault::kHangup, 0.3}, {"identify", EFault::kIdentify, {}},
+};
+
+constexpr double kMaxSeconds = 3600;
+
+[[noreturn]] void Fail(std::string_view text, std::string_view reason) {
+  throw std::invalid_argument("fault '" + std::string(text) + "': " + std::string(reason));
+}
+
+}  // namespace
+
+FaultRule ParseFaultRule(std::string_view text) {
+  FaultRule rule;
+  const std::size_t colon = text.find(':');
+  if (colon == text.npos) Fail(text, "expected WHEN:KIND");
+  const std::string_view when = text.substr(0, colon);
+  const std::size_t equals = std::min(when.find('='), when.size());
+  const std::string_view word = when.substr(0, equals);
+  const std::string_view number = when.substr(std::min(equals + 1, when.size()));
+  if (word == "p") {
+    rule.when = FaultRule::EWhen::kChance;
+    const auto chance = ParseReal(number);
+    if (!chance || *chance < 0 || *chance > 1) Fail(text, "p is a probability from 0 to 1");
+    rule.chance = *chance;
+  } else if (word == "at" || word == "every") {
+    rule.when = word == "at" ? FaultRule::EWhen::kAt : FaultRule::EWhen::kEvery;
+    const auto exchange = ParseWhole(number);
+    if (!exchange || *exchange < 1) Fail(text, "exchanges are counted from 1");
+    rule.number = static_cast<std::uint64_t>(*exchange);
+  } else {
+    Fail(text, "WHEN is at=N, every=N or p=CHANCE");
+  }
+
+  const std::string_view what = text.substr(colon + 1);
+  const std::size_t time = what.find('=');
+  const auto* kind = std::ranges::find(kFaultKinds, what.substr(0, time), &FaultKind::name);
+  if (kind == std::end(kFaultKinds)) {
+    Fail(text, "KIND is drop, delay, garble, split, late, refuse, hangup or identify");
+  }
+  rule.fault = kind->fault;
+  rule.seconds = kind->seconds.value_or(0);
+  if (time != what.npos) {
+    if (!kind->seconds) Fail(text, "this kind takes no seconds");
+    const auto seconds = ParseReal(what.substr(time + 1));
+    if (!seconds || *seconds < 0 || *seconds > kMaxSeconds) Fail(text, "seconds are 0 to 3600");
+    rule.seconds = *seconds;
+  }
+  return rule;
+}
+
+const FaultRule* CFaultPlan::Strike(std::uint64_t exchange) const {
+  for (std::size_t i = 0; i < rules_.size(); ++i) {
+    const FaultRule& rule = rules_[i];
+    bool strikes = false;
+    switch (rule.when) {
+      case FaultRule::EWhen::kAt:
+        strikes = exchange == rule.number;
+        break;
+      case FaultRule::EWhen::kEvery:
+        strikes = exchange % rule.number == 0;
+        break;
+      case FaultRule::EWhen::kChance:
+        strikes = ScatterUnit({seed_, exchange, i}) < rule.chance;
+        break;
+    }
+    if (strikes) return &rule;
+  }
+  return nullptr;
+}
+
+std::string CFaultPlan::Garble(std::string line, std::uint64_t exchange) const {
+  // A change in the low half of a byte alone: a hexadecimal digit becomes another one or none, and
+  // never its own small letter.
+  const auto change = [](char& c, std::uint64_t bits) {
+    c = static_cast<char>(c ^ static_cast<char>(1 + bits % 15));
+  };
+  const std::uint64_t chance =
+      Scatter({seed_, exchange, std::numeric_limits<std::uint64_t>::max()});
+  if (line.size() < 2) return line;
+  const std::size_t place = (chance >> 32) % (line.size() - 1);
+  change(line[place], chance & 0xFF);
+  change(line[place + 1], (chance >> 8) & 0xFF);
+  return line;
+}
+
+}  // namespace vane::simulator

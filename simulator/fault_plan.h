@@ -1,0 +1,55 @@
+// Faults of the line, planned ahead so that a failing run can be repeated.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace vane::simulator {
+
+enum class EFault {
+  kDrop,      ///< the command is obeyed, its answer is lost
+  kDelay,     ///< the answer comes after a while, still in time
+  kGarble,    ///< two bytes of the answer are changed
+  kSplit,     ///< the answer comes in two pieces with a pause between them
+  kLate,      ///< the answer comes when nobody waits for it any more
+  kRefuse,    ///< the command is refused as busy and not obeyed
+  kHangup,    ///< the line is lost, the command is not obeyed; a new line comes after a while
+  kIdentify,  ///< the answer is the identification, the command is not obeyed
+};
+
+/// When a fault strikes, and which.
+struct FaultRule {
+  enum class EWhen { kAt, kEvery, kChance };
+
+  EWhen when = EWhen::kAt;
+  std::uint64_t number = 1;  ///< `kAt`: that exchange, from 1; `kEvery`: each multiple of it
+  double chance = 0;         ///< `kChance`: 0 to 1
+  EFault fault = EFault::kDrop;
+  double seconds = 0;  ///< how long, for the kinds that take time
+};
+
+/// Understands "at=3:drop", "every=10:late=2", "p=0.01:garble". Raises `std::invalid_argument` with
+/// a text for the user.
+FaultRule ParseFaultRule(std::string_view text);
+
+class CFaultPlan {
+ public:
+  CFaultPlan(std::vector<FaultRule> rules, std::uint64_t seed)
+      : rules_(std::move(rules)), seed_(seed) {}
+
+  /// The first rule that strikes at `exchange` (from 1); null for none. The same seed and exchange
+  /// always give the same.
+  const FaultRule* Strike(std::uint64_t exchange) const;
+
+  /// `line` with two neighbouring bytes changed. A check value of 16 bits finds every such change,
+  /// and no byte becomes a line end.
+  std::string Garble(std::string line, std::uint64_t exchange) const;
+
+ private:
+  std::vector<FaultRule> rules_;
+  std::uint64_t seed_;
+};
+
+}  // namespace vane::simulator

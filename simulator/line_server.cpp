@@ -1,0 +1,167 @@
+#include "simulator/line_server.h"
+
+#include <fcntl.h>
+#include <poll.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <ctime>
+#include <stdexcept>
+#include <system_error>
+#include <utility>
+
+#include "protocol/framing.h"
+
+namespace vane::simulator {
+namespace {
+
+Moment Now() { return std::chrono::steady_clock::now(); }
+
+CAnswerQueue::Duration Seconds(double seconds) {
+  return std::chrono::duration_cast<CAnswerQueue::Duration>(std::chrono::duration<double>(seconds));
+}
+
+timespec WaitUntil(Moment due) {
+  const auto wait = std::max(std::chrono::nanoseconds(due - Now()), std::chrono::nanoseconds(0));
+  return {static_cast<time_t>(wait.count() / 1'000'000'000),
+          static_cast<long>(wait.count() % 1'000'000'000)};
+}
+
+// When a new device can't be had after a hangup, this is how long until the next try.
+constexpr double kReopenSeconds = 0.3;
+
+}  // namespace
+
+CSimulatedLine::CSimulatedLine(Options options, Announce announce, Clock clock)
+    : options_(std::move(options)),
+      faults_(options_.faults, options_.readout.seed),
+      announce_(std::move(announce)),
+      readout_(options_.readout, std::move(clock)),
+      answers_(options_.baud),
+      link_(options_.link) {}
+
+CSimulatedLine::~CSimulatedLine() { Stop(); }
+
+void CSimulatedLine::Start() {
+  std::array<int, 2> stop_pipe;
+  if (pipe2(stop_pipe.data(), O_CLOEXEC) != 0) {
+    throw std::system_error(errno, std::generic_category(), "can't make a pipe");
+  }
+  stop_read_ = CFile(stop_pipe[0]);
+  stop_write_ = CFile(stop_pipe[1]);
+  OpenDevice();
+  thread_ = std::thread([this] { Serve(); });
+}
+
+void CSimulatedLine::Stop() {
+  if (!thread_.joinable()) return;
+  stop_write_ = CFile();  // the far end sees it closed
+  thread_.join();
+  link_.Remove();
+  terminal_ = CPseudoTerminal();
+}
+
+std::optional<std::string> CSimulatedLine::Ask(std::string_view command) {
+  const std::lock_guard lock(readout_mutex_);
+  return readout_.Answer(command);
+}
+
+void CSimulatedLine::OpenDevice() {
+  terminal_ = CPseudoTerminal::Open();
+  link_.PointTo(terminal_.DevicePath());
+  if (announce_) announce_(terminal_.DevicePath());
+}
+
+void CSimulatedLine::HangUp(double seconds) {
+  link_.Remove();
+  terminal_ = CPseudoTerminal();
+  line_.clear();
+  answers_.Clear();
+  reopen_at_ = Now() + Seconds(seconds);
+}
+
+void CSimulatedLine::Reopen() {
+  reopen_at_.reset();
+  try {
+    OpenDevice();
+  } catch (const std::runtime_error&) {
+    HangUp(kReopenSeconds);
+  }
+}
+
+void CSimulatedLine::Serve() {
+  for (;;) {
+    std::array<pollfd, 2> files = {pollfd{terminal_.Get(), POLLIN, 0},
+                                   pollfd{stop_read_.Get(), POLLIN, 0}};
+    std::optional<Moment> due = reopen_at_;
+    if (const auto answer_due = answers_.NextDue()) {
+      due = std::min(due.value_or(Moment::max()), *answer_due);
+    }
+    if (due) {
+      const timespec wait = WaitUntil(*due);
+      ppoll(files.data(), files.size(), &wait, nullptr);
+    } else {
+      ppoll(files.data(), files.size(), nullptr, nullptr);
+    }
+    if (files[1].revents != 0) return;
+    if (files[0].revents != 0) ReadCommands();
+    if (reopen_at_ && *reopen_at_ <= Now()) Reopen();
+    if (!answers_.NextDue()) continue;
+    if (const std::string bytes = answers_.TakeDue(Now()); !bytes.empty()) terminal_.Write(bytes);
+  }
+}
+
+// Takes what has come in apart at CR and LF; what follows the last of them stays for later.
+void CSimulatedLine::ReadCommands() {
+  std::array<char, 4096> buffer;
+  std::string_view bytes(buffer.data(), terminal_.Read(buffer.data(), buffer.size()));
+  while (!bytes.empty() && terminal_.Get() >= 0) {
+    const std::size_t end = bytes.find_first_of("\r\n");
+    // One byte more than a line may have shows that it was too long.
+    const std::size_t room = protocol::kMaxLineLength + 1 - line_.size();
+    line_ += bytes.substr(0, std::min(end, room));
+    if (end == bytes.npos) return;
+    bytes.remove_prefix(end + 1);
+    const std::string line = std::exchange(line_, {});
+    if (!line.empty()) TakeLine(line);
+  }
+}
+
+void CSimulatedLine::TakeLine(std::string_view line) {
+  // A line without a tag comes from somebody at a terminal program and is answered likewise.
+  const bool tagged = line.front() == '#';
+  const auto framed = protocol::ParseLine(line);
+  if (line.size() > protocol::kMaxLineLength || (tagged && !framed)) {
+    ++ignored_lines_;
+    return;
+  }
+  const std::string_view command = tagged ? framed->body : line;
+  const Moment arrived = answers_.CommandArrives(line.size() + protocol::kLineEnd.size(), Now());
+  const std::uint64_t exchange = ++exchanges_;
+  const FaultRule* const rule = faults_.Strike(exchange);
+  const auto strikes = [rule](EFault fault) { return rule != nullptr && rule->fault == fault; };
+  if (strikes(EFault::kHangup)) {
+    HangUp(rule->seconds);
+    return;
+  }
+
+  std::optional<std::string> body;
+  if (strikes(EFault::kRefuse)) {
+    body = Reply(ERefusal::kBusy).Body();
+  } else if (strikes(EFault::kIdentify)) {
+    body = Reply(readout_.Identification()).Body();
+  } else {
+    body = Ask(command);
+  }
+  if (!body || strikes(EFault::kDrop)) return;
+  std::string answer = tagged ? protocol::FrameLine(framed->tag, *body) : *body;
+  if (strikes(EFault::kGarble)) answer = faults_.Garble(std::move(answer), exchange);
+  answer += protocol::kLineEnd;
+  const bool held = strikes(EFault::kDelay) || strikes(EFault::kLate);
+  answers_.Add(std::move(answer), held ? arrived + Seconds(rule->seconds) : arrived,
+               strikes(EFault::kSplit) ? Seconds(rule->seconds) : CAnswerQueue::Duration::zero());
+}
+
+}  // namespace vane::simulator

@@ -1,0 +1,43 @@
+#include "simulator/logs.h"
+
+#include "simulator/measurement_model.h"
+#include "simulator/numbers.h"
+
+namespace vane::simulator {
+namespace {
+
+constexpr int kDigits = 4;
+
+// The units were changed while the memory log ran: each unit held for this many readings.
+constexpr std::int32_t kReadingsPerUnit = 60;
+
+}  // namespace
+
+std::string LogLine(ELog log, std::int32_t index, std::uint64_t seed) {
+  if (index > (log == ELog::kHistory ? kHistoryLength : kMemoryLength)) return {};
+  const std::int32_t channel = log == ELog::kHistory ? 1 : 2;
+  const double celsius = BathTemperature(seed, channel, index);
+  double value = celsius;
+  std::string unit = "C";
+  if (log == ELog::kMemory) {
+    switch ((index - 1) / kReadingsPerUnit) {
+      case 0:
+        break;
+      case 1:
+        value = celsius * 1.8 + 32;
+        unit = "F";
+        break;
+      case 2:
+        value = celsius + 273.15;
+        unit = "K";
+        break;
+      default:
+        value = SensorResistance({ESensor::kPlatinum, 25.5}, celsius);
+        unit = "OHM";
+        break;
+    }
+  }
+  return FixedText(value, kDigits) + " " + unit + " " + std::to_string(index);
+}
+
+}  // namespace vane::simulator

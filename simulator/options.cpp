@@ -1,0 +1,126 @@
+#include "simulator/options.h"
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <functional>
+#include <stdexcept>
+
+#include "simulator/numbers.h"
+
+namespace vane::simulator {
+namespace {
+
+constexpr const char* kDescription =
+    "Plays a T312B thermometer readout, with an M420 scanner unless told otherwise, on a\n"
+    "pseudo-terminal. The first line of output is the device to connect to.";
+
+constexpr const char* kFooter = R"(
+Faults:
+  WHEN:KIND[=SECONDS] says which exchange goes wrong, and how. The first rule that
+  strikes counts.
+  WHEN    at=N      the N-th exchange, from 1
+          every=N   each N-th exchange
+          p=CHANCE  any exchange, with this probability; --seed repeats a run
+  KIND    drop      the command is obeyed, the answer is lost
+          delay     the answer comes SECONDS (0.3) later, still in time
+          garble    two bytes of the answer are changed
+          split     the answer comes in two pieces, SECONDS (0.05) apart
+          late      the answer comes SECONDS (1.5) later; others go on meanwhile
+          refuse    the command is refused as busy
+          hangup    the line is lost; SECONDS (0.3) later there is a new one, its
+                    path is printed and the link points to it
+          identify  the answer is the identification
+
+On the line:
+  A line without a tag, such as ID? typed in a terminal program, is answered without a
+  tag: "=" and a value, or "!" and a refusal.
+
+Examples:
+  thermoscribe-sim --link /tmp/readout
+  thermoscribe-sim --no-scanner --firmware 5.02
+  thermoscribe-sim --baud 9600 --fault p=0.02:garble --fault at=40:hangup --seed 7
+
+Ends on SIGINT or SIGTERM and takes its link away. Exit status: 0, or 1 when the line
+can't be opened, or 2 for wrong options.)";
+
+// CLI11 reads a text and an argument vector by different overloads; all else is the same.
+Options Parse(const std::function<void(CLI::App&)>& parse) {
+  Options options;
+  CLI::App app(kDescription, "thermoscribe-sim");
+  app.footer(kFooter);
+  app.get_formatter()->column_width(28);
+
+  bool without_scanner = false;
+  CLI::Option* const scanner =
+      app.add_flag("--scanner", options.readout.scanner, "a scanner is attached (the default)");
+  app.add_flag("--no-scanner", without_scanner, "no scanner is attached")->excludes(scanner);
+  app.add_option("--firmware", options.readout.firmware,
+                 "firmware version; below 5.03 the commands that\n"
+                 "count modules and channels are unknown, and an\n"
+                 "absent scanner stays silent")
+      ->check([](const std::string& text) {
+        return ParseReal(text) ? std::string() : "'" + text + "' is not a version number";
+      })
+      ->type_name("VERSION")
+      ->capture_default_str();
+  app.add_option("--model", options.readout.model, "model text of the identification")
+      ->type_name("TEXT")
+      ->capture_default_str();
+  app.add_option("--passcode", options.readout.passcode, "passcode of the protected settings")
+      ->type_name("TEXT")
+      ->capture_default_str();
+  std::vector<std::string> groups;
+  app.add_option("--protect", groups,
+                 "groups that report as protected, separated by\n"
+                 "commas: conversion, calibration, sampling, units")
+      ->delimiter(',')
+      ->check(CLI::IsMember({"conversion", "calibration", "sampling", "units"}).description(""))
+      ->type_name("GROUPS");
+  app.add_option("--seed", options.readout.seed, "start of all chance: readings, logs, faults")
+      ->type_name("N")
+      ->capture_default_str();
+  app.add_option("--baud", options.baud, "pace the answers as a line of N bit/s would; 0 doesn't")
+      ->check(CLI::Range(0, 4000000).description(""))
+      ->type_name("N")
+      ->capture_default_str();
+  app.add_option("--link", options.link,
+                 "also make a symbolic link to the device at PATH;\n"
+                 "an earlier link is replaced, a file is not")
+      ->type_name("PATH");
+  std::vector<std::string> faults;
+  app.add_option("--fault", faults, "plan a fault, see below; may be given again")
+      ->type_name("WHEN:KIND[=SECONDS]")
+      ->expected(1)
+      ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
+
+  try {
+    parse(app);
+  } catch (const CLI::CallForHelp&) {
+    options.help = app.help();
+    return options;
+  } catch (const CLI::ParseError& error) {
+    throw std::invalid_argument(error.what());
+  }
+  if (without_scanner) options.readout.scanner = false;
+  for (const std::string& fault : faults) options.faults.push_back(ParseFaultRule(fault));
+  const auto has = [&groups](const char* group) {
+    return std::find(groups.begin(), groups.end(), group) != groups.end();
+  };
+  options.readout.protect_conversion = has("conversion");
+  options.readout.protect_calibration = has("calibration");
+  options.readout.protect_sampling = has("sampling");
+  options.readout.protect_units = has("units");
+  return options;
+}
+
+}  // namespace
+
+Options ParseOptions(int argc, const char* const* argv) {
+  return Parse([&](CLI::App& app) { app.parse(argc, argv); });
+}
+
+Options ParseOptions(const std::string& text) {
+  return Parse([&](CLI::App& app) { app.parse(text); });
+}
+
+}  // namespace vane::simulator

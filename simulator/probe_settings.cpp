@@ -1,0 +1,202 @@
+#include "simulator/probe_settings.h"
+
+#include <algorithm>
+#include <iterator>
+#include <limits>
+#include <span>
+
+#include "simulator/numbers.h"
+#include "simulator/words.h"
+
+namespace vane::simulator {
+namespace {
+
+constexpr std::size_t kMaxSerialLength = 8;
+constexpr std::int32_t kSerial = 122;
+
+// In the order of EReference, EConversion and EScale. The ohm sign of the display's own character
+// set is a byte above 127.
+constexpr Word kReferences[] = {
+    {"EXT", "EXT"}, {"1", "1 OHM"}, {"10", "10 OHM"}, {"100", "100 OHM"}, {"10K", "10 KOHM"}};
+constexpr Word kConversions[] = {{"90", "ITS-90"},       {"68", "IPTS-68"},   {"CVD", "CVD"},
+                                 {"POLY", "POLYNOMIAL"}, {"TR", "THRM-T(R)"}, {"TT", "THRM-R(T)"},
+                                 {"O", "R(\xF4)"},       {"W", "W(T90)"},     {"R", "RATIO"}};
+// No write brings back the unknown scale, so it has no code.
+constexpr Word kScales[] = {{"90", "90"}, {"68", "68"}};
+constexpr std::string_view kUnknownScaleText = "NONE";
+
+struct WordSetting {
+  std::int32_t read_id;
+  std::size_t Probe::*member;
+  std::span<const Word> words;
+};
+
+constexpr WordSetting kWords[] = {
+    {130, &Probe::conversion, kConversions},
+    {138, &Probe::reference, kReferences},
+    {225, &Probe::scale, kScales},
+};
+
+struct RangeSetting {
+  std::int32_t read_id;
+  std::int32_t Probe::*member;
+  std::int32_t lowest;
+  std::int32_t highest;
+};
+
+constexpr RangeSetting kLowRange = {205, &Probe::low_range, kNoLowRange, 5};
+constexpr RangeSetting kHighRange = {207, &Probe::high_range, 6, kNoHighRange};
+
+// The subranges of ITS-90, from 1.
+constexpr std::string_view kRangeTexts[] = {
+    "1 (13.8033 K to 273.16 K)", "2 (24.5561 K to 273.16 K)",    "3 (54.3584 K to 273.16 K)",
+    "4 (83.8058 K to 273.16 K)", "5 (234.3156 K to 302.9146 K)", "6 (0 C to 961.78 C)",
+    "7 (0 C to 660.323 C)",      "8 (0 C to 419.527 C)",         "9 (0 C to 231.928 C)",
+    "10 (0 C to 156.5985 C)",    "11 (0 C to 29.7646 C)",
+};
+
+// Which subrange a command about a coefficient has to name.
+enum class ERangeRule { kNone, kLow, kHigh, kFour };
+
+struct NumberSetting {
+  std::int32_t read_id;
+  std::size_t first;  // place in the record
+  ERangeRule range = ERangeRule::kNone;
+  std::int32_t count = 1;  // more than one: picked by Index
+  std::int32_t first_index = 0;
+  double lowest = std::numeric_limits<double>::lowest();
+  double highest = std::numeric_limits<double>::max();
+};
+
+constexpr NumberSetting kNumbers[] = {
+    {.read_id = 140, .first = kCurrent, .lowest = 0.0001, .highest = 21},
+    {.read_id = 142, .first = kOffset, .lowest = 0, .highest = 1e6},
+    {.read_id = 209, .first = kRtpw},
+    {.read_id = 211, .first = kLow, .range = ERangeRule::kLow},
+    {.read_id = 213, .first = kLow + 1, .range = ERangeRule::kLow},
+    {.read_id = 215, .first = kLow + 2, .range = ERangeRule::kLow, .count = 5, .first_index = 1},
+    {.read_id = 217, .first = kHigh, .range = ERangeRule::kHigh},
+    {.read_id = 219, .first = kHigh + 1, .range = ERangeRule::kHigh},
+    {.read_id = 221, .first = kHigh + 2, .range = ERangeRule::kHigh},
+    {.read_id = 223, .first = kHigh + 3},
+    {.read_id = 229, .first = kIpts},
+    {.read_id = 231, .first = kIpts + 1},
+    {.read_id = 233, .first = kIpts + 2},
+    {.read_id = 239, .first = kIpts + 3, .range = ERangeRule::kFour},
+    {.read_id = 241, .first = kIpts + 4, .range = ERangeRule::kFour},
+    {.read_id = 243, .first = kCvd},
+    {.read_id = 245, .first = kCvd + 1},
+    {.read_id = 247, .first = kCvd + 2},
+    {.read_id = 249, .first = kCvd + 3},
+    {.read_id = 257, .first = kRt, .count = 4},
+    {.read_id = 259, .first = kTr, .count = 4},
+    {.read_id = 261, .first = kPoly, .count = 11},
+};
+
+template <typename Row>
+const Row* FindRow(std::span<const Row> rows, std::int32_t read_id) {
+  const auto row = std::ranges::find(rows, read_id, &Row::read_id);
+  return row == rows.end() ? nullptr : &*row;
+}
+
+Reply AnswerSerial(const protocol::ParsedCommand& command, Probe& probe) {
+  const std::string& text = command.fields.value;
+  if (command.row->IsRead()) return probe.serial;
+  if (text.size() > kMaxSerialLength) return ERefusal::kTextTooLong;
+  if (!text.empty()) probe.serial = text;
+  return Reply::Done();
+}
+
+Reply AnswerWord(const WordSetting& setting, const protocol::ParsedCommand& command, Probe& probe) {
+  std::size_t& stored = probe.*setting.member;
+  if (command.row->IsRead()) {
+    return std::string(stored < setting.words.size() ? setting.words[stored].text
+                                                     : kUnknownScaleText);
+  }
+  if (command.fields.value.empty()) return Reply::Done();
+  const auto place = FindCode(setting.words, command.fields.value);
+  if (!place) return ERefusal::kUnknownCode;
+  stored = *place;
+  return Reply::Done();
+}
+
+// The number one below the first subrange, or one above the last, stands for none.
+Reply AnswerRange(const RangeSetting& setting, const protocol::ParsedCommand& command,
+                  Probe& probe) {
+  std::int32_t& stored = probe.*setting.member;
+  if (command.row->IsRead()) {
+    const bool none = stored == kNoLowRange || stored == kNoHighRange;
+    return std::string(none ? "NONE" : kRangeTexts[stored - 1]);
+  }
+  if (command.fields.value.empty()) return Reply::Done();
+  const auto value = ParseWhole(command.fields.value);
+  if (!value) return ERefusal::kNotANumber;
+  if (*value < setting.lowest || *value > setting.highest) return ERefusal::kOutOfRange;
+  stored = *value;
+  return Reply::Done();
+}
+
+std::optional<ERefusal> CheckRange(ERangeRule rule, const std::string& text, const Probe& probe) {
+  if (rule == ERangeRule::kNone) return std::nullopt;
+  const auto range = ParseWhole(text);
+  if (!range) return ERefusal::kNotANumber;
+  if (rule == ERangeRule::kFour) {
+    return *range == 4 ? std::nullopt : std::optional(ERefusal::kOutOfRange);
+  }
+  const bool low = rule == ERangeRule::kLow;
+  if (*range < 1 || *range > 11 || (*range <= kLowRange.highest) != low) {
+    return ERefusal::kOutOfRange;
+  }
+  if (*range != (low ? probe.low_range : probe.high_range)) return ERefusal::kNotARangeOfProbe;
+  return std::nullopt;
+}
+
+Reply AnswerNumber(const NumberSetting& setting, const protocol::ParsedCommand& command,
+                   Probe& probe) {
+  if (const auto refusal = CheckRange(setting.range, command.fields.Range, probe)) return *refusal;
+  std::int32_t place = 0;
+  if (setting.count > 1) {
+    const auto index = ParseWhole(command.fields.Index);
+    if (!index) return ERefusal::kNotANumber;
+    if (*index < setting.first_index || *index >= setting.first_index + setting.count) {
+      return ERefusal::kOutOfRange;
+    }
+    place = *index - setting.first_index;
+  }
+  double& stored = probe.numbers.at(setting.first + static_cast<std::size_t>(place));
+  if (command.row->IsRead()) return RealText(stored);
+  if (command.fields.value.empty()) return Reply::Done();
+  const auto value = ParseReal(command.fields.value);
+  if (!value) return ERefusal::kNotANumber;
+  if (*value < setting.lowest || *value > setting.highest) return ERefusal::kOutOfRange;
+  stored = *value;
+  return Reply::Done();
+}
+
+}  // namespace
+
+std::optional<std::int32_t> ParseProbeNumber(std::string_view text) {
+  const auto number = ParseWhole(text);
+  return number && *number >= 1 && *number <= kProbeCount ? number : std::nullopt;
+}
+
+std::optional<Reply> AnswerProbeCommand(const protocol::ParsedCommand& command,
+                                        std::array<Probe, kProbeCount>& probes) {
+  if (!command.row->text.starts_with("PROBE ")) return std::nullopt;
+  const auto number = ParseProbeNumber(command.fields.Probe);
+  if (!number) return ERefusal::kOutOfRange;
+  Probe& probe = probes[static_cast<std::size_t>(*number - 1)];
+
+  const std::int32_t read_id = command.row->IsRead() ? command.row->id : command.row->id - 1;
+  if (read_id == kSerial) return AnswerSerial(command, probe);
+  for (const RangeSetting& setting : {kLowRange, kHighRange}) {
+    if (setting.read_id == read_id) return AnswerRange(setting, command, probe);
+  }
+  if (const auto* word = FindRow<WordSetting>(kWords, read_id))
+    return AnswerWord(*word, command, probe);
+  if (const auto* row = FindRow<NumberSetting>(kNumbers, read_id))
+    return AnswerNumber(*row, command, probe);
+  return std::nullopt;
+}
+
+}  // namespace vane::simulator

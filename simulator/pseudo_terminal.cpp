@@ -1,0 +1,109 @@
+#include "simulator/pseudo_terminal.h"
+
+#include <fcntl.h>
+#include <stdlib.h>
+#include <termios.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <filesystem>
+#include <stdexcept>
+#include <system_error>
+#include <utility>
+
+namespace vane::simulator {
+namespace {
+
+namespace fs = std::filesystem;
+
+[[noreturn]] void FailOfSystem(const std::string& what) {
+  throw std::system_error(errno, std::generic_category(), what);
+}
+
+}  // namespace
+
+CFile& CFile::operator=(CFile&& other) noexcept {
+  std::swap(descriptor_, other.descriptor_);
+  return *this;
+}
+
+CFile::~CFile() {
+  if (descriptor_ >= 0) close(descriptor_);
+}
+
+int CFile::Release() { return std::exchange(descriptor_, -1); }
+
+CPseudoTerminal CPseudoTerminal::Open() {
+  CPseudoTerminal terminal;
+  terminal.near_ = CFile(posix_openpt(O_RDWR | O_NOCTTY));
+  const int near = terminal.near_.Get();
+  std::array<char, 128> name;
+  if (near < 0 || grantpt(near) != 0 || unlockpt(near) != 0 ||
+      ptsname_r(near, name.data(), name.size()) != 0) {
+    FailOfSystem("can't open a pseudo-terminal");
+  }
+  terminal.device_path_ = name.data();
+  terminal.far_ = CFile(open(name.data(), O_RDWR | O_NOCTTY | O_CLOEXEC));
+  termios settings{};
+  if (terminal.far_.Get() < 0 || tcgetattr(terminal.far_.Get(), &settings) != 0) {
+    FailOfSystem("can't open " + terminal.device_path_);
+  }
+  cfmakeraw(&settings);
+  if (tcsetattr(terminal.far_.Get(), TCSANOW, &settings) != 0 ||
+      fcntl(near, F_SETFL, O_NONBLOCK) != 0 || fcntl(near, F_SETFD, FD_CLOEXEC) != 0) {
+    FailOfSystem("can't set up " + terminal.device_path_);
+  }
+  return terminal;
+}
+
+std::size_t CPseudoTerminal::Read(char* buffer, std::size_t size) const {
+  const ssize_t count = read(near_.Get(), buffer, size);
+  return count > 0 ? static_cast<std::size_t>(count) : 0;
+}
+
+void CPseudoTerminal::Write(std::string_view bytes) const {
+  while (!bytes.empty()) {
+    const ssize_t count = write(near_.Get(), bytes.data(), bytes.size());
+    if (count < 0 && errno == EINTR) continue;
+    if (count <= 0) return;
+    bytes.remove_prefix(static_cast<std::size_t>(count));
+  }
+}
+
+CDeviceLink::CDeviceLink(std::string path) : path_(std::move(path)) {
+  if (!path_.empty()) return;
+  std::string pattern = (fs::temp_directory_path() / "thermoscribe-sim-XXXXXX").string();
+  if (mkdtemp(pattern.data()) == nullptr) FailOfSystem("can't make a folder " + pattern);
+  folder_ = pattern;
+  path_ = folder_ + "/readout";
+}
+
+CDeviceLink::~CDeviceLink() {
+  Remove();
+  std::error_code ignored;
+  if (!folder_.empty()) fs::remove(folder_, ignored);
+}
+
+void CDeviceLink::PointTo(const std::string& device) {
+  const fs::file_status status = fs::symlink_status(path_);
+  if (fs::exists(status) && !fs::is_symlink(status)) {
+    throw std::runtime_error(path_ + " exists and is not a symbolic link");
+  }
+  // A rename takes the place of an earlier link in one step, so a client always finds one.
+  const std::string fresh = path_ + ".new";
+  std::error_code ignored;
+  fs::remove(fresh, ignored);
+  fs::create_symlink(device, fresh);
+  fs::rename(fresh, path_);
+  device_ = device;
+}
+
+void CDeviceLink::Remove() {
+  std::error_code error;
+  if (device_.empty() || fs::read_symlink(path_, error) != device_ || error) return;
+  fs::remove(path_, error);
+  device_.clear();
+}
+
+}  // namespace vane::simulator

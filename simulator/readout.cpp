@@ -1,0 +1,271 @@
+#include "simulator/readout.h"
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+#include "simulator/clock_text.h"
+#include "simulator/numbers.h"
+#include "simulator/probe_settings.h"
+
+namespace vane::simulator {
+namespace {
+
+constexpr std::int32_t kReadScannerModules = 41;
+constexpr std::int32_t kReadChannelCount = 43;
+constexpr std::int32_t kWriteChannelMode = 57;
+
+// The channel modes that need a scanner.
+constexpr std::int32_t kFirstScannerMode = 3;
+constexpr std::int32_t kLastScannerMode = 4;
+
+// The first firmware that knows the scanner and channel counts, and that answers for an absent
+// scanner.
+constexpr double kNewFirmware = 5.03;
+
+constexpr std::chrono::sys_days kClockAtStart = std::chrono::year(2020) / std::chrono::January / 1;
+
+// The whole number in `text` if it lies in the limits.
+std::optional<std::int32_t> WholeWithin(std::string_view text, std::int32_t lowest,
+                                        std::int32_t highest) {
+  const auto value = ParseWhole(text);
+  return value && *value >= lowest && *value <= highest ? value : std::nullopt;
+}
+
+}  // namespace
+
+struct CReadout::Handler {
+  std::int32_t id;
+  Reply (CReadout::*answer)(const Fields&);
+};
+
+CReadout::CReadout(ReadoutOptions options, Clock clock)
+    : options_(std::move(options)),
+      clock_(std::move(clock)),
+      // The second step was never set, and the readout says so by an empty answer.
+      scan_steps_({1, std::nullopt, 2, 3, 10}),
+      counted_since_(clock_()),
+      clock_time_(kClockAtStart),
+      clock_set_at_(counted_since_) {
+  scan_steps_.resize(kMaxScanSteps);
+  for (std::size_t i = 0; i < probe_of_channel_.size(); ++i) {
+    probe_of_channel_[i] = static_cast<std::int32_t>(i) + 1;
+  }
+}
+
+std::optional<std::string> CReadout::Answer(std::string_view command) {
+  if (command == protocol::kPasscodeCommand) return Reply(options_.passcode).Body();
+  const auto parsed = protocol::ParseCommand(command);
+  if (!parsed) return Reply(ERefusal::kUnknownCommand).Body();
+  const std::int32_t id = parsed->row->id;
+  if (id == kReadScannerModules || id == kReadChannelCount) {
+    if (IsOldFirmware()) return Reply(ERefusal::kUnknownCommand).Body();
+  } else if (!options_.scanner && parsed->row->text.starts_with("SCANNER:")) {
+    if (IsOldFirmware()) return std::nullopt;
+    return Reply(ERefusal::kNoScanner).Body();
+  }
+  return Dispatch(*parsed).Body();
+}
+
+std::string CReadout::Identification() const { return options_.model + ", " + options_.firmware; }
+
+std::chrono::sys_seconds CReadout::ClockTime() const {
+  return clock_time_ + std::chrono::floor<std::chrono::seconds>(clock_() - clock_set_at_);
+}
+
+bool CReadout::IsOldFirmware() const {
+  return ParseReal(options_.firmware).value_or(0) < kNewFirmware;
+}
+
+Reply CReadout::Dispatch(const protocol::ParsedCommand& command) {
+  static constexpr Handler kHandlers[] = {
+      {0, &CReadout::Initialize},
+      {5, &CReadout::ReadProtectConversion},
+      {6, &CReadout::ReadProtectCalibration},
+      {7, &CReadout::ReadProtectSampling},
+      {8, &CReadout::ReadProtectUnits},
+      {10, &CReadout::StartMeasure},
+      {11, &CReadout::StopMeasure},
+      {12, &CReadout::ReadMeasurement},
+      {15, &CReadout::ReadNewData},
+      {18, &CReadout::ReadIdentification},
+      {kReadScannerModules, &CReadout::ReadScannerModules},
+      {kReadChannelCount, &CReadout::ReadChannelCount},
+      {103, &CReadout::ReadScannerMeasurement},
+      {110, &CReadout::ReadScanStep},
+      {111, &CReadout::WriteScanStep},
+      {112, &CReadout::ReadScannerProbe},
+      {113, &CReadout::WriteScannerProbe},
+      {136, &CReadout::ReadInputProbe},
+      {137, &CReadout::WriteInputProbe},
+      {275, &CReadout::ReadHistoryLog},
+      {276, &CReadout::ReadMemoryLog},
+      {288, &CReadout::WriteDate},
+      {290, &CReadout::WriteTime},
+  };
+  const Fields& fields = command.fields;
+  if (command.row->id == kWriteChannelMode && !options_.scanner &&
+      WholeWithin(fields.value, kFirstScannerMode, kLastScannerMode)) {
+    return ERefusal::kNoScanner;
+  }
+  // The samples up to now keep the interval that they were taken with.
+  const std::int64_t sample = Sample();
+  const std::int32_t interval = settings_.Interval();
+  if (auto reply = settings_.Answer(command)) {
+    if (settings_.Interval() != interval) RestartSamples(sample, measuring_);
+    return *std::move(reply);
+  }
+  if (auto reply = AnswerProbeCommand(command, probes_)) return *std::move(reply);
+  const auto* handler = std::ranges::find(kHandlers, command.row->id, &Handler::id);
+  if (handler == std::end(kHandlers)) return ERefusal::kUnknownCommand;
+  return (this->*handler->answer)(fields);
+}
+
+Reply CReadout::StartMeasure(const Fields&) {
+  RestartSamples(Sample(), true);
+  return Reply::Done();
+}
+
+Reply CReadout::StopMeasure(const Fields&) {
+  RestartSamples(Sample(), false);
+  return Reply::Done();
+}
+
+Reply CReadout::ReadMeasurement(const Fields& fields) {
+  const auto channel = WholeWithin(fields.Channel, 1, kInputs);
+  return channel ? Reading(*channel) : ERefusal::kOutOfRange;
+}
+
+Reply CReadout::ReadScannerMeasurement(const Fields& fields) {
+  const auto channel = WholeWithin(fields.Channel, 1, kScannerChannels);
+  return channel ? Reading(kInputs + *channel) : ERefusal::kOutOfRange;
+}
+
+Reply CReadout::ReadNewData(const Fields&) {
+  return std::string(Sample() > last_fetched_ ? "1" : "0");
+}
+
+Reply CReadout::ReadScannerModules(const Fields&) {
+  return std::string(options_.scanner ? "1" : "0");
+}
+
+Reply CReadout::ReadChannelCount(const Fields&) {
+  return std::to_string(kInputs + (options_.scanner ? kScannerChannels : 0));
+}
+
+Reply CReadout::ReadScanStep(const Fields& fields) {
+  const auto step = WholeWithin(fields.Index, 1, kMaxScanSteps);
+  if (!step) return ERefusal::kOutOfRange;
+  const auto& channel = scan_steps_[static_cast<std::size_t>(*step - 1)];
+  return channel ? std::to_string(*channel) : std::string();
+}
+
+Reply CReadout::WriteScanStep(const Fields& fields) {
+  const auto step = WholeWithin(fields.Index, 1, kMaxScanSteps);
+  const auto channel = WholeWithin(fields.Channel, 0, kScannerChannels);
+  if (!step || !channel) return ERefusal::kOutOfRange;
+  scan_steps_[static_cast<std::size_t>(*step - 1)] = channel;
+  return Reply::Done();
+}
+
+Reply CReadout::ReadInputProbe(const Fields& fields) { return ReadProbeOf(0, kInputs, fields); }
+
+Reply CReadout::WriteInputProbe(const Fields& fields) { return WriteProbeOf(0, kInputs, fields); }
+
+Reply CReadout::ReadScannerProbe(const Fields& fields) {
+  return ReadProbeOf(kInputs, kScannerChannels, fields);
+}
+
+Reply CReadout::WriteScannerProbe(const Fields& fields) {
+  return WriteProbeOf(kInputs, kScannerChannels, fields);
+}
+
+Reply CReadout::ReadHistoryLog(const Fields& fields) { return ReadLog(ELog::kHistory, fields); }
+
+Reply CReadout::ReadMemoryLog(const Fields& fields) { return ReadLog(ELog::kMemory, fields); }
+
+Reply CReadout::WriteDate(const Fields& fields) {
+  if (fields.value.empty()) return Reply::Done();
+  const auto date = ParseDate(fields.value);
+  if (!date) return ERefusal::kNotADateOrTime;
+  const auto now = ClockTime();
+  SetClockTime(*date + (now - std::chrono::floor<std::chrono::days>(now)));
+  return Reply::Done();
+}
+
+Reply CReadout::WriteTime(const Fields& fields) {
+  if (fields.value.empty()) return Reply::Done();
+  const auto time = ParseTimeOfDay(fields.value);
+  if (!time) return ERefusal::kNotADateOrTime;
+  SetClockTime(std::chrono::floor<std::chrono::days>(ClockTime()) + *time);
+  return Reply::Done();
+}
+
+Reply CReadout::Reading(std::int32_t channel) {
+  last_fetched_ = Sample();
+  const auto place = static_cast<std::size_t>(channel - 1);
+  const Probe& probe = probes_[static_cast<std::size_t>(probe_of_channel_[place] - 1)];
+  const double celsius = BathTemperature(options_.seed, channel, last_fetched_);
+  const double ohms = SensorResistance(probe.sensor, celsius);
+  double value = celsius;
+  switch (settings_.Units()) {
+    case EUnits::kCelsius:
+      break;
+    case EUnits::kFahrenheit:
+      value = celsius * 1.8 + 32;
+      break;
+    case EUnits::kKelvin:
+      value = celsius + 273.15;
+      break;
+    case EUnits::kOhms:
+      value = ohms;
+      break;
+    case EUnits::kRatio:
+      value = ohms / settings_.ReferenceOhms(probe.reference);
+      break;
+    case EUnits::kW:
+      constexpr double kTriplePoint = 0.01;
+      value = ohms / SensorResistance(probe.sensor, kTriplePoint);
+      break;
+  }
+  return FixedText(value, settings_.ReadingDigits());
+}
+
+Reply CReadout::ReadProbeOf(std::int32_t first, std::int32_t count, const Fields& fields) {
+  const auto channel = WholeWithin(fields.Channel, 1, count);
+  if (!channel) return ERefusal::kOutOfRange;
+  return std::to_string(probe_of_channel_[static_cast<std::size_t>(first + *channel - 1)]);
+}
+
+Reply CReadout::WriteProbeOf(std::int32_t first, std::int32_t count, const Fields& fields) {
+  const auto channel = WholeWithin(fields.Channel, 1, count);
+  const auto probe = ParseProbeNumber(fields.Probe);
+  if (!channel || !probe) return ERefusal::kOutOfRange;
+  probe_of_channel_[static_cast<std::size_t>(first + *channel - 1)] = *probe;
+  return Reply::Done();
+}
+
+Reply CReadout::ReadLog(ELog log, const Fields& fields) const {
+  const auto index = ParseWhole(fields.Index);
+  if (!index) return ERefusal::kNotANumber;
+  if (*index < 1) return ERefusal::kOutOfRange;
+  return LogLine(log, *index, options_.seed);
+}
+
+void CReadout::SetClockTime(std::chrono::sys_seconds time) {
+  clock_time_ = time;
+  clock_set_at_ = clock_();
+}
+
+std::int64_t CReadout::Sample() const {
+  if (!measuring_) return samples_before_;
+  return samples_before_ + (clock_() - counted_since_) / std::chrono::seconds(settings_.Interval());
+}
+
+void CReadout::RestartSamples(std::int64_t samples, bool running) {
+  samples_before_ = samples;
+  counted_since_ = clock_();
+  measuring_ = running;
+}
+
+}  // namespace vane::simulator

@@ -1,0 +1,53 @@
+// What the simulated readout says to a command, and the refusals that it knows.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+
+namespace vane::simulator {
+
+/// Why a command was refused. The numbers travel on the line.
+///
+///   1  unknown command           no row of the command table fits, or this firmware is too old
+///   2  not a number              a number was expected
+///   3  out of range              a number, index, channel or probe beyond its limits
+///   4  no scanner attached       a scanner command, or a channel mode that needs a scanner
+///   5  unknown code              a word that isn't among the codes of this setting
+///   6  not a range of this probe a coefficient of an ITS-90 subrange that the probe doesn't use
+///   7  text too long             a serial above 8 characters
+///   8  not a date or time
+///  20  busy                      comes from a planned fault alone
+enum class ERefusal : std::int32_t {
+  kUnknownCommand = 1,
+  kNotANumber = 2,
+  kOutOfRange = 3,
+  kNoScanner = 4,
+  kUnknownCode = 5,
+  kNotARangeOfProbe = 6,
+  kTextTooLong = 7,
+  kNotADateOrTime = 8,
+  kBusy = 20,
+};
+
+std::string_view RefusalText(ERefusal refusal);
+
+/// The body of an answer: a value ("" acknowledges a write) or a refusal.
+class Reply {
+ public:
+  Reply(std::string value) : value_(std::move(value)) {}  // NOLINT: a value is a reply
+  Reply(ERefusal refusal) : refusal_(refusal) {}          // NOLINT: a refusal is a reply
+
+  static Reply Done() { return Reply(std::string()); }
+
+  /// As it stands between tag and check value.
+  std::string Body() const;
+
+ private:
+  std::string value_;
+  std::optional<ERefusal> refusal_;
+};
+
+}  // namespace vane::simulator

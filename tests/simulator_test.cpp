@@ -1,0 +1,406 @@
+#include <fcntl.h>
+#include <poll.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <filesystem>
+#include <map>
+#include <set>
+#include <sstream>
+#include <stdexcept>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "gtest/gtest.h"
+#include "protocol/command_table.h"
+#include "protocol/framing.h"
+#include "simulator/answer_queue.h"
+#include "simulator/fault_plan.h"
+#include "simulator/line_server.h"
+#include "simulator/options.h"
+#include "simulator/readout.h"
+
+namespace vane::simulator {
+namespace {
+
+using namespace std::chrono_literals;
+
+// Fields that fit any row: probe 1 has the ITS-90 subranges 4 and 7.
+protocol::Fields FieldsFor(const protocol::CommandRow& row, const std::string& value = {}) {
+  const bool high = row.text.find("HIGH") != row.text.npos;
+  return {value, "1", "1", high ? "7" : "4", "1", value};
+}
+
+std::string Ask(CReadout& readout, std::int32_t id, const protocol::Fields& fields) {
+  std::string problem;
+  const auto command = protocol::BuildCommand(*protocol::FindCommand(id), fields, problem);
+  return command ? readout.Answer(*command).value_or("(silence)") : problem;
+}
+
+std::string Ask(CReadout& readout, const std::string& command) {
+  return readout.Answer(command).value_or("(silence)");
+}
+
+std::vector<std::string> Split(const std::string& text, char separator) {
+  std::vector<std::string> parts;
+  std::istringstream stream(text);
+  for (std::string part; std::getline(stream, part, separator);) parts.push_back(part);
+  return parts;
+}
+
+// Says the commands of `script`, lines of "command -> answer", and expects those answers.
+void ExpectTalk(CReadout& readout, const std::string& script) {
+  std::string talk;
+  for (const std::string& line : Split(script, '\n')) {
+    const std::string command = line.substr(0, line.find(" -> "));
+    talk += command + " -> " + Ask(readout, command) + "\n";
+  }
+  EXPECT_EQ(talk, script);
+}
+
+TEST(Readout, EachWriteIsWhatItsReadThenTells) {
+  // Read id, what is written, what is then told. The coefficients, which take any number, stand
+  // under 0.
+  const std::string cases =
+      R"(0|-1.50000000E-05|-1.5E-05;24|e|EXPONENTIAL;26|12.5|12.5;28|1000000|1E+06
+;32|99999|99999;34|10|10;36|9999|9999;54|32000|32000;56|4|4;58|1|1;60|SN|SAMPLE N;66|0|0;68|8|8;70|3|3
+;76|1.0000000000001|1.0000000000001;84|-3.00|-3;86|OFF|OFF;104|5|5;106|4|4;108|100|100;110|7|7;112|9|9
+;116|6|6;122|AB-12345|AB-12345;130|TT|THRM-R(T);136|16|16;138|10K|10 KOHM;140|21.0000|21;168|O|OHM
+;142|0.000001|1E-06;205|2|2 (24.5561 K to 273.16 K);207|11|11 (0 C to 29.7646 C);225|68|68)";
+  std::map<std::int32_t, std::vector<std::string>> parts_of;
+  for (const std::string& text : Split(cases, ';')) {
+    std::vector<std::string> parts = Split(text.substr(0, text.find('\n')), '|');
+    parts_of[std::stoi(parts[0])] = parts;
+  }
+  int pairs = 0;
+  int writes = 0;
+  for (const protocol::CommandRow& row : protocol::CommandTable()) {
+    writes += row.IsRead() ? 0 : 1;
+    const protocol::CommandRow* const write = protocol::FindCommand(row.id + 1);
+    if (!row.IsRead() || !write || write->symbol.substr(6) != row.symbol.substr(5)) continue;
+    SCOPED_TRACE(row.symbol);
+    ++pairs;
+    ASSERT_TRUE(parts_of.contains(row.id) || row.text.starts_with("PROBE {Probe}:"));
+    const auto& parts = parts_of.at(parts_of.contains(row.id) ? row.id : 0);
+    CReadout readout({});
+    const protocol::Fields read_fields = FieldsFor(row);
+    protocol::Fields fields = FieldsFor(row, parts[1]);
+    if (row.id == 110 || row.id == 116) fields.Channel = parts[1];
+    if (row.id == 112 || row.id == 136) fields.Probe = parts[1];
+
+    const std::string before = Ask(readout, row.id, read_fields);
+    ASSERT_EQ(before.front(), '=') << before;
+    EXPECT_NE(before, "=" + parts[2]);
+    if (write->text.ends_with("{value}") || write->text.ends_with("{FilterCode}")) {
+      EXPECT_EQ(Ask(readout, write->id, read_fields), "=");
+      EXPECT_EQ(Ask(readout, row.id, read_fields), before) << "after an empty write";
+    }
+    EXPECT_EQ(Ask(readout, write->id, fields), "=");
+    EXPECT_EQ(Ask(readout, row.id, read_fields), "=" + parts[2]);
+  }
+  EXPECT_EQ(pairs, writes - 5) << "all but initialize, start, stop, date and time";
+}
+
+TEST(Readout, AnswersEveryCommandOfTheTable) {
+  CReadout readout({});
+  for (const protocol::CommandRow& row : protocol::CommandTable()) {
+    EXPECT_EQ(Ask(readout, row.id, FieldsFor(row)).front(), '=') << row.symbol;
+  }
+}
+
+TEST(Readout, RefusesWhatIsBeyondItsLimitsAndKeepsTheOldValue) {
+  CReadout readout({});
+  ExpectTalk(readout, R"(SAMPLE:INTERVAL 1 -> !3 out of range
+SAMPLE:INTERVAL 100000 -> !3 out of range
+SAMPLE:INTERVAL 2.5 -> !2 not a number
+SAMPLE:INTERVAL nan -> !2 not a number
+SAMPLE:INTERVAL? -> =2
+CAL:ADC inf -> !2 not a number
+RESOLUTION:RATIO 9 -> !3 out of range
+CAL:PARAM 4 4999 -> !3 out of range
+CAL:PARAM 5? -> !3 out of range
+UNITS X -> !5 unknown code
+PROBE 0:SERIAL? -> !3 out of range
+PROBE 17:SERIAL? -> !3 out of range
+PROBE 1:SERIAL 123456789 -> !7 text too long
+PROBE 1:CURRENT 21.1 -> !3 out of range
+PROBE 1:POLY:C 11? -> !3 out of range
+PROBE 1:ITS90:LOW 4:C 0? -> !3 out of range
+PROBE 1:ITS90:LOW 3:A? -> !6 not a range of this probe
+PROBE 1:ITS90:LOW 7:A? -> !3 out of range
+PROBE 1:ITS90:HIGH 4:A? -> !3 out of range
+PROBE 1:IPTS68:RANGE 3:A? -> !3 out of range
+PROBE 1:ITS90:LOW:RANGE 6 -> !3 out of range
+PROBE 1:ITS90:LOW:RANGE 0 -> =
+PROBE 1:ITS90:LOW:RANGE? -> =NONE
+PROBE 1:ITS90:HIGH:RANGE 12 -> =
+PROBE 1:ITS90:HIGH:RANGE? -> =NONE
+SCANNER:STEP 101 1 -> !3 out of range
+SCANNER:STEP 1 11 -> !3 out of range
+SCANNER:STEP 2? -> =
+SCANNER:PROBE 11 1 -> !3 out of range
+CHANNEL 3:PROBE? -> !3 out of range
+MEASURE 3? -> !3 out of range
+CLOCK:DATE 02-30-2024 -> !8 not a date or time
+CLOCK:TIME 24:00:00 -> !8 not a date or time
+CLOCK:TIME 13:00:00PM -> !8 not a date or time
+LOG:HISTORY 0? -> !3 out of range
+LOG:HISTORY 321? -> =
+LOG:MEMORY 240? -> =25.5010 OHM 240
+LOG:MEMORY 241? -> =
+NONSENSE -> !1 unknown command
+)");
+}
+
+TEST(Readout, OldFirmwareAndAbsentScannerAnswerDifferently) {
+  const std::string commands = "SCANNER:MODULES?;CHANNEL:COUNT?;SCANNER:MODE?;CHANNEL:MODE 3";
+  const auto talk = [&commands](const std::string& options) {
+    CReadout readout(ParseOptions(options).readout);
+    std::string answers;
+    for (const std::string& command : Split(commands, ';')) answers += Ask(readout, command) + ";";
+    return answers;
+  };
+  EXPECT_EQ(talk(""), "=1;=12;=1;=;");
+  EXPECT_EQ(talk("--no-scanner"), "=0;=2;!4 no scanner attached;!4 no scanner attached;");
+  EXPECT_EQ(talk("--firmware 5.02"), "!1 unknown command;!1 unknown command;=1;=;");
+  EXPECT_EQ(talk("--firmware 5.02 --no-scanner"),
+            "!1 unknown command;!1 unknown command;(silence);!4 no scanner attached;");
+}
+
+TEST(Readout, ProbesCoverEveryConversionAndSubrange) {
+  CReadout readout({});
+  std::set<std::string> seen;
+  for (int probe = 1; probe <= 16; ++probe) {
+    const std::string head = "PROBE " + std::to_string(probe) + ":";
+    const std::string conversion = Ask(readout, head + "CONVERSION?");
+    seen.insert(conversion);
+    if (conversion == "=IPTS-68") seen.insert("scale" + Ask(readout, head + "IPTS68:SCALE?"));
+    if (conversion != "=ITS-90") continue;
+    std::string ranges;
+    for (const char* side : {"LOW", "HIGH"}) {
+      ranges += Ask(readout, head + "ITS90:" + side + ":RANGE?");
+      if (ranges.ends_with(')')) seen.insert(ranges.substr(ranges.rfind('='), 4));
+    }
+    seen.insert(ranges == "=NONE=NONE" ? "no range at all" : conversion);
+  }
+  std::set<std::string> expected = {"=ITS-90",    "=IPTS-68",   "=CVD",       "=POLYNOMIAL",
+                                    "=THRM-T(R)", "=THRM-R(T)", "=R(\xF4)",   "=W(T90)",
+                                    "=RATIO",     "scale=68",   "scale=NONE", "no range at all"};
+  for (int range = 1; range <= 11; ++range)
+    expected.insert(("=" + std::to_string(range) + " (").substr(0, 4));
+  EXPECT_EQ(seen, expected);
+}
+
+TEST(Readout, NewDataComesWithTheIntervalWhileMeasuring) {
+  Moment now{};
+  CReadout readout({}, [&now] { return now; });
+  EXPECT_EQ(Ask(readout, "MEASURE:NEW?"), "=0");
+  now += 1999ms;
+  EXPECT_EQ(Ask(readout, "MEASURE:NEW?"), "=0");
+  now += 1ms;
+  EXPECT_EQ(Ask(readout, "MEASURE:NEW?"), "=1");
+  EXPECT_EQ(Ask(readout, "MEASURE:NEW?"), "=1") << "until a reading is fetched";
+  const std::string first = Ask(readout, "SCANNER:MEASURE 1?");
+  EXPECT_EQ(Ask(readout, "MEASURE:NEW?"), "=0");
+  EXPECT_EQ(Ask(readout, "SCANNER:MEASURE 1?"), first) << "the same sample";
+  now += 1500ms;
+  Ask(readout, "SAMPLE:INTERVAL 10");
+  now += 9999ms;
+  EXPECT_EQ(Ask(readout, "MEASURE:NEW?"), "=0");
+  now += 1ms;
+  EXPECT_EQ(Ask(readout, "MEASURE:NEW?"), "=1");
+  EXPECT_NE(Ask(readout, "SCANNER:MEASURE 1?"), first);
+  Ask(readout, "MEASURE:STOP");
+  now += 1h;
+  EXPECT_EQ(Ask(readout, "MEASURE:NEW?"), "=0");
+  Ask(readout, "MEASURE:START");
+  now += 10s;
+  EXPECT_EQ(Ask(readout, "MEASURE:NEW?"), "=1");
+}
+
+TEST(Readout, ReadingsFollowTheUnitsAndTheResolution) {
+  Moment now{};
+  CReadout readout({}, [&now] { return now; });
+  // Input 2 stands at the triple point of water, with the 2.5 ohm probe; 10 ohm is the reference.
+  const std::vector<std::tuple<std::string, double, double>> cases = {
+      {"C", 0.01, 0.01},   {"F", 32.018, 0.02},  {"K", 273.16, 0.01},
+      {"O", 2.5001, 2e-4}, {"R", 0.25001, 2e-5}, {"W", 1, 1e-4}};
+  for (const auto& [code, value, tolerance] : cases) {
+    Ask(readout, "UNITS " + code);
+    EXPECT_NEAR(std::stod(Ask(readout, "MEASURE 2?").substr(1)), value, tolerance) << code;
+  }
+  EXPECT_EQ(Ask(readout, "MEASURE 2?").find('.'), 2u);
+  EXPECT_EQ(Ask(readout, "MEASURE 2?").size(), 3u + 7u);
+  Ask(readout, "RESOLUTION:RATIO 0");
+  EXPECT_EQ(Ask(readout, "MEASURE 2?"), "=1");
+}
+
+TEST(Readout, ClockTakesBothHourForms) {
+  Moment now{};
+  CReadout readout({}, [&now] { return now; });
+  const std::chrono::sys_days day = std::chrono::year(2024) / 2 / 29;
+  EXPECT_EQ(Ask(readout, "CLOCK:DATE 02-29-2024"), "=");
+  const std::vector<std::pair<std::string, std::chrono::seconds>> cases = {
+      {"23:59:58", 86398s}, {"3:07:09PM", 54429s}, {"0:00:01AM", 1s}, {"0:00:01PM", 43201s}};
+  for (const auto& [text, time] : cases) {
+    EXPECT_EQ(Ask(readout, "CLOCK:TIME " + text), "=") << text;
+    EXPECT_EQ(readout.ClockTime(), day + time) << text;
+  }
+  now += 3s;
+  EXPECT_EQ(readout.ClockTime(), day + 43204s);
+}
+
+TEST(FaultPlan, StrikesAsWritten) {
+  const auto struck = [](const std::string& text) {
+    const CFaultPlan plan({ParseFaultRule(text)}, 7);
+    std::vector<std::uint64_t> exchanges;
+    for (std::uint64_t i = 1; i <= 1000; ++i) {
+      if (plan.Strike(i)) exchanges.push_back(i);
+    }
+    return exchanges;
+  };
+  EXPECT_EQ(struck("at=3:drop"), (std::vector<std::uint64_t>{3}));
+  EXPECT_EQ(struck("every=400:garble"), (std::vector<std::uint64_t>{400, 800}));
+  EXPECT_TRUE(struck("p=0:refuse").empty());
+  EXPECT_EQ(struck("p=1:refuse").size(), 1000u);
+  EXPECT_NEAR(static_cast<double>(struck("p=0.1:refuse").size()), 100, 40);
+  EXPECT_EQ(struck("p=0.1:refuse"), struck("p=0.1:late"));
+  EXPECT_EQ(ParseFaultRule("at=1:late").seconds, 1.5);
+  EXPECT_EQ(ParseFaultRule("at=1:late=0.25").seconds, 0.25);
+  for (const char* text :
+       {"", "drop", "at=0:drop", "at=x:drop", "every=:drop", "p=2:drop", "at=1:burn", "at=1:drop=2",
+        "at=1:late=-1", "at=1:late=x", "on=1:drop"}) {
+    EXPECT_THROW(ParseFaultRule(text), std::invalid_argument) << text;
+  }
+}
+
+TEST(FaultPlan, GarbledLineNeverPassesItsCheck) {
+  const CFaultPlan plan({}, 3);
+  const std::string line = protocol::FrameLine(0x1A2B, "=R(\xF4) 12.5");
+  for (std::uint64_t i = 1; i <= 2000; ++i) {
+    const std::string garbled = plan.Garble(line, i);
+    ASSERT_EQ(garbled.find_first_of("\r\n"), garbled.npos);
+    ASSERT_FALSE(protocol::ParseLine(garbled)) << garbled;
+  }
+}
+
+TEST(AnswerQueue, PacesAsALineOfThatSpeed) {
+  CAnswerQueue queue(1000);  // 10 ms a byte
+  const Moment start{};
+  const Moment arrived = queue.CommandArrives(5, start);
+  EXPECT_EQ(arrived - start, 50ms);
+  queue.Add("abcd", arrived);
+  EXPECT_EQ(queue.TakeDue(start + 59ms), "");
+  EXPECT_EQ(queue.TakeDue(start + 75ms), "ab");
+  EXPECT_EQ(queue.NextDue(), start + 80ms);
+  EXPECT_EQ(queue.TakeDue(start + 1s), "cd");
+  EXPECT_FALSE(queue.NextDue());
+}
+
+TEST(AnswerQueue, HeldAnswerIsPassedAndNeverMixed) {
+  CAnswerQueue queue(0);
+  const Moment start{};
+  queue.Add("late\n", start + 2s);
+  queue.Add("split\n", start, 100ms);
+  queue.Add("next\n", start + 50ms);
+  EXPECT_EQ(queue.TakeDue(start), "spl");
+  EXPECT_EQ(queue.TakeDue(start + 60ms), "");
+  EXPECT_EQ(queue.TakeDue(start + 100ms), "it\nnext\n");
+  EXPECT_EQ(queue.TakeDue(start + 2s), "late\n");
+}
+
+TEST(SimulatorOptions, WrongOnesAreToldAndHelpIsText) {
+  for (const char* text : {"--burn", "--fault at=0:drop", "--protect everything", "--baud -1",
+                           "--firmware new", "--seed x", "--scanner --no-scanner", "stray"}) {
+    EXPECT_THROW(ParseOptions(std::string(text)), std::invalid_argument) << text;
+  }
+  const Options options = ParseOptions(
+      "--protect conversion,units --passcode \"a b\" --fault at=1:drop --fault every=2:late");
+  CReadout readout(options.readout);
+  EXPECT_EQ(Ask(readout, "PROTECT:CONVERSION?"), "=ON");
+  EXPECT_EQ(Ask(readout, "PROTECT:SAMPLING?"), "=OFF");
+  EXPECT_EQ(Ask(readout, std::string(protocol::kPasscodeCommand)), "=a b");
+  EXPECT_EQ(options.faults.size(), 2u);
+  EXPECT_NE(ParseOptions("--help").help.find("--fault"), std::string::npos);
+}
+
+// A client of the line that can wait for a text or for its absence.
+class CClient {
+ public:
+  explicit CClient(const std::string& path) : file_(open(path.c_str(), O_RDWR | O_NOCTTY)) {}
+  ~CClient() { close(file_); }
+
+  void Send(const std::string& text) {
+    ASSERT_EQ(write(file_, text.data(), text.size()), static_cast<ssize_t>(text.size()));
+  }
+
+  // What comes until a line ends or `wait` is over.
+  std::string Receive(std::chrono::milliseconds wait = 2s) {
+    std::string text;
+    while (!text.ends_with('\n')) {
+      pollfd ready{file_, POLLIN, 0};
+      char buffer[512];
+      if (poll(&ready, 1, static_cast<int>(wait.count())) != 1) break;
+      const ssize_t count = read(file_, buffer, sizeof buffer);
+      if (count <= 0) return text + "(lost)";
+      text.append(buffer, static_cast<std::size_t>(count));
+    }
+    return text;
+  }
+
+ private:
+  int file_;
+};
+
+TEST(SimulatedLine, FaultsOnARealTerminal) {
+  CSimulatedLine line(ParseOptions(
+      "--fault at=3:drop --fault at=4:late=0.3 --fault at=6:split=0.1 --fault at=7:refuse "
+      "--fault at=8:identify --fault at=9:hangup=0.05"));
+  line.Start();
+  const std::string path = line.Path();
+  const std::string first_device = std::filesystem::read_symlink(path);
+  const auto framed = [](std::uint16_t tag, const std::string& body) {
+    return protocol::FrameLine(tag, body) + "\r\n";
+  };
+  {
+    CClient client(path);
+    client.Send("ID?\r");
+    EXPECT_EQ(client.Receive(), "=T312B, 5.03\r\n");
+  }
+  CClient client(path);  // came back to the same line
+  client.Send("\r\n" + framed(0xABCD, "UNITS?"));
+  EXPECT_EQ(client.Receive(), framed(0xABCD, "=C"));
+  client.Send("#0001 UNITS?*0000\r\n" + std::string(600, 'x') + "\r\n");
+  client.Send(framed(3, "UNITS?"));
+  EXPECT_EQ(client.Receive(100ms), "") << "two lines that are none, and a dropped answer";
+  EXPECT_EQ(line.IgnoredLines(), 2u);
+  client.Send(framed(4, "UNITS?"));
+  client.Send(framed(5, "SAMPLE:INTERVAL?"));
+  EXPECT_EQ(client.Receive(), framed(5, "=2"));
+  EXPECT_EQ(client.Receive(), framed(4, "=C"));
+  client.Send(framed(6, "UNITS?"));
+  const std::string piece = client.Receive(20ms);
+  EXPECT_LT(piece.size(), framed(6, "=C").size());
+  EXPECT_EQ(piece + client.Receive(), framed(6, "=C"));
+  client.Send(framed(7, "UNITS F"));
+  EXPECT_EQ(client.Receive(), framed(7, "!20 busy"));
+  EXPECT_EQ(line.Ask("UNITS?"), "=C") << "a refused command is not obeyed";
+  client.Send(framed(8, "UNITS?"));
+  EXPECT_EQ(client.Receive(), framed(8, "=T312B, 5.03"));
+  client.Send(framed(9, "UNITS?"));
+  EXPECT_EQ(client.Receive(), "(lost)");
+  for (int tries = 0; tries < 400 && !std::filesystem::exists(path); ++tries) {
+    std::this_thread::sleep_for(5ms);
+  }
+  CClient after(path);
+  after.Send(framed(10, "UNITS?"));
+  EXPECT_EQ(after.Receive(), framed(10, "=C"));
+  EXPECT_NE(std::filesystem::read_symlink(path), first_device) << "the old end is still open";
+  EXPECT_EQ(line.Exchanges(), 10u);
+  line.Stop();
+  EXPECT_FALSE(std::filesystem::exists(std::filesystem::symlink_status(path)));
+}
+
+}  // namespace
+}  // namespace vane::simulator
