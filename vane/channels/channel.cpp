@@ -11,8 +11,9 @@ constexpr std::int32_t kResistanceInput = 2;
 
 }  // namespace
 
-CVaneT312BPRTTHRMChannel::CVaneT312BPRTTHRMChannel(const Components& components) {
-  Labelled("CVaneT312BPRTTHRMChannel", "Class_Initialize", [&] {
+CVaneT312BPRTTHRMChannel::CVaneT312BPRTTHRMChannel(const Components& components)
+    : components_(components) {
+  Labelled(kClassName, "Class_Initialize", [&] {
     SetEnabled(true);
     SetProbe(components.factory.MakeProbe());
     probe_->SetHelpFile(LibraryHelpFile());

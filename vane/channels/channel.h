@@ -10,8 +10,12 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
+#include <span>
 #include <string>
+#include <string_view>
+#include <utility>
 
 #include "vane/components/components.h"
 #include "vane/components/registry.h"
@@ -20,8 +24,12 @@
 
 namespace vane {
 
+class CLongRun;
 class CModule;
 class CVaneT312B;
+struct CoefficientRow;
+struct RangeWalk;
+struct SeriesRow;
 
 class CVaneT312BPRTTHRMChannel {
  public:
@@ -93,17 +101,71 @@ class CVaneT312BPRTTHRMChannel {
   /// its values. Always true; raises on failure.
   bool SetConversionType(EVaneConversionType ct);
 
-  /// Reads the number of the assigned probe. True, or raises.
+  // Reads. A single one gives true or raises. `prbidx` is a probe's number on the instrument and
+  // need not be `ProbeIndex`. A composite one runs under a reporter that belongs to `frm`, and
+  // gives false when the user has been told of a failure or an abort; what it has read by then
+  // stays.
+
+  /// The assigned probe, and its whole record.
+  bool QueryInfo(ui::CWindow* frm = nullptr);
+  /// The number of the assigned probe.
   bool QueryProbeIndex();
+  /// The whole record of a probe: serial number, reference resistor, current, 3-wire offset,
+  /// conversion type and the values of that conversion.
+  bool QueryProbeInfo(std::int16_t prbidx, ui::CWindow* frm = nullptr);
+  bool QueryProbeSerialNumber(std::int16_t prbidx);
+  bool QueryRefResistor(std::int16_t prbidx);
+  bool QueryCurrent(std::int16_t prbidx);
+  bool Query3WireOffset(std::int16_t prbidx);
+  /// Sets up the conversion anew when the type differs from the one at hand. -1 stands for the
+  /// assigned probe, whose number is read first.
+  bool QueryConversionType(std::int16_t prbidx = -1);
 
  private:
   template <class T, class Differs = std::not_equal_to<T>>
   using Tracked = CTracked<T, CVaneT312BPRTTHRMChannel, Differs>;
 
+  static constexpr char kClassName[] = "CVaneT312BPRTTHRMChannel";
+
   void SetProbe(std::unique_ptr<CVaneProbe> probe) { probe_ = std::move(probe); }
   void InitializeProbe();
   CVaneCommunications& Line() const;
 
+  // One exchange about a probe: the reply to `id` goes in upper case to `store`. What fails in
+  // either is raised again under the label of "Query" and `operation`.
+  bool Query(std::string_view operation, std::int32_t id, std::int16_t prbidx,
+             const std::function<void(const std::string&)>& store, std::string_view range = {},
+             std::string_view index = {});
+  bool QueryNumber(std::string_view operation, std::int32_t id, std::int16_t prbidx,
+                   const std::function<void(double)>& store, std::string_view range = {},
+                   std::string_view index = {});
+
+  // The values of a conversion. These end at the user: false when he has been told.
+  bool QueryCoefficients(std::int16_t prbidx, ui::CWindow* frm);
+  bool QueryCVDCoefficients(std::int16_t prbidx, ui::CWindow* frm);
+  bool QueryIPTS68Coefficients(std::int16_t prbidx, ui::CWindow* frm);
+  bool QueryITS90Coefficients(std::int16_t prbidx, ui::CWindow* frm);
+  bool QueryITS90LowRangeCoefficients(std::int16_t prbidx, ui::CWindow* frm);
+  bool QueryITS90HighRangeCoefficients(std::int16_t prbidx, ui::CWindow* frm);
+  bool QueryThermistorTRCoefficients(std::int16_t prbidx, ui::CWindow* frm);
+  bool QueryThermistorRTCoefficients(std::int16_t prbidx, ui::CWindow* frm);
+  bool QueryPOLYCoefficients(std::int16_t prbidx, ui::CWindow* frm);
+  bool QueryWT90Coefficients(std::int16_t prbidx, ui::CWindow* frm);
+
+  // The three forms of a run over the values of a conversion.
+  bool QuerySequence(std::string_view name, double share, ui::CWindow* frm,
+                     const std::function<bool(CLongRun&)>& steps);
+  bool QueryRange(const RangeWalk& walk, std::int16_t prbidx, ui::CWindow* frm);
+  bool QuerySeries(const SeriesRow& series, std::int16_t prbidx, ui::CWindow* frm);
+
+  bool QueryCoefficientRows(CLongRun& run, std::span<const CoefficientRow> rows,
+                            std::int16_t prbidx);
+  bool QueryIPTS68Scale(std::int16_t prbidx);
+  bool QueryITS90RTPW(std::int16_t prbidx);
+  bool QueryITS90LowRange(std::int16_t prbidx);
+  bool QueryITS90HighRange(std::int16_t prbidx);
+
+  const Components& components_;
   bool changed_ = false;
   bool enabled_ = false;
   std::unique_ptr<CVaneProbe> probe_;

@@ -1,3 +1,4 @@
+// The assigned probe of a channel and the record of a probe, without the values of its conversion.
 #include <string>
 
 #include "vane/channels/channel.h"
@@ -5,14 +6,41 @@
 #include "vane/instrument/t312b.h"
 #include "vane/support/exchange.h"
 #include "vane/support/failure.h"
+#include "vane/support/long_run.h"
+#include "vane/support/messages.h"
 #include "vane/support/numbers.h"
+#include "vane/support/text_table.h"
+#include "vane/support/texts.h"
 #include "vane/topology/numbering.h"
 
 namespace vane {
 namespace {
 
 constexpr std::int32_t READ_SCANNER_PROBE_INDEX = 112;
+constexpr std::int32_t READ_PROBE_SERIAL = 122;
 constexpr std::int32_t READ_PROBE_INDEX = 136;
+constexpr std::int32_t READ_REF_RESISTOR = 138;
+constexpr std::int32_t READ_PROBE_CURRENT = 140;
+constexpr std::int32_t READ_PROBE_3WIRE_OFFSET = 142;
+
+// Searched from the top, since the shorter texts stand within the longer ones.
+constexpr struct {
+  std::string_view text;
+  ET312BProbeRefResistor resistor;
+} kRefResistors[] = {
+    {"EXT", ET312BProbeRefResistor::PRR_EXTERNAL},
+    {"10 KOHM", ET312BProbeRefResistor::PRR_10K_OHM},
+    {"100 OHM", ET312BProbeRefResistor::PRR_100_OHM},
+    {"10 OHM", ET312BProbeRefResistor::PRR_10_OHM},
+    {"1 OHM", ET312BProbeRefResistor::PRR_1_OHM},
+};
+
+ET312BProbeRefResistor RefResistorIn(std::string_view reply) {
+  for (const auto& row : kRefResistors) {
+    if (Contains(reply, row.text)) return row.resistor;
+  }
+  return ET312BProbeRefResistor::PRR_NONE;
+}
 
 }  // namespace
 
@@ -23,16 +51,67 @@ CVaneCommunications& CVaneT312BPRTTHRMChannel::Line() const {
   return module_->BaseUnit()->Line();
 }
 
+bool CVaneT312BPRTTHRMChannel::QueryInfo(ui::CWindow* frm) {
+  return Labelled(kClassName, "QueryInfo", [&] {
+    return RunLong(components_, kReadRun, frm, [&](CLongRun& run) {
+      const bool scanner = ActualChannel() > kNumInputs;
+      const std::int16_t shown = scanner ? ScannerChannel(ActualChannel()) : ActualChannel();
+      run.Start(SubstituteParams(ResourceText(scanner ? 293 : 119), std::to_string(shown)), 100);
+      const std::string name = std::to_string(ActualChannel()) + " " + ResourceText(287);
+      if (!run.Step({name, [&] { return QueryProbeIndex(); }})) return false;
+      run.Hide();  // the probe's record has a reporter of its own
+      return run.LastStep({name, [&] { return QueryProbeInfo(ProbeIndex(), frm); }});
+    });
+  });
+}
+
+bool CVaneT312BPRTTHRMChannel::QueryProbeInfo(std::int16_t prbidx, ui::CWindow* frm) {
+  return Labelled(kClassName, "QueryProbeInfo", [&] {
+    return RunLong(components_, kReadRun, frm, [&](CLongRun& run) {
+      run.Start(SubstituteParams(ResourceText(106), std::to_string(prbidx)), PercentShare(5));
+      const bool record = run.Steps({
+          {ResourceText(125), [&] { return QueryProbeSerialNumber(prbidx); }},
+          {ResourceText(291), [&] { return QueryRefResistor(prbidx); }},
+          {ResourceText(140), [&] { return QueryCurrent(prbidx); }},
+          {ResourceText(292), [&] { return Query3WireOffset(prbidx); }},
+          {ResourceText(145), [&] { return QueryConversionType(prbidx); }},
+      });
+      if (!record) return false;
+      run.Hide();  // the conversion has a reporter of its own
+      return run.LastStep({ResourceText(145), [&] { return QueryCoefficients(prbidx, frm); }});
+    });
+  });
+}
+
 bool CVaneT312BPRTTHRMChannel::QueryProbeIndex() {
-  return Labelled("CVaneT312BPRTTHRMChannel", "QueryProbeIndex", [&] {
+  return Labelled(kClassName, "QueryProbeIndex", [&] {
     const bool scanner = ActualChannel() > kNumInputs;
-    const std::string number =
-        std::to_string(scanner ? ScannerChannel(ActualChannel()) : ActualChannel());
+    const std::int16_t number = scanner ? ScannerChannel(ActualChannel()) : ActualChannel();
     const std::string reply = Read(Line(), scanner ? READ_SCANNER_PROBE_INDEX : READ_PROBE_INDEX,
-                                   {{&CommandParams::Channel, number}});
+                                   {{&CommandParams::Channel, std::to_string(number)}});
     SetProbeIndex(ToInteger(NumberFromText(reply)));
     return true;
   });
+}
+
+bool CVaneT312BPRTTHRMChannel::QueryProbeSerialNumber(std::int16_t prbidx) {
+  return Query("ProbeSerialNumber", READ_PROBE_SERIAL, prbidx,
+               [&](const std::string& reply) { probe_->SetSerialNumber(reply); });
+}
+
+bool CVaneT312BPRTTHRMChannel::QueryRefResistor(std::int16_t prbidx) {
+  return Query("RefResistor", READ_REF_RESISTOR, prbidx,
+               [&](const std::string& reply) { SetProbeRefResistor(RefResistorIn(reply)); });
+}
+
+bool CVaneT312BPRTTHRMChannel::QueryCurrent(std::int16_t prbidx) {
+  return QueryNumber("Current", READ_PROBE_CURRENT, prbidx,
+                     [&](double value) { SetProbeCurrent(value); });
+}
+
+bool CVaneT312BPRTTHRMChannel::Query3WireOffset(std::int16_t prbidx) {
+  return QueryNumber("3WireOffset", READ_PROBE_3WIRE_OFFSET, prbidx,
+                     [&](double value) { SetProbe3WireOffset(value); });
 }
 
 }  // namespace vane

@@ -4,6 +4,7 @@
 #include <span>
 
 #include "vane/channels/channel.h"
+#include "vane/channels/settings_of.h"
 #include "vane/support/failure.h"
 
 namespace vane {
@@ -33,13 +34,6 @@ constexpr CoefficientRow kCVD[] = {
 constexpr std::int32_t kPolynomialOrder = 10;
 constexpr std::int32_t kPolynomialCoefficients = kPolynomialOrder + 1;
 constexpr std::int32_t kThermistorCoefficients = 4;
-
-template <class T>
-T& SettingsOf(CVaneProbe& probe) {
-  auto* settings = dynamic_cast<T*>(probe.Conversion().Settings());
-  if (settings == nullptr) throw PlatformError(ERR_PLATFORM_TYPE_MISMATCH);
-  return *settings;
-}
 
 void SetFormats(CCVDSettings& settings, std::span<const CoefficientRow> rows) {
   std::int32_t index = 0;
@@ -128,7 +122,7 @@ void StartConversion(CVaneProbe& probe, EVaneConversionType ct) {
 }  // namespace
 
 bool CVaneT312BPRTTHRMChannel::SetConversionType(EVaneConversionType ct) {
-  return Labelled("CVaneT312BPRTTHRMChannel", "SetConversionType", [&] {
+  return Labelled(kClassName, "SetConversionType", [&] {
     if (probe_->ConversionType() != ct) StartConversion(*probe_, ct);
     probe_->Conversion().SetFilePath(filepath_);
     return true;

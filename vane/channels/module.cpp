@@ -61,7 +61,7 @@ bool CModule::QueryInfo(ui::CWindow* frm, bool inclchannels) {
   return Labelled(kind_.classname, "QueryInfo", [&] {
     return RunLong(components_, kReadRun, frm, [&](CLongRun& run) {
       if (inclchannels) {
-        for (const auto& channel : channels_) channel->QueryProbeIndex();
+        for (const auto& channel : channels_) channel->QueryInfo(frm);
         return true;
       }
       run.Start(ResourceText(288), PercentShare(NumChannels()));

@@ -1,14 +1,9 @@
 #include "vane/support/long_run.h"
 
-#include <utility>
-
 #include "vane/support/messages.h"
 #include "vane/support/text_table.h"
 
 namespace vane {
-
-CLongRun::CLongRun(std::unique_ptr<CVaneProgress> progress, const RunPolicy& policy)
-    : progress_(std::move(progress)), policy_(policy) {}
 
 void CLongRun::Start(const std::string& text, double share) { progress_->Start(text, share); }
 
@@ -22,17 +17,19 @@ bool CLongRun::Steps(std::initializer_list<RunStep> steps) {
 }
 
 bool CLongRun::Step(const RunStep& step) {
-  if (!step.run()) {
-    return StopWith(SubstituteParams(ResourceText(policy_.failedtext), step.name));
-  }
-  return progress_->Step() || StopWith(ResourceText(policy_.abortedtext));
+  if (!LastStep(step)) return false;
+  if (progress_->Step()) return true;
+  return policy_.abortedtext != 0 && StopWith(ResourceText(policy_.abortedtext));
+}
+
+bool CLongRun::LastStep(const RunStep& step) {
+  name_ = step.name;
+  return step.run() || StopWith(SubstituteParams(ResourceText(policy_.failedtext), name_));
 }
 
 void CLongRun::Hide() {
   if (progress_) progress_->Hide(false);
 }
-
-void CLongRun::Finish() { progress_->Finish(); }
 
 bool CLongRun::StopWith(const std::string& message) {
   Hide();
@@ -40,23 +37,33 @@ bool CLongRun::StopWith(const std::string& message) {
   return false;
 }
 
+void CLongRun::End() {
+  if (progress_) progress_->Finish();
+  progress_.reset();
+  if (policy_.clearsbusycursor) SetBusyCursor(false);
+}
+
 bool RunLong(const Components& components, const RunPolicy& policy, std::optional<ui::CWindow*> frm,
-             const std::function<bool(CLongRun&)>& body) {
-  CLongRun run(components.factory.MakeProgress(), policy);
+             const std::function<bool(CLongRun&)>& body, const std::string& firstname) {
+  CLongRun run(policy, firstname);
   try {
+    run.progress_ = components.factory.MakeProgress();
     if (frm) {
       run.progress_->Attach(*frm);
       run.progress_->SetVisible(*frm != nullptr);
     }
     SetBusyCursor(true);
     const bool result = body(run);
-    run.Finish();
-    run.progress_.reset();
-    SetBusyCursor(false);
+    run.End();
     return result;
   } catch (...) {
     run.Hide();
-    throw;
+    if (policy.errortext != 0) {
+      ShowError(SubstituteParams(ResourceText(policy.errortext), run.name_), kCompanyName, {}, 0);
+    }
+    if (policy.finishonerror) run.End();
+    if (policy.errortext == 0) throw;
+    return false;
   }
 }
 

@@ -17,12 +17,38 @@
 namespace vane {
 
 struct RunPolicy {
-  std::int16_t failedtext;   ///< shown with the step's name when a step gives false
-  std::int16_t abortedtext;  ///< shown when the user stopped the run
+  /// Shown with the step's name when a step gives false.
+  std::int16_t failedtext;
+
+  /// Shown when the user stops the run; 0 leaves the word to the caller of the run.
+  std::int16_t abortedtext;
+
+  /// What an error meets. With a text, the run stands at the user's boundary: the error is shown as
+  /// an attempt at the step that it came from, and the run ends with false. With 0 it climbs on.
+  std::int16_t errortext = 0;
+
+  /// Whether an error also finishes the reporter. A read whose error climbs leaves that to the
+  /// reporter's release, and the busy cursor stays up until the box that shows the error clears it.
+  bool finishonerror = false;
+
+  /// Whether the end of the run takes the busy cursor away. A run within another leaves it up.
+  bool clearsbusycursor = true;
 };
 
-/// Reads go from exchange to exchange without a pause.
+/// Reads of several settings whose errors are shown further up.
 inline constexpr RunPolicy kReadRun{.failedtext = 107, .abortedtext = 108};
+
+/// Reads of a conversion's values: they end at the user.
+inline constexpr RunPolicy kConversionReadRun{
+    .failedtext = 107, .abortedtext = 108, .errortext = 109, .finishonerror = true};
+
+/// Reads of one range of a conversion, within the run of the whole conversion, which says that the
+/// range failed.
+inline constexpr RunPolicy kRangeReadRun{.failedtext = 107,
+                                         .abortedtext = 0,
+                                         .errortext = 109,
+                                         .finishonerror = true,
+                                         .clearsbusycursor = false};
 
 /// A step gives false when it could not do its work without raising an error.
 struct RunStep {
@@ -33,42 +59,42 @@ struct RunStep {
 /// What the body of a run works with.
 class CLongRun {
  public:
-  CLongRun(std::unique_ptr<CVaneProgress> progress, const RunPolicy& policy);
-
   /// Opens a stretch of steps; `share` is the percent of one.
   void Start(const std::string& text, double share);
 
   /// Advances the reporter without a step and without asking the user.
   void Advance();
 
-  /// Runs the steps in their order. False after a step that failed or an abort; the user has then
-  /// been told.
+  /// Runs the steps in their order. False after a step that failed or an abort; what the policy
+  /// has to say of it has then been said.
   bool Steps(std::initializer_list<RunStep> steps);
   bool Step(const RunStep& step);
 
-  /// Takes the display off the screen, so that a message box can come up.
-  void Hide();
+  /// A step behind which the reporter doesn't advance and the user is not asked.
+  bool LastStep(const RunStep& step);
 
-  void Finish();
+  /// Takes the display off the screen, so that another display or a message box can come up.
+  void Hide();
 
  private:
   friend bool RunLong(const Components& components, const RunPolicy& policy,
-                      std::optional<ui::CWindow*> frm, const std::function<bool(CLongRun&)>& body);
+                      std::optional<ui::CWindow*> frm, const std::function<bool(CLongRun&)>& body,
+                      const std::string& firstname);
 
+  CLongRun(const RunPolicy& policy, std::string name) : policy_(policy), name_(std::move(name)) {}
   bool StopWith(const std::string& message);
+  void End();
 
-  std::unique_ptr<CVaneProgress> progress_;
   const RunPolicy& policy_;
+  std::unique_ptr<CVaneProgress> progress_;
+  std::string name_;  // of the step that the run is on
 };
 
 /// Makes the reporter, raises the busy cursor, runs `body`, and takes both away again; the result
 /// is that of `body`. With `frm` given, the display belongs to that window and shows itself when
-/// there is one; without it, the reporter stays as it came.
-///
-/// An error that climbs out of `body` takes the display off the screen and climbs on. The reporter
-/// is then not finished, only released, and the busy cursor stays up until the box that shows the
-/// error clears it: the user sees that the run is still on its way out.
+/// there is one; without it, the reporter stays as it came. An error takes the display off the
+/// screen and then meets what the policy says; until the first step it belongs to `firstname`.
 bool RunLong(const Components& components, const RunPolicy& policy, std::optional<ui::CWindow*> frm,
-             const std::function<bool(CLongRun&)>& body);
+             const std::function<bool(CLongRun&)>& body, const std::string& firstname = {});
 
 }  // namespace vane

@@ -1,0 +1,422 @@
+// A channel read whole: the assigned probe, its record, and the values of its conversion.
+#include <gtest/gtest.h>
+
+#include <sstream>
+
+#include "tests/support/fake_probe.h"
+#include "tests/support/transcript.h"
+
+namespace vane {
+namespace {
+
+using test::CTestHost;
+using test::kLineError;
+
+class ChannelRead : public testing::Test {
+ protected:
+  ChannelRead() {
+    auto& replies = host_.script.replies;
+    replies.insert({{"read 112", "4"},
+                    {"read 136", "2"},
+                    {"read 122", "ab-12"},
+                    {"read 138", "100 ohm"},
+                    {"read 140", "1.0 mA"},
+                    {"read 142", "0.25"},
+                    {"read 225", "68"},
+                    {"read 209", "25.5"},
+                    {"read 205", "NONE"},
+                    {"read 207", "NONE"},
+                    {"read 130", "RATIO"}});
+    for (int id = 211; id <= 261; id += 2) {
+      replies.try_emplace("read " + std::to_string(id), std::to_string(id) + ".5");
+    }
+  }
+
+  // The exchanges behind the conversion type, one word each: "id", fields.
+  std::string ValuesRead(const std::string& type) {
+    host_.script.replies["read 130"] = type;
+    host_.log.Clear();
+    EXPECT_TRUE(channel_.QueryProbeInfo(4));
+    std::string reads = host_.log.Only({"read"});
+    return reads.substr(reads.find("read 130 Probe=4\n") + 17);
+  }
+
+  template <class Settings>
+  Settings& SettingsAs() {
+    return dynamic_cast<Settings&>(*channel_.Probe()->Conversion().Settings());
+  }
+
+  CTestHost host_;
+  CVaneT312BPRTTHRMChannel& channel_ = FirstScannerChannel();
+
+ private:
+  CVaneT312BPRTTHRMChannel& FirstScannerChannel() {
+    host_.ConnectWith(true);
+    return *host_.instrument->GetChannelReference(3);
+  }
+};
+
+constexpr char kOpen[] = "progress\nattach none\ninvisible\nbusy on\n";
+constexpr char kClose[] = "finish\nrelease\nbusy off\n";
+constexpr char kRecord[] =
+    "start Reading probe 4 information... 20\nread 122 Probe=4\nstep\nread 138 Probe=4\nstep\n"
+    "read 140 Probe=4\nstep\nread 142 Probe=4\nstep\nCheckNonAscii off\nread 130 Probe=4\n"
+    "CheckNonAscii on\nstep\nhide\n";
+
+TEST_F(ChannelRead, AWholeChannelRunsUnderOneReporterInAnother) {
+  test::CTestWindow window;
+  EXPECT_TRUE(channel_.QueryInfo(&window));
+  const std::string open = "progress\nattach window\nvisible\nbusy on\n";
+  EXPECT_EQ(host_.log.Text(), open +
+                                  "start Reading scanner channel 1 settings... 100\n"
+                                  "read 112 Channel=1\nstep\nhide\n" +
+                                  open + kRecord + kClose + kClose);
+  EXPECT_EQ(channel_.ProbeIndex(), 4);
+  EXPECT_EQ(channel_.Probe()->SerialNumber(), "AB-12");
+  EXPECT_EQ(channel_.ProbeRefResistor(), ET312BProbeRefResistor::PRR_100_OHM);
+  EXPECT_EQ(channel_.ProbeCurrent(), 1.0);
+  EXPECT_EQ(channel_.Probe3WireOffset(), 0.25);
+  EXPECT_EQ(channel_.Probe()->ConversionType(), EVaneConversionType::CONV_RATIO);
+
+  host_.log.Clear();
+  EXPECT_TRUE(host_.instrument->GetChannelReference(2)->QueryInfo());
+  EXPECT_EQ(host_.log.Only({"start Reading channel", "read 136", "read 122"}),
+            "start Reading channel 2 settings... 100\nread 136 Channel=2\nread 122 Probe=2\n");
+}
+
+TEST_F(ChannelRead, ReferenceResistorsAreTakenFromAnyReply) {
+  const struct {
+    const char* reply;
+    int resistor;
+  } rows[] = {{"10 KOHM", 4}, {"100 OHM", 3}, {"10 OHM", 2},     {"1 OHM", 1},
+              {"100 ohm", 3}, {"ext", 0},     {"NEXT 1 OHM", 0}, {"10 KOHM EXT", 0},
+              {"1OHM", -1},   {"", -1},       {"110 OHM", 2},    {"1.1 OHM", 1}};
+  for (const auto& row : rows) {
+    host_.script.replies["read 138"] = row.reply;
+    EXPECT_TRUE(channel_.QueryRefResistor(7));
+    EXPECT_EQ(static_cast<int>(channel_.ProbeRefResistor()), row.resistor) << row.reply;
+  }
+  host_.script.replies["read 140"] = "none";
+  EXPECT_TRUE(channel_.QueryCurrent(7));
+  EXPECT_EQ(channel_.ProbeCurrent(), 0);
+}
+
+TEST_F(ChannelRead, ConversionTypesAndRangesAreTakenFromAnyReply) {
+  const struct {
+    const char* reply;
+    int type;
+  } types[] = {{"ITS-90", 0},        {"IPTS-68", 1},
+               {"CVD", 2},           {"THRM-R(T)", 6},
+               {"THRM-T(R)", 5},     {"POLYNOMIAL", 4},
+               {"R(\xCE\xA9)", 10},  {"W(T90)", 14},
+               {"ratio", 15},        {"", -1},
+               {"W(T90) ITS-90", 0}, {"its-90", 0},
+               {"RATIO R(", 10},     {"THRM-X R(T)", 10},
+               {"POLY", -1},         {"CVD ITS-90", 0}};
+  for (const auto& row : types) {
+    host_.script.replies["read 130"] = row.reply;
+    EXPECT_TRUE(channel_.QueryConversionType(0));
+    EXPECT_EQ(static_cast<int>(channel_.Probe()->ConversionType()), row.type) << row.reply;
+  }
+  const struct {
+    const char* reply;
+    int low;
+    int high;
+  } ranges[] = {{"1 (", 1, -1},
+                {"5 (-38 TO 29C)", 5, -1},
+                {"11 (", 1, 11},
+                {"10 (", -1, 10},
+                {"6 (0 TO 961C)", -1, 6},
+                {"9 (", -1, 9},
+                {"12 (", 2, -1},
+                {"16 (", -1, 6},
+                {"3(", -1, -1},
+                {"0 (", -1, -1},
+                {"", -1, -1},
+                {"5 ( 1 (", 1, -1}};
+  for (const auto& row : ranges) {
+    host_.script.replies["read 205"] = host_.script.replies["read 207"] = row.reply;
+    ValuesRead("ITS-90");
+    EXPECT_EQ(SettingsAs<CITS90Settings>().LowRange().Range(), row.low) << row.reply;
+    EXPECT_EQ(SettingsAs<CITS90Settings>().HighRange().Range(), row.high) << row.reply;
+  }
+}
+
+TEST_F(ChannelRead, TheConversionTypeOfTheAssignedProbeNeedsItsNumberFirst) {
+  EXPECT_TRUE(channel_.QueryConversionType());
+  EXPECT_TRUE(channel_.QueryConversionType(0));
+  EXPECT_EQ(host_.log.Only({"read"}), "read 112 Channel=1\nread 130 Probe=4\nread 130 Probe=0\n");
+}
+
+TEST_F(ChannelRead, TheCheckForNonAsciiIsOffForTheConversionTypeAlone) {
+  CVaneCOMPort& port = host_.instrument->Communications()->COMPort();
+  for (const bool before : {true, false}) {
+    port.SetCheckNonAscii(before);
+    bool during = true;
+    host_.script.beforeexchange = [&] { during = port.CheckNonAscii(); };
+    EXPECT_TRUE(channel_.QueryConversionType(1));
+    EXPECT_FALSE(during);
+    EXPECT_EQ(port.CheckNonAscii(), before);
+    host_.script.beforeexchange = nullptr;
+  }
+  port.SetCheckNonAscii(true);
+  host_.script.silent.insert("read 130");
+  EXPECT_EQ(CTestHost::ErrorOf([&] { channel_.QueryConversionType(1); }).Source(),
+            "CVaneT312BPRTTHRMChannel - QueryConversionType");
+  EXPECT_FALSE(port.CheckNonAscii());
+}
+
+TEST_F(ChannelRead, SequencesReadTheirValuesInOrder) {
+  EXPECT_EQ(ValuesRead("CVD"),
+            "read 243 Probe=4\nread 245 Probe=4\nread 247 Probe=4\nread 249 Probe=4\n");
+  EXPECT_EQ(SettingsAs<CCVDSettings>().Coefficients(3), 249.5);
+  EXPECT_EQ(ValuesRead("IPTS-68"),
+            "read 225 Probe=4\nread 229 Probe=4\nread 231 Probe=4\nread 233 Probe=4\n"
+            "read 239 Probe=4 Range=4\nread 241 Probe=4 Range=4\n");
+  EXPECT_EQ(SettingsAs<CIPTS68Settings>().Coefficients(4), 241.5);
+  EXPECT_EQ(ValuesRead("W(T90)"), "read 209 Probe=4\n");
+  EXPECT_EQ(SettingsAs<CWT90Settings>().RTPW(), 25.5);
+  EXPECT_EQ(host_.log.Only({"start Reading W"}), "start Reading W(T90) coefficients... 100\n");
+  for (const char* none : {"R(", "RATIO", "?"}) EXPECT_EQ(ValuesRead(none), "") << none;
+}
+
+TEST_F(ChannelRead, TheScaleOfIPTS68IsOneOfTwoOrOff) {
+  const struct {
+    const char* reply;
+    int scale;
+    bool enabled;
+  } rows[] = {
+      {"68", 1, true}, {"90 68", 0, true}, {"", 0, false}, {"IPTS-68", 1, true}, {"48", 1, false}};
+  for (const auto& row : rows) {
+    host_.script.replies["read 225"] = row.reply;
+    ValuesRead("IPTS-68");
+    EXPECT_EQ(SettingsAs<CIPTS68Settings>().IPTS68Scale(), row.scale) << row.reply;
+    EXPECT_EQ(SettingsAs<CIPTS68Settings>().ScaleEnabled(), row.enabled) << row.reply;
+  }
+}
+
+TEST_F(ChannelRead, SeriesReadEveryCoefficientUnderItsIndex) {
+  const struct {
+    const char* type;
+    const char* id;
+    int count;
+    const char* start;
+  } rows[] = {{"THRM-T(R)", "259", 4, "start Reading Thermistor T(R) coefficients... 25"},
+              {"THRM-R(T)", "257", 4, "start Reading Thermistor R(T) coefficients... 25"},
+              {"POLYNOMIAL", "261", 11, "start Reading Polynomial coefficients... 9.09091"}};
+  for (const auto& row : rows) {
+    std::string reads;
+    for (int i = 0; i < row.count; ++i) {
+      const std::string command =
+          std::string("read ") + row.id + " Probe=4 Index=" + std::to_string(i);
+      host_.script.replies[command] = std::to_string(i) + "E-3";
+      reads += command + "\n";
+    }
+    EXPECT_EQ(ValuesRead(row.type), reads);
+    EXPECT_EQ(host_.log.Count(row.start), 1u);
+    EXPECT_EQ(SettingsAs<CThermistorSettings>().Coefficients(row.count - 1),
+              (row.count - 1) * 1e-3);
+  }
+}
+
+// The coefficients that each subrange has, as the ids and indexes that are read.
+TEST_F(ChannelRead, EverySubrangeReadsItsOwnCoefficients) {
+  const std::string subranges[] = {
+      "",
+      "211 213 215.1 215.2 215.3 215.4 215.5 ",
+      "211 213 215.1 215.2 215.3 ",
+      "211 213 215.1 ",
+      "211 213 ",
+      "211 213 ",
+      "217 219 221 223 ",
+      "217 219 221 ",
+      "217 219 ",
+      "217 219 ",
+      "217 ",
+      "217 ",
+  };
+  for (int n = 1; n <= 11; ++n) {
+    const std::string number = std::to_string(n);
+    host_.script.replies["read 205"] = n <= 5 ? number + " (" : "";
+    host_.script.replies["read 207"] = n > 5 ? number + " (" : "";
+    std::string expected = "read 209 Probe=4\nread 205 Probe=4\nread 207 Probe=4\n";
+    std::istringstream ids(subranges[n]);
+    for (std::string id; ids >> id;) {
+      const bool indexed = id.size() > 3;
+      expected += "read " + id.substr(0, 3) + " Probe=4";
+      if (id != "223") expected += " Range=" + number;
+      if (indexed) expected += " Index=" + id.substr(4);
+      expected += "\n";
+    }
+    EXPECT_EQ(ValuesRead("ITS-90"), expected) << n;
+  }
+}
+
+TEST_F(ChannelRead, AProbeWithoutRangesReadsNoneUnlessItsComponentCountsPlaces) {
+  ValuesRead("ITS-90");
+  EXPECT_EQ(host_.log.Only({"start"}),
+            "start Reading probe 4 information... 20\nstart Reading ITS-90 coefficients... "
+            "33.3333\n");
+  auto& low = dynamic_cast<test::CFakeRange&>(SettingsAs<CITS90Settings>().LowRange());
+  low.countsalways = true;
+  ValuesRead("ITS-90");
+  EXPECT_EQ(host_.log.Only({"start Reading low"}),
+            "start Reading low range coefficients... 14.2857\n");
+}
+
+TEST_F(ChannelRead, AWalkKeepsTheCoefficientsBehindItsEnd) {
+  host_.script.replies["read 205"] = "4 (";
+  ValuesRead("ITS-90");
+  auto& low = SettingsAs<CITS90Settings>().LowRange();
+  low.SetCoefficients(2, 9);
+  ValuesRead("ITS-90");
+  EXPECT_EQ(low.Coefficients(0), 211.5);
+  EXPECT_EQ(low.Coefficients(1), 213.5);
+  EXPECT_EQ(low.Coefficients(2), 9);
+}
+
+// What the user sees of a whole channel read that stops at each step or at each exchange in turn.
+class StoppedRead : public ChannelRead {
+ protected:
+  void Prepare(const std::string& type) {
+    host_.script.replies["read 130"] = type;
+    host_.script.replies["read 205"] = "5 (";
+    host_.script.replies["read 207"] = "10 (";
+    channel_.QueryInfo();
+    Reset();
+  }
+  void Reset() {
+    host_.log.Clear();
+    host_.steps = 0;
+    host_.script.exchanges = 0;
+  }
+  std::string Boxes() const {
+    std::string boxes;
+    std::istringstream lines(host_.log.Only({"box"}));
+    for (std::string line; std::getline(lines, line);) {
+      boxes += line.substr(line.find(": ") + 2) + "\n";
+    }
+    return boxes;
+  }
+};
+
+constexpr char kAborted[] = "Aborted querying information.\n";
+constexpr char kWholeFailed[] = "Failed to successfully query '3 probe index'.\n";
+constexpr char kTypeFailed[] = "Failed to successfully query 'Conversion type'.\n";
+
+TEST_F(StoppedRead, AnAbortIsToldWhereItHappensAndByEveryRunAroundIt) {
+  const std::string whole = kWholeFailed;
+  const std::string type = kTypeFailed + whole;
+  const struct {
+    const char* type;
+    std::vector<std::string> boxes;  // by the step at which the user stops
+  } rows[] = {
+      {"CVD",
+       {kAborted, kAborted + whole, kAborted + whole, kAborted + whole, kAborted + whole,
+        kAborted + whole, kAborted + type, kAborted + type, kAborted + type, kAborted + type, ""}},
+      // A range that is stopped leaves the word to the conversion around it.
+      {"ITS-90",
+       {kAborted, kAborted + whole, kAborted + whole, kAborted + whole, kAborted + whole,
+        kAborted + whole, kAborted + type, kAborted + type, kAborted + type,
+        "Failed to successfully query 'low range coefficients'.\n" + type,
+        "Failed to successfully query 'low range coefficients'.\n" + type, kAborted + type,
+        "Failed to successfully query 'high range coefficients'.\n" + type, kAborted + type, ""}},
+      {"THRM-R(T)",
+       {kAborted, kAborted + whole, kAborted + whole, kAborted + whole, kAborted + whole,
+        kAborted + whole, kAborted + type, kAborted + type, kAborted + type, kAborted + type, ""}},
+  };
+  for (const auto& row : rows) {
+    Prepare(row.type);
+    for (std::size_t step = 1; step <= row.boxes.size(); ++step) {
+      Reset();
+      host_.abortat = step;
+      const bool last = step == row.boxes.size();
+      EXPECT_EQ(channel_.QueryInfo(), last) << row.type << " " << step;
+      EXPECT_EQ(Boxes(), row.boxes[step - 1]) << row.type << " " << step;
+      EXPECT_EQ(host_.log.Count("progress"), host_.log.Count("finish"));
+      EXPECT_EQ(host_.log.Lines().back(), "busy off");
+    }
+    EXPECT_EQ(host_.steps, row.boxes.size() - 1) << row.type;
+    host_.abortat.reset();
+  }
+}
+
+TEST_F(StoppedRead, AnErrorOfTheRecordClimbsAndLeavesReporterAndBusyCursorToTheBox) {
+  Prepare("CVD");
+  for (std::size_t failing = 1; failing <= 6; ++failing) {
+    Reset();
+    host_.script.failat = failing;
+    const LibraryError error = CTestHost::ErrorOf([&] { channel_.QueryInfo(); });
+    EXPECT_EQ(error.Number(), kLineError);
+    EXPECT_EQ(error.Source(), "CVaneT312BPRTTHRMChannel - QueryInfo");
+    EXPECT_EQ(error.HelpFile(), "");
+    EXPECT_EQ(host_.log.Only({"finish", "busy off", "box"}), "") << failing;
+    const std::string end =
+        failing == 1 ? "hide\nrelease\n" : "hide\nhide\nrelease\nhide\nrelease\n";
+    EXPECT_EQ(host_.log.Only({"hide", "release"}), end) << failing;
+  }
+  host_.script.failat.reset();
+  host_.script.silent.insert("read 140");
+  EXPECT_EQ(CTestHost::ErrorOf([&] { channel_.QueryCurrent(1); }).Source(),
+            "CVaneT312BPRTTHRMChannel - QueryCurrent");
+  EXPECT_EQ(CTestHost::ErrorOf([&] { channel_.QueryProbeInfo(1); }).Source(),
+            "CVaneT312BPRTTHRMChannel - QueryProbeInfo");
+}
+
+TEST_F(StoppedRead, AnErrorOfAConversionIsShownThereAndReportedAsFailedByEveryRunAround) {
+  const auto shown = [](const std::string& name, const std::string& operation) {
+    return "An error occurred while attempting to query '" + name +
+           "'.//Error: 4711 - No answer/(CVaneT312BPRTTHRMChannel - " + operation + ")\n";
+  };
+  const std::string low = "Failed to successfully query 'low range coefficients'.\n";
+  const std::string high = "Failed to successfully query 'high range coefficients'.\n";
+  const struct {
+    const char* type;
+    std::vector<std::string> boxes;  // by the exchange that fails, from the conversion's first
+  } rows[] = {
+      {"CVD",
+       {shown("CVD R0", "QueryCVDR0"), shown("CVD ALPHA", "QueryCVDALPHA"),
+        shown("CVD DELTA", "QueryCVDDELTA"), shown("CVD BETA", "QueryCVDBETA")}},
+      {"IPTS-68",
+       {shown("IPTS-68 scale", "QueryIPTS68Scale"), shown("IPTS-68 R0", "QueryIPTS68R0"),
+        shown("IPTS-68 ALPHA", "QueryIPTS68ALPHA"), shown("IPTS-68 DELTA", "QueryIPTS68DELTA"),
+        shown("IPTS-68 A4", "QueryIPTS68A4"), shown("IPTS-68 C4", "QueryIPTS68C4")}},
+      {"W(T90)", {shown("W(T90) RTPW", "QueryITS90RTPW")}},
+      {"ITS-90",
+       {shown("ITS-90 RTPW", "QueryITS90RTPW"), shown("low range", "QueryITS90LowRange"),
+        shown("high range", "QueryITS90HighRange"),
+        shown("low range coefficients", "QueryITS90LowRangeACoefficient") + low,
+        shown("low range coefficients", "QueryITS90LowRangeBCoefficient") + low,
+        shown("high range coefficients", "QueryITS90HighRangeACoefficient") + high}},
+      {"THRM-T(R)",
+       {shown("0", "QueryThermistorTRCoefficient"), shown("1", "QueryThermistorTRCoefficient")}},
+      {"POLYNOMIAL", {shown("0", "QueryPOLYCoefficient"), shown("1", "QueryPOLYCoefficient")}},
+  };
+  for (const auto& row : rows) {
+    Prepare(row.type);
+    for (std::size_t i = 0; i < row.boxes.size(); ++i) {
+      Reset();
+      host_.script.failat = 7 + i;
+      EXPECT_FALSE(channel_.QueryInfo());
+      EXPECT_EQ(Boxes(), row.boxes[i] + kTypeFailed + kWholeFailed) << row.type << " " << i;
+      EXPECT_EQ(host_.log.Count("progress"), host_.log.Count("finish")) << row.type << " " << i;
+      EXPECT_EQ(host_.log.Lines().back(), "busy off");
+    }
+    host_.script.failat.reset();
+  }
+}
+
+TEST_F(StoppedRead, AModuleReadsEveryChannelWholeWhateverComesOfThem) {
+  Prepare("RATIO");
+  host_.abortat = 1;
+  EXPECT_TRUE(host_.instrument->Modules(0)->QueryInfo(nullptr, true));
+  EXPECT_EQ(Boxes(), kAborted);
+  EXPECT_EQ(host_.log.Only({"start", "read 1"}),
+            "start Reading channel 1 settings... 100\nread 136 Channel=1\n"
+            "start Reading channel 2 settings... 100\nread 136 Channel=2\n"
+            "start Reading probe 2 information... 20\nread 122 Probe=2\nread 138 Probe=2\n"
+            "read 140 Probe=2\nread 142 Probe=2\nread 130 Probe=2\n");
+}
+
+}  // namespace
+}  // namespace vane

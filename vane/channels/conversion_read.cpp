@@ -1,0 +1,281 @@
+// The conversion of a probe, read value by value.
+#include <span>
+#include <string>
+
+#include "vane/channels/channel.h"
+#include "vane/channels/conversion_table.h"
+#include "vane/channels/settings_of.h"
+#include "vane/support/exchange.h"
+#include "vane/support/failure.h"
+#include "vane/support/long_run.h"
+#include "vane/support/messages.h"
+#include "vane/support/numbers.h"
+#include "vane/support/text_table.h"
+#include "vane/support/texts.h"
+
+namespace vane {
+namespace {
+
+struct CodeRow {
+  std::string_view text;
+  std::int32_t code;
+};
+
+// Searched from the top: the reply for R(T) also holds the mark of a resistance.
+constexpr CodeRow kConversionTypes[] = {
+    {"ITS-90", 0},     {"IPTS-68", 1}, {"CVD", 2},     {"THRM-R(T)", 6}, {"THRM-T(R)", 5},
+    {"POLYNOMIAL", 4}, {"R(", 10},     {"W(T90)", 14}, {"RATIO", 15},
+};
+
+constexpr CodeRow kLowRanges[] = {{"1 (", 1}, {"2 (", 2}, {"3 (", 3}, {"4 (", 4}, {"5 (", 5}};
+constexpr CodeRow kHighRanges[] = {{"6 (", 6}, {"7 (", 7},   {"8 (", 8},
+                                   {"9 (", 9}, {"10 (", 10}, {"11 (", 11}};
+
+// The code of the first text that occurs anywhere in `reply`; -1 for none.
+std::int32_t CodeIn(std::string_view reply, std::span<const CodeRow> rows) {
+  for (const CodeRow& row : rows) {
+    if (Contains(reply, row.text)) return row.code;
+  }
+  return -1;
+}
+
+void ReadRange(CITS90Range& range, std::string_view reply, std::span<const CodeRow> rows) {
+  range.SetRange(CodeIn(reply, rows));
+}
+
+}  // namespace
+
+bool CVaneT312BPRTTHRMChannel::QueryConversionType(std::int16_t prbidx) {
+  return Labelled(kClassName, "QueryConversionType", [&] {
+    CVaneCommunications& line = Line();
+    if (prbidx == -1) {
+      if (!QueryProbeIndex()) return false;
+      prbidx = ProbeIndex();
+    }
+    SetFields(line, {{&CommandParams::Probe, std::to_string(prbidx)}});
+    // The reply may hold the sign for ohms. A failed read leaves the check off.
+    CVaneCOMPort& port = line.COMPort();
+    const bool kept = port.CheckNonAscii();
+    port.SetCheckNonAscii(false);
+    const std::string reply = UpperCase(line.ReadSetting(READ_CONVERSION_TYPE));
+    port.SetCheckNonAscii(kept);
+    SetConversionType(static_cast<EVaneConversionType>(CodeIn(reply, kConversionTypes)));
+    return true;
+  });
+}
+
+bool CVaneT312BPRTTHRMChannel::Query(std::string_view operation, std::int32_t id,
+                                     std::int16_t prbidx,
+                                     const std::function<void(const std::string&)>& store,
+                                     std::string_view range, std::string_view index) {
+  return Labelled(kClassName, "Query" + std::string(operation), [&] {
+    store(UpperCase(Read(Line(), id,
+                         {{&CommandParams::Probe, std::to_string(prbidx)},
+                          {&CommandParams::Range, std::string(range)},
+                          {&CommandParams::Index, std::string(index)}})));
+    return true;
+  });
+}
+
+bool CVaneT312BPRTTHRMChannel::QueryNumber(std::string_view operation, std::int32_t id,
+                                           std::int16_t prbidx,
+                                           const std::function<void(double)>& store,
+                                           std::string_view range, std::string_view index) {
+  return Query(
+      operation, id, prbidx, [&](const std::string& reply) { store(NumberFromText(reply)); }, range,
+      index);
+}
+
+// --- The forms ---
+
+bool CVaneT312BPRTTHRMChannel::QuerySequence(std::string_view name, double share, ui::CWindow* frm,
+                                             const std::function<bool(CLongRun&)>& steps) {
+  return RunLong(components_, kConversionReadRun, frm, [&](CLongRun& run) {
+    run.Start(SubstituteParams(ResourceText(120), name), share);
+    return steps(run);
+  });
+}
+
+bool CVaneT312BPRTTHRMChannel::QueryRange(const RangeWalk& walk, std::int16_t prbidx,
+                                          ui::CWindow* frm) {
+  const std::string name = ResourceText(walk.coefficientsname);
+  return AtBoundary([&] { return SubstituteParams(ResourceText(109), name); },
+                    [&] {
+                      CITS90Range& range = (SettingsOf<CITS90Settings>(*probe_).*walk.range)();
+                      if (range.NumCoefficients() <= 0) return true;
+                      return RunLong(
+                          components_, kRangeReadRun, frm,
+                          [&](CLongRun& run) {
+                            run.Start(
+                                SubstituteParams(ResourceText(120), ResourceText(walk.rangename)),
+                                PercentShare(range.NumCoefficients()));
+                            const std::int32_t subrange = range.Range();
+                            if (subrange == kNoRange) return true;
+                            const std::string number = std::to_string(ToInteger(subrange));
+                            for (const RangeRow& row : walk.rows) {
+                              if (subrange < row.lowest || subrange > row.highest) return true;
+                              const auto read = [&] {
+                                return QueryNumber(
+                                    row.operation, row.readid, prbidx,
+                                    [&](double value) { range.SetCoefficients(row.place, value); },
+                                    row.sendsrange ? number : std::string(), row.index);
+                              };
+                              if (!run.Step({name, read})) return false;
+                            }
+                            return true;
+                          },
+                          name);
+                    });
+}
+
+bool CVaneT312BPRTTHRMChannel::QuerySeries(const SeriesRow& series, std::int16_t prbidx,
+                                           ui::CWindow* frm) {
+  return RunLong(
+      components_, kConversionReadRun, frm,
+      [&](CLongRun& run) {
+        auto& settings = SettingsOf<CThermistorSettings>(*probe_);
+        run.Start(SubstituteParams(ResourceText(120), series.name),
+                  PercentShare(settings.NumCoefficients()));
+        for (std::int32_t index = 0; index < settings.NumCoefficients(); ++index) {
+          const std::string number = std::to_string(index);
+          const auto read = [&] {
+            return QueryNumber(
+                series.operation, series.readid, prbidx,
+                [&](double value) { settings.SetCoefficients(index, value); }, {}, number);
+          };
+          if (!run.Step({number, read})) return false;
+        }
+        return true;
+      },
+      "0");
+}
+
+// --- The conversions ---
+
+bool CVaneT312BPRTTHRMChannel::QueryCoefficients(std::int16_t prbidx, ui::CWindow* frm) {
+  switch (probe_->ConversionType()) {
+    using enum EVaneConversionType;
+    case CONV_ITS90:
+      return QueryITS90Coefficients(prbidx, frm);
+    case CONV_IPTS68:
+      return QueryIPTS68Coefficients(prbidx, frm);
+    case CONV_CVD:
+      return QueryCVDCoefficients(prbidx, frm);
+    case CONV_POLYNOMIAL:
+      return QueryPOLYCoefficients(prbidx, frm);
+    case CONV_THERMISTOR_TR:
+      return QueryThermistorTRCoefficients(prbidx, frm);
+    case CONV_THERMISTOR_RT:
+      return QueryThermistorRTCoefficients(prbidx, frm);
+    case CONV_WT90:
+      return QueryWT90Coefficients(prbidx, frm);
+    default:
+      return true;
+  }
+}
+
+bool CVaneT312BPRTTHRMChannel::QueryCVDCoefficients(std::int16_t prbidx, ui::CWindow* frm) {
+  return QuerySequence("CVD", PercentShare(4), frm,
+                       [&](CLongRun& run) { return QueryCoefficientRows(run, kCVDRows, prbidx); });
+}
+
+bool CVaneT312BPRTTHRMChannel::QueryIPTS68Coefficients(std::int16_t prbidx, ui::CWindow* frm) {
+  return QuerySequence("IPTS-68", PercentShare(6), frm, [&](CLongRun& run) {
+    return run.Step({"IPTS-68 scale", [&] { return QueryIPTS68Scale(prbidx); }}) &&
+           QueryCoefficientRows(run, kIPTS68Rows, prbidx);
+  });
+}
+
+bool CVaneT312BPRTTHRMChannel::QueryWT90Coefficients(std::int16_t prbidx, ui::CWindow* frm) {
+  return QuerySequence("W(T90)", PercentShare(1), frm, [&](CLongRun& run) {
+    return run.Step({"W(T90) RTPW", [&] { return QueryITS90RTPW(prbidx); }});
+  });
+}
+
+bool CVaneT312BPRTTHRMChannel::QueryITS90Coefficients(std::int16_t prbidx, ui::CWindow* frm) {
+  return QuerySequence("ITS-90", PercentShare(3), frm, [&](CLongRun& run) {
+    const bool values = run.Steps({
+        {"ITS-90 RTPW", [&] { return QueryITS90RTPW(prbidx); }},
+        {ResourceText(152), [&] { return QueryITS90LowRange(prbidx); }},
+        {ResourceText(153), [&] { return QueryITS90HighRange(prbidx); }},
+    });
+    if (!values) return false;
+    run.Hide();  // the ranges have reporters of their own
+    return run.Steps({
+        {ResourceText(154), [&] { return QueryITS90LowRangeCoefficients(prbidx, frm); }},
+        {ResourceText(155), [&] { return QueryITS90HighRangeCoefficients(prbidx, frm); }},
+    });
+  });
+}
+
+bool CVaneT312BPRTTHRMChannel::QueryITS90LowRangeCoefficients(std::int16_t prbidx,
+                                                              ui::CWindow* frm) {
+  return QueryRange(kLowRangeWalk, prbidx, frm);
+}
+
+bool CVaneT312BPRTTHRMChannel::QueryITS90HighRangeCoefficients(std::int16_t prbidx,
+                                                               ui::CWindow* frm) {
+  return QueryRange(kHighRangeWalk, prbidx, frm);
+}
+
+bool CVaneT312BPRTTHRMChannel::QueryThermistorTRCoefficients(std::int16_t prbidx,
+                                                             ui::CWindow* frm) {
+  return QuerySeries(kThermistorTR, prbidx, frm);
+}
+
+bool CVaneT312BPRTTHRMChannel::QueryThermistorRTCoefficients(std::int16_t prbidx,
+                                                             ui::CWindow* frm) {
+  return QuerySeries(kThermistorRT, prbidx, frm);
+}
+
+bool CVaneT312BPRTTHRMChannel::QueryPOLYCoefficients(std::int16_t prbidx, ui::CWindow* frm) {
+  return QuerySeries(kPolynomial, prbidx, frm);
+}
+
+// --- The values ---
+
+bool CVaneT312BPRTTHRMChannel::QueryCoefficientRows(CLongRun& run,
+                                                    std::span<const CoefficientRow> rows,
+                                                    std::int16_t prbidx) {
+  for (const CoefficientRow& row : rows) {
+    const auto read = [&] {
+      return QueryNumber(
+          row.operation, row.readid, prbidx,
+          [&](double value) {
+            SettingsOf<CCVDSettings>(*probe_).SetCoefficients(row.index, value);
+          },
+          row.range);
+    };
+    if (!run.Step({std::string(row.stepname), read})) return false;
+  }
+  return true;
+}
+
+bool CVaneT312BPRTTHRMChannel::QueryIPTS68Scale(std::int16_t prbidx) {
+  return Query("IPTS68Scale", READ_IPTS68_SCALE, prbidx, [&](const std::string& reply) {
+    auto& settings = SettingsOf<CIPTS68Settings>(*probe_);
+    const bool scale90 = Contains(reply, "90");
+    const bool known = scale90 || Contains(reply, "68");
+    if (known) settings.SetIPTS68Scale(scale90 ? 0 : 1);
+    settings.SetScaleEnabled(known);
+  });
+}
+
+bool CVaneT312BPRTTHRMChannel::QueryITS90RTPW(std::int16_t prbidx) {
+  return QueryNumber("ITS90RTPW", READ_ITS90_RTPW, prbidx,
+                     [&](double value) { SettingsOf<CWT90Settings>(*probe_).SetRTPW(value); });
+}
+
+bool CVaneT312BPRTTHRMChannel::QueryITS90LowRange(std::int16_t prbidx) {
+  return Query("ITS90LowRange", READ_ITS90_LOW_RANGE, prbidx, [&](const std::string& reply) {
+    ReadRange(SettingsOf<CITS90Settings>(*probe_).LowRange(), reply, kLowRanges);
+  });
+}
+
+bool CVaneT312BPRTTHRMChannel::QueryITS90HighRange(std::int16_t prbidx) {
+  return Query("ITS90HighRange", READ_ITS90_HIGH_RANGE, prbidx, [&](const std::string& reply) {
+    ReadRange(SettingsOf<CITS90Settings>(*probe_).HighRange(), reply, kHighRanges);
+  });
+}
+
+}  // namespace vane
