@@ -1,0 +1,35 @@
+// The commands of the program. Each has a file of its own, which adds the command's name, options
+// and help to the parser; a new one needs that file and a line here.
+#pragma once
+
+#include <array>
+#include <functional>
+
+#include "apps/thermoscribe/exit_codes.h"
+
+namespace CLI {
+class App;
+}
+
+namespace vane {
+
+class CHost;
+
+/// Does the work of a command, on a host that is not connected yet. Failures that the user has not
+/// been told of are raised.
+using CommandBody = std::function<EExitCode(CHost& host)>;
+
+/// Adds one command to `program`; when the user gives it, `chosen` becomes what it does. `chosen`
+/// outlives the parsing.
+using AddCommand = void(CLI::App& program, CommandBody& chosen);
+
+AddCommand AddPorts;
+AddCommand AddIdentify;
+AddCommand AddChannels;
+AddCommand AddMeasure;
+
+/// In the order of the help.
+inline constexpr std::array<AddCommand*, 4> kCommands = {AddPorts, AddIdentify, AddChannels,
+                                                         AddMeasure};
+
+}  // namespace vane

@@ -1,0 +1,95 @@
+#include "apps/thermoscribe/host.h"
+
+#include <iostream>
+#include <utility>
+
+#include "adapters/conversions/probe.h"
+#include "adapters/files/registry.h"
+#include "adapters/terminal/terminal_output.h"
+#include "adapters/terminal/terminal_progress.h"
+#include "vane/support/failure.h"
+#include "vane/support/text_table.h"
+#include "vane/support/texts.h"
+
+namespace vane {
+
+std::unique_ptr<CVaneCommunications> CHostFactory::MakeCommunications() {
+  return std::make_unique<CSerialCommunications>(line_);
+}
+
+std::unique_ptr<CVaneProbe> CHostFactory::MakeProbe() {
+  return std::make_unique<CThermometerProbe>();
+}
+
+std::unique_ptr<CVaneProgress> CHostFactory::MakeProgress() {
+  return std::make_unique<CTerminalProgress>(interrupts_);
+}
+
+CHost::CHost(HostOptions options)
+    : options_(std::move(options)),
+      platform_(interrupts_),
+      line_(std::make_shared<LineSettings>()),
+      factory_(line_, interrupts_),
+      components_{platform_, factory_},
+      installed_(components_),
+      instrument_(components_),
+      output_(std::cout, options_.json) {
+  platform_.SetInterruptHandler([this] { instrument_.CancelWait(); });
+  // There is no help viewer to send the user to.
+  instrument_.SetHelpFile({});
+}
+
+EExitCode CHost::Connect() {
+  line_->timeout = options_.timeout;
+  if (!options_.tracefile.empty()) line_->trace = std::make_shared<CFileTrace>(options_.tracefile);
+  if (options_.simulated) {
+    simulated_ = std::make_unique<simulator::CSimulatedLine>(*options_.simulated);
+    simulated_->Start();
+    line_->devices[EVanePortNumber::PORT_1] = simulated_->Path();
+  } else if (!options_.port.empty()) {
+    line_->devices[EVanePortNumber::PORT_1] = options_.port;
+  }
+  instrument_.SetRegistry(
+      std::make_shared<CConfigRegistry>([](const std::string& trouble) { ShowMessage(trouble); }));
+  instrument_.InitializeCommunications({}, EVanePortNumber::PORT_1, options_.baud);
+
+  // The run below would tell of each exchange that fails on a dead line; one message is enough.
+  if (!instrument_.InitializeCommunicationSettings()) return ExitCodeOfLine(LastFailure().number);
+  if (instrument_.QueryChannelInfo()) return EExitCode::DONE;
+  if (instrument_.Identification().empty()) {
+    Say(LastFailure().description);
+    return ExitCodeOfLine(LastFailure().number);
+  }
+  return Contains(instrument_.Identification(), kReadoutModel) ? EExitCode::ABORTED
+                                                               : EExitCode::WRONG_MODEL;
+}
+
+EExitCode CHost::ReportFailure(const std::string& action) {
+  ShowError(action, kCompanyName, {}, 0);
+  const std::int32_t number = PendingError().Number();
+  if (number == ERR_INVALID_CHANNEL) {
+    Say("The readout has the channels 1 to " + std::to_string(instrument_.NumChannels()) + ".");
+    return EExitCode::USAGE;
+  }
+  // An error that isn't the line's own says nothing about the line, whatever happened there before.
+  if (number != ERR_MEASUREMENT && number != LastFailure().number) return EExitCode::FAILED;
+  const EExitCode code = ExitCodeOfLine(LastFailure().number);
+  if (number == ERR_MEASUREMENT) Say(CauseOfNoReading(code));
+  return code;
+}
+
+std::string CHost::CauseOfNoReading(EExitCode code) const {
+  const auto& [number, description] = LastFailure();
+  if (number == 0) {
+    return "No new reading came in time. Check that measuring is on (\"thermoscribe measure "
+           "--start\"); --limit allows more time.";
+  }
+  if (code != EExitCode::REFUSED) return description;
+  return "The readout refused (number " + std::to_string(number) + "): " + description;
+}
+
+void CHost::Say(const std::string& text) {
+  WriteToTerminal(2, PrintableText("thermoscribe: " + text) + "\n");
+}
+
+}  // namespace vane

@@ -1,0 +1,91 @@
+// The host program's side of the library: the terminal as the platform, the serial line or a
+// simulated readout at its end, and the instrument object on top.
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "adapters/serial/serial_communications.h"
+#include "adapters/terminal/interrupts.h"
+#include "adapters/terminal/terminal_platform.h"
+#include "apps/thermoscribe/exit_codes.h"
+#include "apps/thermoscribe/output.h"
+#include "simulator/line_server.h"
+#include "vane/components/components.h"
+#include "vane/instrument/t312b.h"
+
+namespace vane {
+
+/// The options that every command takes.
+struct HostOptions {
+  std::string port;  ///< device path; empty: the first serial port of the machine
+  std::optional<simulator::Options> simulated;
+  EVaneBaudRate baud = EVaneBaudRate::BR_9600;
+  std::chrono::milliseconds timeout{1000};
+  std::string tracefile;  ///< empty: no trace
+  bool json = false;
+};
+
+/// Makes what the library's operations need for themselves.
+class CHostFactory final : public CComponentFactory {
+ public:
+  CHostFactory(std::shared_ptr<LineSettings> line, CInterrupts& interrupts)
+      : line_(std::move(line)), interrupts_(interrupts) {}
+
+  std::unique_ptr<CVaneCommunications> MakeCommunications() override;
+  std::unique_ptr<CVaneProbe> MakeProbe() override;
+  std::unique_ptr<CVaneProgress> MakeProgress() override;
+
+ private:
+  std::shared_ptr<LineSettings> line_;
+  CInterrupts& interrupts_;
+};
+
+/// One object per process, on the main thread. From its making on, Ctrl-C ends a wait of the
+/// library and raises `IsInterrupted`, and nothing more.
+class CHost {
+ public:
+  explicit CHost(HostOptions options);
+  CHost(const CHost&) = delete;
+  CHost& operator=(const CHost&) = delete;
+
+  /// Opens the line, proves the instrument and finds out its modules and channels. When the result
+  /// is not `DONE` the user has been told why.
+  EExitCode Connect();
+
+  /// Use it after `Connect`.
+  CVaneT312B& Instrument() { return instrument_; }
+  COutput& Output() { return output_; }
+
+  /// True once the user has pressed Ctrl-C, from then on.
+  bool IsInterrupted() const { return interrupts_.Pending(); }
+
+  /// The latest exchange; number 0 when it went well.
+  const LineFailure& LastFailure() const { return line_->lastfailure; }
+
+  /// To be called inside a catch: shows the pending error once, with the failure of the line behind
+  /// it where the error itself doesn't name that. `action` completes "An error occurred while".
+  EExitCode ReportFailure(const std::string& action);
+
+  /// A line for the user on standard error.
+  static void Say(const std::string& text);
+
+ private:
+  std::string CauseOfNoReading(EExitCode code) const;
+
+  HostOptions options_;
+  CInterrupts interrupts_;
+  CTerminalPlatform platform_;
+  std::shared_ptr<LineSettings> line_;
+  CHostFactory factory_;
+  const Components components_;
+  CInstalledComponents installed_;
+  std::unique_ptr<simulator::CSimulatedLine> simulated_;
+  CVaneT312B instrument_;
+  COutput output_;
+};
+
+}  // namespace vane
