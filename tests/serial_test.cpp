@@ -11,7 +11,6 @@
 #include <functional>
 #include <mutex>
 #include <optional>
-#include <regex>
 #include <thread>
 #include <vector>
 
@@ -130,8 +129,9 @@ class CRecordedTrace final : public CLineTrace {
  public:
   // Tags are random, and check values follow from them.
   void Record(ETraceMark mark, std::string_view text) override {
-    std::string line = std::regex_replace(std::string(text), std::regex("^#.{4}"), "#tag");
-    line = std::regex_replace(line, std::regex("\\*[0-9A-F]{4}$"), "*C");
+    std::string line(text);
+    if (line.starts_with('#')) line.replace(1, 4, "tag");
+    if (line.size() > 5 && line[line.size() - 5] == '*') line.replace(line.size() - 4, 4, "C");
     log += "><-"[static_cast<int>(mark)] + (" " + EscapedText(line)) + "\n";
   }
   std::string log;
@@ -416,11 +416,14 @@ TEST(LineTrace, FileGetsOneFinishedLinePerRecord) {
   trace.Record(ETraceMark::RECEIVED, "\x07\\\xD9");
   CFileTrace(path).Record(ETraceMark::NOTE, "no answer");
   std::ifstream file(path);
-  const std::string time = R"(\d{4}-\d\d-\d\d \d\d:\d\d:\d\d\.\d{3}Z )";
-  for (const char* rest : {R"(> #1A2B ID\?\*5D0E)", R"(< \\x07\\\\\\xD9)", "- no answer"}) {
+  for (const char* rest : {"> #1A2B ID?*5D0E", "< \\x07\\\\\\xD9", "- no answer"}) {
     std::string line;
     std::getline(file, line);
-    EXPECT_TRUE(std::regex_match(line, std::regex(time + rest))) << line;
+    ASSERT_GT(line.size(), 24u);
+    for (std::size_t i = 0; i < 24; ++i) {
+      if (line[i] >= '0' && line[i] <= '9') line[i] = 'd';
+    }
+    EXPECT_EQ(line, "dddd-dd-dd dd:dd:dd.dddZ " + std::string(rest));
   }
   EXPECT_THROW(CFileTrace((folder / "none" / "trace").string()), LibraryError);
 }

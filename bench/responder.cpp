@@ -1,0 +1,88 @@
+#include "bench/responder.h"
+
+#include <pty.h>
+#include <signal.h>
+#include <sys/prctl.h>
+#include <sys/wait.h>
+#include <termios.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <optional>
+#include <string_view>
+#include <system_error>
+
+#include "protocol/framing.h"
+
+namespace vane::bench {
+namespace {
+
+[[noreturn]] void Fail(const char* what) {
+  throw std::system_error(errno, std::generic_category(), what);
+}
+
+std::string_view ValueOf(std::string_view command) {
+  if (command.starts_with("MEASURE ")) return "231.40625178";
+  if (command == "ID?") return "T312B, 5.03";
+  if (command == "SCANNER:MODULES?") return "0";
+  if (command == "CHANNEL:COUNT?") return "2";
+  return "";
+}
+
+void Answer(int line, std::string_view text) {
+  const std::optional<protocol::FramedLine> command = protocol::ParseLine(text);
+  if (!command) return;
+  std::string answer =
+      protocol::FrameLine(command->tag, protocol::ValueBody(ValueOf(command->body)));
+  answer += protocol::kLineEnd;
+  if (write(line, answer.data(), answer.size()) < 0) _exit(1);
+}
+
+[[noreturn]] void Serve(int line) {
+  std::array<char, 4096> bytes;
+  std::string text;
+  for (;;) {
+    const ssize_t count = read(line, bytes.data(), bytes.size());
+    if (count <= 0) _exit(0);
+    for (const char c : std::string_view(bytes.data(), static_cast<std::size_t>(count))) {
+      if (c == '\r' || c == '\n') {
+        Answer(line, text);
+        text.clear();
+      } else {
+        text += c;
+      }
+    }
+  }
+}
+
+}  // namespace
+
+CResponder::CResponder() {
+  int far = -1;
+  termios raw{};
+  cfmakeraw(&raw);
+  raw.c_cflag |= CREAD | CLOCAL;
+  raw.c_cc[VMIN] = 1;
+  std::array<char, 128> path;
+  if (openpty(&far, &near_, nullptr, &raw, nullptr) != 0) Fail("openpty");
+  if (ttyname_r(near_, path.data(), path.size()) != 0) Fail("ttyname_r");
+  path_ = path.data();
+
+  process_ = fork();
+  if (process_ < 0) Fail("fork");
+  if (process_ == 0) {
+    prctl(PR_SET_PDEATHSIG, SIGKILL);
+    close(near_);
+    Serve(far);
+  }
+  close(far);
+}
+
+CResponder::~CResponder() {
+  kill(process_, SIGKILL);
+  waitpid(process_, nullptr, 0);
+  close(near_);
+}
+
+}  // namespace vane::bench

@@ -1,0 +1,418 @@
+// The programs as a user runs them: `thermoscribe` against `thermoscribe-sim`, each a process of
+// its own.
+
+#include <fcntl.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <pty.h>
+#include <signal.h>
+#include <sys/file.h>
+#include <sys/wait.h>
+#include <termios.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <memory>
+#include <nlohmann/json.hpp>
+#include <regex>
+#include <sstream>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+namespace {
+
+using nlohmann::json;
+using testing::ContainsRegex;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+using testing::StartsWith;
+using Arguments = std::vector<std::string>;
+
+constexpr unsigned kPatience = 20;  // s; a program that hangs longer ends by a signal
+
+struct Outcome {
+  int exitcode = -1;  // -1: ended by a signal
+  std::string out;
+  std::string err;
+};
+
+std::vector<std::string> Lines(const std::string& text) {
+  std::vector<std::string> lines;
+  std::istringstream stream(text);
+  for (std::string line; std::getline(stream, line);) lines.push_back(line);
+  return lines;
+}
+
+Arguments Words(const std::string& text) {
+  std::istringstream stream(text);
+  return {std::istream_iterator<std::string>(stream), {}};
+}
+
+std::vector<json> JsonLines(const std::string& text) {
+  std::vector<json> objects;
+  for (const std::string& line : Lines(text)) objects.push_back(json::parse(line));
+  return objects;
+}
+
+// A program that runs; it is killed and waited for if nobody has waited for its end.
+class CProcess {
+ public:
+  CProcess(const std::string& program, Arguments arguments) {
+    int out[2];
+    int err[2];
+    if (pipe2(out, O_CLOEXEC) != 0 || pipe2(err, O_CLOEXEC) != 0) std::abort();
+    arguments.insert(arguments.begin(), program);
+    std::vector<char*> argv;
+    for (std::string& argument : arguments) argv.push_back(argument.data());
+    argv.push_back(nullptr);
+    pid_ = fork();
+    if (pid_ == 0) {
+      alarm(kPatience);
+      dup2(out[1], STDOUT_FILENO);
+      dup2(err[1], STDERR_FILENO);
+      execv(argv[0], argv.data());
+      _exit(127);
+    }
+    close(out[1]);
+    close(err[1]);
+    out_ = out[0];
+    err_ = err[0];
+  }
+  ~CProcess() {
+    if (pid_ > 0) {
+      Signal(SIGKILL);
+      waitpid(pid_, nullptr, 0);
+    }
+    close(out_);
+    close(err_);
+  }
+  CProcess(const CProcess&) = delete;
+  CProcess& operator=(const CProcess&) = delete;
+
+  void Signal(int signal) const { kill(pid_, signal); }
+
+  // The next line of its output; empty at its end.
+  std::string ReadLine() const {
+    std::string line;
+    for (char c = 0; read(out_, &c, 1) == 1 && c != '\n';) line += c;
+    return line;
+  }
+
+  Outcome Wait() {
+    Outcome outcome;
+    outcome.out = ReadAll(out_);
+    outcome.err = ReadAll(err_);
+    int status = 0;
+    waitpid(pid_, &status, 0);
+    pid_ = 0;
+    if (WIFEXITED(status)) outcome.exitcode = WEXITSTATUS(status);
+    return outcome;
+  }
+
+ private:
+  static std::string ReadAll(int fd) {
+    std::string text;
+    char block[4096];
+    for (ssize_t size = 0; (size = read(fd, block, sizeof block)) > 0;) {
+      text.append(block, static_cast<std::size_t>(size));
+    }
+    return text;
+  }
+
+  pid_t pid_ = 0;
+  int out_ = -1;
+  int err_ = -1;
+};
+
+class Cli : public testing::Test {
+ protected:
+  void SetUp() override {
+    std::string pattern = (std::filesystem::temp_directory_path() / "cli_test.XXXXXX").string();
+    folder_ = mkdtemp(pattern.data());
+    setenv("XDG_CONFIG_HOME", (folder_ / "config").c_str(), 1);
+    setenv("LC_ALL", "C", 1);
+  }
+  void TearDown() override {
+    simulator_.reset();
+    std::filesystem::remove_all(folder_);
+  }
+
+  void StartSimulator(const std::string& options = {}) {
+    simulator_.reset();
+    simulator_ =
+        std::make_unique<CProcess>(THERMOSCRIBE_SIM_PATH, Words(options + " --link " + Port()));
+    if (!simulator_->ReadLine().starts_with("/dev/")) throw std::runtime_error("no simulator");
+  }
+
+  std::string Port() const { return folder_ / "readout"; }
+  std::string TraceFile() const { return folder_ / "trace"; }
+
+  Arguments OnPort(const std::string& command, const std::string& port) const {
+    return Words(command + " --timeout 0.1 --trace " + TraceFile() + " --port " + port);
+  }
+  static Outcome Run(const Arguments& arguments) {
+    return CProcess(THERMOSCRIBE_PATH, arguments).Wait();
+  }
+  Outcome Ask(const std::string& command) const { return Run(OnPort(command, Port())); }
+
+  std::string Trace() const {
+    std::ifstream file(TraceFile());
+    return {std::istreambuf_iterator<char>(file), {}};
+  }
+
+  // The value of the answer that came last, as it stood on the line.
+  std::string LastAnswer() const {
+    std::string value;
+    const std::string trace = Trace();
+    const std::regex answer(R"(< #[0-9A-F]{4} =(.*)\*[0-9A-F]{4}\n)");
+    for (std::sregex_iterator at(trace.begin(), trace.end(), answer), end; at != end; ++at) {
+      value = (*at)[1];
+    }
+    return value;
+  }
+
+  std::filesystem::path folder_;
+  std::unique_ptr<CProcess> simulator_;
+};
+
+TEST_F(Cli, IdentifiesEveryKindOfReadout) {
+  const std::string inputs = R"({"number":0,"model":"T312B","numchannels":2})";
+  const std::string both = inputs + R"(,{"number":1,"model":"M420","numchannels":10})";
+  const struct {
+    std::string simulator;
+    std::string firmware;
+    std::string recent;
+    std::string numchannels;
+    std::string modules;
+  } cases[] = {
+      {"", "5.03", "true", "12", both},
+      {"--no-scanner", "5.03", "true", "2", inputs},
+      {"--firmware 5.02", "5.02", "false", "12", both},
+      {"--firmware 5.02 --no-scanner", "5.02", "false", "2", inputs},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.simulator);
+    StartSimulator(c.simulator);
+    const Outcome outcome = Ask("identify --json");
+    EXPECT_EQ(outcome.exitcode, 0);
+    EXPECT_THAT(outcome.err, IsEmpty());
+    EXPECT_EQ(outcome.out, R"({"version":1,"kind":"identification","model":"T312B","firmware":)" +
+                               c.firmware + R"(,"minfirmware":5.03,"firmwarerecent":)" + c.recent +
+                               R"(,"identification":"T312B, )" + c.firmware +
+                               R"(","numchannels":)" + c.numchannels + R"(,"modules":[)" +
+                               c.modules + "]}\n");
+    EXPECT_THAT(Ask("identify").out,
+                HasSubstr(c.recent == "true" ? "5.03 (recent enough" : "5.02 (older than 5.03"));
+  }
+}
+
+TEST_F(Cli, ListsEachChannelWithItsNumbers) {
+  const std::string head = R"({"version":1,"kind":"channel","channel":)";
+  StartSimulator();
+  const std::vector<std::string> objects = Lines(Ask("channels --json").out);
+  ASSERT_EQ(objects.size(), 12u);
+  EXPECT_EQ(objects[0], head + R"(1,"name":"Input 1","module":0,"modulemodel":"T312B",)"
+                               R"("modulechannel":1,"index":0,"scanstep":null,"enabled":false,)"
+                               R"("probe":1})");
+  EXPECT_EQ(objects[1], head + R"(2,"name":"Input 2","module":0,"modulemodel":"T312B",)"
+                               R"("modulechannel":2,"index":1,"scanstep":0,"enabled":true,)"
+                               R"("probe":2})");
+  EXPECT_EQ(objects[11], head + R"(12,"name":"Scanner 10","module":1,"modulemodel":"M420",)"
+                                R"("modulechannel":10,"index":9,"scanstep":10,"enabled":true,)"
+                                R"("probe":12})");
+
+  const std::vector<std::string> lines = Lines(Ask("channels").out);
+  ASSERT_EQ(lines.size(), 13u);
+  EXPECT_THAT(lines[1], ContainsRegex("^ +1 +Input 1 +0 +T312B +1 +0 +- +no +1$"));
+  EXPECT_THAT(lines[12], ContainsRegex("^ +12 +Scanner 10 +1 +M420 +10 +9 +10 +yes +12$"));
+  for (const std::string& line : lines) EXPECT_EQ(line.size(), lines[0].size()) << line;
+}
+
+TEST_F(Cli, GivesAReadingWithAllTheDigitsOfTheLine) {
+  StartSimulator();
+  for (const std::string channel : {"1", "2", "3", "12"}) {
+    SCOPED_TRACE(channel);
+    const Outcome outcome = Ask("measure --json --channel " + channel);
+    EXPECT_EQ(outcome.exitcode, 0);
+    const json object = json::parse(outcome.out);
+    EXPECT_EQ(object["channel"], std::stoi(channel));
+    EXPECT_THAT(LastAnswer(), Not(IsEmpty()));
+    EXPECT_EQ(object["reading"].get<double>(), std::stod(LastAnswer()));
+    EXPECT_THAT(object["time"].get<std::string>(),
+                testing::MatchesRegex(
+                    "[0-9]{4}-[0-9]{2}-[0-9]{2}T[0-9:]{8}\\.[0-9]{3}[+-][0-9]{2}:[0-9]{2}"));
+    const Outcome text = Ask("measure --channel " + channel);
+    const std::string line = Lines(text.out).at(0);
+    EXPECT_EQ(line.substr(line.rfind(' ') + 1), LastAnswer());
+    EXPECT_THAT(line, HasSubstr("  " + object["name"].get<std::string>() + " "));
+  }
+  // Input 1 carries the scanner.
+  EXPECT_EQ(json::parse(Ask("measure --json").out)["channel"], 2);
+}
+
+TEST_F(Cli, SwitchesMeasuringOffAndOn) {
+  StartSimulator();
+  EXPECT_THAT(Ask("measure --stop").out, HasSubstr("off"));
+  EXPECT_EQ(Ask("measure").exitcode, 0);  // takes what was new before
+  const Outcome none = Ask("measure --new --limit 0");
+  EXPECT_EQ(none.exitcode, 1);
+  EXPECT_THAT(none.out, IsEmpty());
+  EXPECT_THAT(none.err, HasSubstr("No new reading came in time"));
+  EXPECT_THAT(Ask("--json measure --start").out, HasSubstr(R"("on":true)"));
+  EXPECT_EQ(Lines(Ask("measure --new --count 2").out).size(), 2u);
+}
+
+// The sixth exchange is the first reading; a command is sent twice at most.
+TEST_F(Cli, TellsEachFailureByItsExitCodeAndATextAndPrintsNoValue) {
+  const struct {
+    std::string simulator;
+    int exitcode;
+    std::string text;
+  } cases[] = {
+      {"--fault at=6:drop --fault at=7:drop", 4, "No answer"},
+      {"--fault at=6:late=0.4 --fault at=7:late=0.4", 4, "No answer"},
+      {"--fault at=6:garble --fault at=7:garble", 8, "garbled"},
+      {"--fault at=6:hangup", 8, "lost"},
+      {"--fault at=6:refuse", 6, "Unable to successfully query measurement."},
+      {"--fault at=1:refuse", 6, "attempting to initialize communications"},
+      {"--fault at=1:drop --fault at=2:drop", 4, "attempting to initialize"},
+      {"--fault at=3:drop --fault at=4:drop", 4, "No answer"},
+      {"--model T999", 5, "is not a model 'T312B'"},
+      {"--no-scanner", 2, "Invalid channel index"},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.simulator);
+    StartSimulator(c.simulator);
+    const Outcome outcome = Ask("measure --channel 3");
+    EXPECT_EQ(outcome.exitcode, c.exitcode);
+    EXPECT_THAT(outcome.out, IsEmpty());
+    EXPECT_THAT(outcome.err, HasSubstr(c.text));
+    EXPECT_THAT(Lines(outcome.err).back(), StartsWith("thermoscribe: "));  // what to do next
+  }
+}
+
+TEST_F(Cli, RecoversFromASingleDamageOnTheLine) {
+  for (const std::string fault : {"drop", "garble", "split", "late=0.15", "delay=0.05"}) {
+    SCOPED_TRACE(fault);
+    StartSimulator("--fault at=6:" + fault);
+    const Outcome outcome = Ask("measure --channel 3 --count 3 --json");
+    EXPECT_EQ(outcome.exitcode, 0) << outcome.err;
+    const std::vector<json> readings = JsonLines(outcome.out);
+    ASSERT_EQ(readings.size(), 3u);
+    EXPECT_EQ(readings[2]["reading"].get<double>(), std::stod(LastAnswer()));
+    EXPECT_NEAR(readings[0]["reading"], readings[2]["reading"], 0.1);
+  }
+}
+
+TEST_F(Cli, TakesNoLateAnswerForTheAnswerToTheNextCommand) {
+  // The number of modules comes while the reading is awaited, and before it.
+  StartSimulator("--fault at=5:late=0.15 --fault at=7:delay=0.08");
+  const Outcome outcome = Ask("measure --channel 2 --json");
+  EXPECT_EQ(outcome.exitcode, 0) << outcome.err;
+  EXPECT_THAT(Trace(), HasSubstr("late answer, skipped"));
+  const double reading = json::parse(outcome.out)["reading"];
+  const double again = json::parse(Ask("measure --channel 2 --json").out)["reading"];
+  EXPECT_NEAR(reading, again, 0.1);
+}
+
+TEST_F(Cli, TellsWhatIsWrongWithThePort) {
+  EXPECT_EQ(Run(OnPort("identify", folder_ / "nothing")).exitcode, 3);
+
+  int near = -1;
+  int far = -1;
+  char path[64];
+  ASSERT_EQ(openpty(&near, &far, path, nullptr, nullptr), 0);
+  termios raw{};
+  cfmakeraw(&raw);
+  tcsetattr(far, TCSANOW, &raw);
+  const Outcome silent = Run(OnPort("identify", path));
+  EXPECT_EQ(silent.exitcode, 4);
+  EXPECT_THAT(silent.err, HasSubstr(std::string("No answer from the readout on ") + path));
+  EXPECT_EQ(silent.err.find("Corvane"), silent.err.rfind("Corvane")) << silent.err;  // one box
+
+  ASSERT_EQ(flock(far, LOCK_EX | LOCK_NB), 0);
+  const Outcome taken = Run(OnPort("identify", path));
+  EXPECT_EQ(taken.exitcode, 3);
+  EXPECT_THAT(taken.err, HasSubstr("in use by another program"));
+  close(far);
+  close(near);
+}
+
+TEST_F(Cli, EndsAtOnceOnCtrlCWithEveryFinishedReadingPrinted) {
+  const struct {
+    std::string command;
+    int exitcode;
+  } cases[] = {
+      {"measure --json --count 0 --every 1", 0},
+      {"measure --json --count 0 --every 3600", 0},
+      {"measure --json --count 0", 0},
+      {"measure --json --count 0 --new", 0},
+      {"measure --json --count 100000 --every 1", 7},
+  };
+  StartSimulator();
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.command);
+    CProcess program(THERMOSCRIBE_PATH, OnPort(c.command, Port()));
+    EXPECT_TRUE(json::parse(program.ReadLine()).contains("reading"));
+    const auto pressed = std::chrono::steady_clock::now();
+    program.Signal(SIGINT);
+    const Outcome outcome = program.Wait();
+    EXPECT_LT(std::chrono::steady_clock::now() - pressed, std::chrono::seconds(1));
+    EXPECT_EQ(outcome.exitcode, c.exitcode) << outcome.err;
+    EXPECT_TRUE(outcome.out.empty() || outcome.out.back() == '\n');
+    for (const json& reading : JsonLines(outcome.out)) EXPECT_EQ(reading["kind"], "reading");
+    EXPECT_EQ(outcome.err.empty(), c.exitcode == 0) << outcome.err;
+  }
+}
+
+TEST_F(Cli, RefusesBadUsageBeforeItTouchesAnything) {
+  for (const std::string words :
+       {"", "nonsense", "identify channels", "identify --nonsense", "identify --baud 9601",
+        "identify --timeout 0", "identify --port /dev/x --simulate",
+        "identify --simulate=--nonsense", "measure --channel 0", "measure --channel 13",
+        "measure --count -1", "measure --every 1", "measure --start --stop",
+        "measure --start --count 2"}) {
+    SCOPED_TRACE(words);
+    const Outcome outcome = Run(Words(words));
+    EXPECT_EQ(outcome.exitcode, 2);
+    EXPECT_THAT(outcome.out, IsEmpty());
+    EXPECT_THAT(outcome.err, StartsWith("thermoscribe: "));
+    EXPECT_EQ(Lines(outcome.err).size(), 2u) << outcome.err;
+  }
+}
+
+TEST_F(Cli, HelpNamesEveryCommandAndEachTellsItsOwn) {
+  const Outcome help = Run({"--help"});
+  EXPECT_EQ(help.exitcode, 0);
+  EXPECT_THAT(help.out, HasSubstr("  8  line damaged or lost"));
+  for (const std::string command : {"ports", "identify", "channels", "measure"}) {
+    EXPECT_THAT(help.out, HasSubstr("\n  " + command + " "));
+    const Outcome own = Run({command, "--help"});
+    EXPECT_EQ(own.exitcode, 0);
+    EXPECT_THAT(own.out, HasSubstr("\n  thermoscribe " + command));
+  }
+}
+
+TEST_F(Cli, NeedsNoReadoutForPortsAndNoHardwareForASimulatedOne) {
+  for (const json& port : JsonLines(Run({"ports", "--json"}).out)) {
+    EXPECT_THAT(port["path"].get<std::string>(), StartsWith("/dev/"));
+  }
+  EXPECT_THAT(Run({"ports"}).out, Not(IsEmpty()));
+
+  std::filesystem::create_directory(folder_ / "tmp");
+  setenv("TMPDIR", (folder_ / "tmp").c_str(), 1);
+  EXPECT_EQ(Lines(Run({"--simulate", "channels"}).out).size(), 13u);
+  EXPECT_EQ(JsonLines(Run({"channels", "--json", "--simulate=--no-scanner --seed 3"}).out).size(),
+            2u);
+  EXPECT_EQ(Run({"--simulate=--model T999", "identify"}).exitcode, 5);
+  unsetenv("TMPDIR");
+  EXPECT_TRUE(std::filesystem::is_empty(folder_ / "tmp"));
+}
+
+}  // namespace

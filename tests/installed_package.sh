@@ -1,0 +1,56 @@
+#!/bin/bash
+# Installs the build into an empty place, moves it, and builds the example host against it: as a
+# CMake package and with pkg-config alone. Both programs must read the simulated readout.
+#   installed_package.sh SOURCE_FOLDER BUILD_FOLDER CXX_COMPILER
+set -euo pipefail
+source=$1 build=$2 compiler=$3
+
+work=$(mktemp -d)
+simulator=
+finish() {
+  [ -z "$simulator" ] || { kill "$simulator" && wait "$simulator"; } || true
+  rm -rf "$work"
+}
+trap finish EXIT
+trap 'exit 1' INT TERM
+export XDG_CONFIG_HOME=$work/config
+
+cmake --install "$build" --prefix "$work/installed" > "$work/install.log"
+mv "$work/installed" "$work/moved"
+prefix=$work/moved
+
+stray=$(find "$prefix/include" -type f ! -name '*.h')
+[ -z "$stray" ] || { echo "Installed beside the headers: $stray" >&2; exit 1; }
+[ -s "$prefix/share/man/man1/thermoscribe.1" ] || { echo "No manual page" >&2; exit 1; }
+"$prefix/bin/thermoscribe" --version
+
+cmake -S "$source/examples/minimal_host" -B "$work/by-cmake" -G Ninja \
+  -DCMAKE_PREFIX_PATH="$prefix" -DCMAKE_CXX_COMPILER="$compiler"
+cmake --build "$work/by-cmake"
+
+PKG_CONFIG_PATH=$(dirname "$(find "$prefix" -name VaneT312B.pc)")
+export PKG_CONFIG_PATH
+# The flags are words of a command line.
+# shellcheck disable=SC2046
+"$compiler" -std=c++20 "$source/examples/minimal_host/main.cpp" -o "$work/by-pkg-config" \
+  $(pkg-config --cflags --libs VaneT312B)
+
+"$prefix/bin/thermoscribe-sim" --firmware 5.03 --link "$work/readout" > "$work/device" &
+simulator=$!
+for ((tries = 0; tries < 100; ++tries)); do
+  [ ! -s "$work/device" ] || break
+  sleep 0.1
+done
+
+for program in "$work/by-cmake/minimal_host" "$work/by-pkg-config"; do
+  "$program" "$work/readout" | tee "$work/output"
+  for line in 'T312B, firmware 5\.03' 'Channel 2: Input 2' 'Channel 12: Scanner 10' \
+              'Input 2 reads -?[0-9.]+'; do
+    grep -Eqx -- "$line" "$work/output" || { echo "No line \"$line\"" >&2; exit 1; }
+  done
+done
+
+if "$work/by-pkg-config" "$work/nothing" 2> "$work/output"; then
+  echo "The example succeeds without a readout" >&2
+  exit 1
+fi
