@@ -22,6 +22,7 @@
 #include <sstream>
 #include <stdexcept>
 #include <string>
+#include <thread>
 #include <vector>
 
 namespace {
@@ -175,6 +176,16 @@ class Cli : public testing::Test {
       value = (*at)[1];
     }
     return value;
+  }
+
+  // Whether one of all answers so far was this number.
+  bool AnswersHold(double number) const {
+    const std::string trace = Trace();
+    for (std::size_t at = trace.find(" ="); at != std::string::npos;
+         at = trace.find(" =", at + 1)) {
+      if (std::strtod(trace.c_str() + at + 2, nullptr) == number) return true;
+    }
+    return false;
   }
 
   std::filesystem::path folder_;
@@ -342,6 +353,97 @@ TEST_F(Cli, TellsWhatIsWrongWithThePort) {
   EXPECT_THAT(taken.err, HasSubstr("in use by another program"));
   close(far);
   close(near);
+}
+
+TEST_F(Cli, ReadsEveryProbeOfTheReadoutWhole) {
+  StartSimulator();
+  const struct {
+    int probe;
+    const char* conversion;
+    std::vector<std::string> names;
+  } cases[] = {
+      {1, "ITS-90", {"RTPW", "a4", "b4", "a7", "b7", "c7"}},
+      {2, "ITS-90", {"RTPW", "a6", "b6", "c6", "d"}},
+      {3, "ITS-90", {"RTPW", "a1", "b1", "c1", "c2", "c3", "c4", "c5", "a10"}},
+      {4, "ITS-90", {"RTPW", "a2", "b2", "c1", "c2", "c3", "a9", "b9"}},
+      {5, "ITS-90", {"RTPW", "a3", "b3", "c1", "a8", "b8"}},
+      {6, "ITS-90", {"RTPW", "a5", "b5", "a11"}},
+      {7, "ITS-90", {"RTPW"}},
+      {8, "IPTS-68", {"R0", "alpha", "delta", "a4", "c4"}},
+      {9, "IPTS-68", {"R0", "alpha", "delta", "a4", "c4"}},
+      {10, "Callendar-Van Dusen", {"R0", "alpha", "delta", "beta"}},
+      {11, "Polynomial", {"c0", "c1", "c2", "c3", "c4", "c5", "c6", "c7", "c8", "c9", "c10"}},
+      {12, "T(R)", {"B0", "B1", "B2", "B3"}},
+      {13, "R(T)", {"A0", "A1", "A2", "A3"}},
+      {14, "Ohms", {}},
+      {15, "W(T90)", {"RTPW"}},
+      {16, "Ratio", {}},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.probe);
+    const std::string number = std::to_string(c.probe);
+    const Outcome outcome = Ask("probe --json " + number);
+    EXPECT_EQ(outcome.exitcode, 0);
+    EXPECT_THAT(outcome.err, IsEmpty());
+    const auto record = nlohmann::ordered_json::parse(outcome.out);
+    EXPECT_EQ(record["probe"], c.probe);
+    EXPECT_EQ(record["conversion"], c.conversion);
+    std::vector<std::string> names;
+    for (const auto& [name, value] : record["coefficients"].items()) {
+      names.push_back(name);
+      // The number is the one that stood on the line, digit for digit of its 64 bits.
+      EXPECT_TRUE(AnswersHold(value.get<double>())) << name;
+    }
+    EXPECT_EQ(names, c.names);
+    const std::string text = Ask("probe " + number).out;
+    for (const std::string& name : c.names) EXPECT_THAT(text, HasSubstr("\n  " + name + " "));
+  }
+  const json channel = json::parse(Ask("channel 3 --json").out);
+  EXPECT_EQ(channel["name"], "Scanner 1");
+  EXPECT_EQ(channel["probe"], 3);
+  EXPECT_EQ(channel["serial"], "CAP-1881");
+  EXPECT_EQ(channel["lowrange"], 1);
+  EXPECT_EQ(json::parse(Ask("probe 9 --json").out)["scale"], nullptr);
+  EXPECT_EQ(Ask("channel 13").exitcode, 2);
+  EXPECT_EQ(Ask("probe 17").exitcode, 2);
+  StartSimulator("--no-scanner");
+  EXPECT_EQ(Ask("channel 3").exitcode, 2);
+}
+
+// A line that loses answers may cost a record, but never changes one.
+TEST_F(Cli, ALineThatDropsAnswersGivesTheRightRecordOrAClearError) {
+  const std::string right = Run({"--simulate", "channel", "3", "--json"}).out;
+  int records = 0;
+  int errors = 0;
+  for (const std::string fault : {"every=20:drop", "p=0.2:drop"}) {
+    for (int seed = 1; seed <= 20; ++seed) {
+      const Outcome outcome =
+          Run({"--simulate=--seed " + std::to_string(seed) + " --fault " + fault, "--timeout",
+               "0.02", "channel", "3", "--json"});
+      if (outcome.exitcode == 0) {
+        EXPECT_EQ(outcome.out, right) << fault << " " << seed;
+        ++records;
+      } else {
+        EXPECT_EQ(outcome.exitcode, 4) << fault << " " << seed;
+        EXPECT_THAT(outcome.out, IsEmpty());
+        EXPECT_THAT(outcome.err, HasSubstr("No answer from the readout"));
+        ++errors;
+      }
+    }
+  }
+  EXPECT_GE(records, 20);
+  EXPECT_GE(errors, 5);
+}
+
+TEST_F(Cli, CtrlCStopsAChannelReadBetweenTwoValues) {
+  StartSimulator("--fault every=1:delay=0.04");
+  CProcess program(THERMOSCRIBE_PATH, OnPort("channel 3", Port()));
+  std::this_thread::sleep_for(std::chrono::milliseconds(500));
+  program.Signal(SIGINT);
+  const Outcome outcome = program.Wait();
+  EXPECT_EQ(outcome.exitcode, 7);
+  EXPECT_THAT(outcome.out, IsEmpty());
+  EXPECT_THAT(outcome.err, HasSubstr("Aborted querying information."));
 }
 
 TEST_F(Cli, EndsAtOnceOnCtrlCWithEveryFinishedReadingPrinted) {

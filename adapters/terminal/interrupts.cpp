@@ -57,7 +57,9 @@ CInterrupts::~CInterrupts() {
 bool CInterrupts::Pending() const { return uncleared > 0; }
 
 void CInterrupts::Clear() {
-  if (uncleared.exchange(0) >= kPatience) Handle();
+  const int dealtwith = uncleared.exchange(0);
+  if (dealtwith >= kPatience) Handle();
+  heeded_ = heeded_ || dealtwith > 0;
   TakeArrivals();
 }
 

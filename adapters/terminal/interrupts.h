@@ -30,6 +30,9 @@ class CInterrupts {
   /// The interrupts so far are dealt with. Also ends the bringing back that the third one has done.
   void Clear();
 
+  /// True once `Clear` has dealt with an interrupt: the user has stopped something.
+  bool Heeded() const { return heeded_; }
+
   /// Readable from an interrupt on until `TakeArrivals` or `Clear`, to be given to `poll`.
   int Descriptor() const { return pipe_[0]; }
 
@@ -40,6 +43,7 @@ class CInterrupts {
   void Handle();
   void Restore();
 
+  bool heeded_ = false;
   std::array<int, 2> pipe_{};
   std::array<struct sigaction, 2> former_{};
 };

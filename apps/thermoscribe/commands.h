@@ -27,9 +27,11 @@ AddCommand AddPorts;
 AddCommand AddIdentify;
 AddCommand AddChannels;
 AddCommand AddMeasure;
+AddCommand AddChannel;
+AddCommand AddProbe;
 
 /// In the order of the help.
-inline constexpr std::array<AddCommand*, 4> kCommands = {AddPorts, AddIdentify, AddChannels,
-                                                         AddMeasure};
+inline constexpr std::array kCommands = {AddPorts,   AddIdentify, AddChannels,
+                                         AddMeasure, AddChannel,  AddProbe};
 
 }  // namespace vane

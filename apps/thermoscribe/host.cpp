@@ -64,6 +64,11 @@ EExitCode CHost::Connect() {
                                                                : EExitCode::WRONG_MODEL;
 }
 
+EExitCode CHost::CodeOfStoppedRun() const {
+  if (interrupts_.Heeded() || IsInterrupted()) return EExitCode::ABORTED;
+  return ExitCodeOfLine(LastFailure().number);
+}
+
 EExitCode CHost::ReportFailure(const std::string& action) {
   ShowError(action, kCompanyName, {}, 0);
   const std::int32_t number = PendingError().Number();

@@ -15,6 +15,7 @@
 #include "apps/thermoscribe/output.h"
 #include "simulator/line_server.h"
 #include "vane/components/components.h"
+#include "vane/components/ui.h"
 #include "vane/instrument/t312b.h"
 
 namespace vane {
@@ -27,6 +28,7 @@ struct HostOptions {
   std::chrono::milliseconds timeout{1000};
   std::string tracefile;  ///< empty: no trace
   bool json = false;
+  bool progress = false;
 };
 
 /// Makes what the library's operations need for themselves.
@@ -60,6 +62,12 @@ class CHost {
   CVaneT312B& Instrument() { return instrument_; }
   COutput& Output() { return output_; }
 
+  /// The owner of the display of a long read; null unless the user wants to see one.
+  ui::CWindow* ProgressWindow() { return options_.progress ? &window_ : nullptr; }
+
+  /// Why a run of the library that gave false has ended; the user has been told.
+  EExitCode CodeOfStoppedRun() const;
+
   /// True once the user has pressed Ctrl-C, from then on.
   bool IsInterrupted() const { return interrupts_.Pending(); }
 
@@ -76,7 +84,11 @@ class CHost {
  private:
   std::string CauseOfNoReading(EExitCode code) const;
 
+  // The terminal has no windows; this one stands for it.
+  class CTerminalWindow final : public ui::CWindow {};
+
   HostOptions options_;
+  CTerminalWindow window_;
   CInterrupts interrupts_;
   CTerminalPlatform platform_;
   std::shared_ptr<LineSettings> line_;

@@ -121,6 +121,7 @@ void AddGlobalOptions(CLI::App& program, HostOptions& host, std::string& simulat
                   "append every line that goes over the port to FILE,\n"
                   "with its time")
       ->option_text("FILE");
+  program.add_flag("--progress", host.progress, "show how far a long read is, on a terminal");
   program.add_flag("--json", host.json, "print JSON, one object per line, in place of text");
 }
 

@@ -1,7 +1,7 @@
 #include "tests/support/transcript.h"
 
 #include <algorithm>
-#include <sstream>
+#include <charconv>
 
 #include "tests/support/fake_probe.h"
 #include "vane/support/library_error.h"
@@ -41,9 +41,8 @@ std::string OneLine(std::string text) {
 }  // namespace
 
 std::string Number(double value) {
-  std::ostringstream out;
-  out << value;
-  return out.str();
+  char text[32];
+  return {text, std::to_chars(text, text + sizeof text, value).ptr};
 }
 
 std::string CTranscript::Text() const { return Only({}); }

@@ -1,6 +1,7 @@
 // A channel read whole: the assigned probe, its record, and the values of its conversion.
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <sstream>
 
 #include "tests/support/fake_probe.h"
@@ -169,11 +170,18 @@ TEST_F(ChannelRead, TheCheckForNonAsciiIsOffForTheConversionTypeAlone) {
 TEST_F(ChannelRead, SequencesReadTheirValuesInOrder) {
   EXPECT_EQ(ValuesRead("CVD"),
             "read 243 Probe=4\nread 245 Probe=4\nread 247 Probe=4\nread 249 Probe=4\n");
-  EXPECT_EQ(SettingsAs<CCVDSettings>().Coefficients(3), 249.5);
+  EXPECT_EQ(host_.log.Count("start Reading CVD coefficients... 25"), 1u);
+  for (int i = 0; i < 4; ++i) {
+    EXPECT_EQ(SettingsAs<CCVDSettings>().Coefficients(i), 243.5 + 2 * i);
+  }
   EXPECT_EQ(ValuesRead("IPTS-68"),
             "read 225 Probe=4\nread 229 Probe=4\nread 231 Probe=4\nread 233 Probe=4\n"
             "read 239 Probe=4 Range=4\nread 241 Probe=4 Range=4\n");
-  EXPECT_EQ(SettingsAs<CIPTS68Settings>().Coefficients(4), 241.5);
+  EXPECT_EQ(host_.log.Count("start Reading IPTS-68 coefficients... 16.666666666666668"), 1u);
+  const double ipts68[] = {229.5, 231.5, 233.5, 239.5, 241.5};
+  for (int i = 0; i < 5; ++i) {
+    EXPECT_EQ(SettingsAs<CIPTS68Settings>().Coefficients(i), ipts68[i]);
+  }
   EXPECT_EQ(ValuesRead("W(T90)"), "read 209 Probe=4\n");
   EXPECT_EQ(SettingsAs<CWT90Settings>().RTPW(), 25.5);
   EXPECT_EQ(host_.log.Only({"start Reading W"}), "start Reading W(T90) coefficients... 100\n");
@@ -201,9 +209,10 @@ TEST_F(ChannelRead, SeriesReadEveryCoefficientUnderItsIndex) {
     const char* id;
     int count;
     const char* start;
-  } rows[] = {{"THRM-T(R)", "259", 4, "start Reading Thermistor T(R) coefficients... 25"},
-              {"THRM-R(T)", "257", 4, "start Reading Thermistor R(T) coefficients... 25"},
-              {"POLYNOMIAL", "261", 11, "start Reading Polynomial coefficients... 9.09091"}};
+  } rows[] = {
+      {"THRM-T(R)", "259", 4, "start Reading Thermistor T(R) coefficients... 25"},
+      {"THRM-R(T)", "257", 4, "start Reading Thermistor R(T) coefficients... 25"},
+      {"POLYNOMIAL", "261", 11, "start Reading Polynomial coefficients... 9.090909090909092"}};
   for (const auto& row : rows) {
     std::string reads;
     for (int i = 0; i < row.count; ++i) {
@@ -248,7 +257,19 @@ TEST_F(ChannelRead, EverySubrangeReadsItsOwnCoefficients) {
       if (indexed) expected += " Index=" + id.substr(4);
       expected += "\n";
     }
+    // Each reply tells its command, and each place holds the reply of its own.
+    for (int i = 1; i <= 5; ++i) {
+      host_.script.replies["read 215 Probe=4 Range=" + number + " Index=" + std::to_string(i)] =
+          "215." + std::to_string(i);
+    }
     EXPECT_EQ(ValuesRead("ITS-90"), expected) << n;
+    auto& its90 = SettingsAs<CITS90Settings>();
+    CITS90Range& range = n <= 5 ? its90.LowRange() : its90.HighRange();
+    std::istringstream places(subranges[n]);
+    std::int32_t place = 0;
+    for (double id = 0; places >> id; ++place) {
+      EXPECT_EQ(range.Coefficients(place), id == 215.0 || id != std::floor(id) ? id : id + 0.5);
+    }
   }
 }
 
@@ -256,12 +277,48 @@ TEST_F(ChannelRead, AProbeWithoutRangesReadsNoneUnlessItsComponentCountsPlaces) 
   ValuesRead("ITS-90");
   EXPECT_EQ(host_.log.Only({"start"}),
             "start Reading probe 4 information... 20\nstart Reading ITS-90 coefficients... "
-            "33.3333\n");
+            "33.333333333333336\n");
   auto& low = dynamic_cast<test::CFakeRange&>(SettingsAs<CITS90Settings>().LowRange());
   low.countsalways = true;
   ValuesRead("ITS-90");
   EXPECT_EQ(host_.log.Only({"start Reading low"}),
-            "start Reading low range coefficients... 14.2857\n");
+            "start Reading low range coefficients... 14.285714285714286\n");
+  dynamic_cast<test::CFakeRange&>(SettingsAs<CITS90Settings>().HighRange()).countsalways = true;
+  EXPECT_EQ(ValuesRead("ITS-90"), "read 209 Probe=4\nread 205 Probe=4\nread 207 Probe=4\n");
+  EXPECT_EQ(host_.log.Count("start Reading high range coefficients... 25"), 1u);
+}
+
+TEST_F(ChannelRead, ITS90RunsItsRangesInReportersOfTheirOwn) {
+  host_.script.replies["read 205"] = "";
+  host_.script.replies["read 207"] = "10 (";
+  host_.script.replies["read 130"] = "ITS-90";
+  channel_.QueryInfo();
+  host_.log.Clear();
+  EXPECT_TRUE(channel_.QueryProbeInfo(4));
+  const std::string text = host_.log.Text();
+  EXPECT_EQ(text.substr(text.find("start Reading ITS-90")),
+            "start Reading ITS-90 coefficients... 33.333333333333336\nread 209 Probe=4\nstep\n"
+            "read 205 Probe=4\nstep\nread 207 Probe=4\nstep\nhide\nstep\n" +
+                std::string(kOpen) +
+                "start Reading high range coefficients... 25\nread 217 Probe=4 Range=10\nstep\n"
+                "finish\nrelease\nstep\n" +
+                kClose + kClose);
+}
+
+TEST_F(ChannelRead, AConversionReplacedWhileItIsReadIsAnErrorInItsBox) {
+  for (const char* type : {"POLYNOMIAL", "ITS-90"}) {
+    host_.script.replies["read 205"] = "1 (";
+    ValuesRead(type);
+    host_.log.Clear();
+    int reads = 0;
+    host_.script.beforeexchange = [&] {
+      if (++reads == 10) channel_.SetConversionType(EVaneConversionType::CONV_RATIO);
+    };
+    EXPECT_FALSE(channel_.QueryProbeInfo(4));
+    host_.script.beforeexchange = nullptr;
+    EXPECT_NE(host_.log.Only({"box 16"}).find("Error: 13 - Type mismatch\n"), std::string::npos)
+        << type;
+  }
 }
 
 TEST_F(ChannelRead, AWalkKeepsTheCoefficientsBehindItsEnd) {
@@ -400,10 +457,25 @@ TEST_F(StoppedRead, AnErrorOfAConversionIsShownThereAndReportedAsFailedByEveryRu
       EXPECT_FALSE(channel_.QueryInfo());
       EXPECT_EQ(Boxes(), row.boxes[i] + kTypeFailed + kWholeFailed) << row.type << " " << i;
       EXPECT_EQ(host_.log.Count("progress"), host_.log.Count("finish")) << row.type << " " << i;
+      const std::string end = host_.log.Only({"hide", "busy off", "box 16", "finish", "release"});
+      const std::size_t box = end.find("box 16");
+      ASSERT_GE(box, 14u);
+      EXPECT_EQ(end.substr(box - 14, 14), "hide\nbusy off\n") << row.type << " " << i;
+      EXPECT_EQ(end.substr(end.find('\n', box) + 1, 15), "finish\nrelease\n");
       EXPECT_EQ(host_.log.Lines().back(), "busy off");
     }
     host_.script.failat.reset();
   }
+}
+
+TEST_F(StoppedRead, AModuleStopsAtAChannelWhoseReadRaises) {
+  Prepare("RATIO");
+  host_.script.silent.insert("read 136");
+  const LibraryError error =
+      CTestHost::ErrorOf([&] { host_.instrument->Modules(0)->QueryInfo(nullptr, true); });
+  EXPECT_EQ(error.Source(), "CVaneT312BBaseModule - QueryInfo");
+  EXPECT_EQ(host_.log.Count("read 136 Channel=2"), 0u);
+  EXPECT_EQ(host_.log.Only({"finish", "busy off", "box"}), "");
 }
 
 TEST_F(StoppedRead, AModuleReadsEveryChannelWholeWhateverComesOfThem) {

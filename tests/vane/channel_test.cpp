@@ -220,7 +220,7 @@ TEST_F(ConversionSetUp, SetsFormatsLimitsAndDefaultsInOrder) {
             "IPTS-68.ValueFormat(2)=0.0############\nIPTS-68.ValueFormat(3)=0.0########E-00\n"
             "IPTS-68.ValueFormat(4)=0.0########E-00\nIPTS-68.IPTS68Scale=1\n"
             "IPTS-68.Coefficients(0)=100\nIPTS-68.Coefficients(1)=0.00392597\n"
-            "IPTS-68.Coefficients(2)=1.49633\nIPTS-68.Coefficients(3)=0\n"
+            "IPTS-68.Coefficients(2)=1.496334\nIPTS-68.Coefficients(3)=0\n"
             "IPTS-68.Coefficients(4)=0\n" +
                 end);
   EXPECT_EQ(SetTo(2),

@@ -31,7 +31,8 @@ class Topology : public testing::Test {
 };
 
 constexpr char kHead[] =
-    "progress\nbusy on\nwrite 0\nread 18 mayfail\nstart Reading T312B settings... 33.3333\nstep\n";
+    "progress\nbusy on\nwrite 0\nread 18 mayfail\nstart Reading T312B settings... "
+    "33.333333333333336\nstep\n";
 constexpr char kEnd[] = "finish\nrelease\nbusy off\n";
 constexpr char kAborted[] =
     "hide\nbusy off\nbox 64 Corvane: Aborted querying information.\nfinish\nrelease\nbusy off\n";

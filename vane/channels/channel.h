@@ -166,6 +166,7 @@ class CVaneT312BPRTTHRMChannel {
   bool QueryITS90HighRange(std::int16_t prbidx);
 
   const Components& components_;
+  std::shared_ptr<CVaneRegistry> registry_;  // outlives the probe
   bool changed_ = false;
   bool enabled_ = false;
   std::unique_ptr<CVaneProbe> probe_;
@@ -174,7 +175,6 @@ class CVaneT312BPRTTHRMChannel {
   std::string filepath_;
   CModule* module_ = nullptr;
   CVaneT312B* baseunit_ = nullptr;
-  std::shared_ptr<CVaneRegistry> registry_;
   Tracked<ET312BProbeRefResistor> proberefresistor_{*this};
   Tracked<std::int16_t> probeindex_{*this};
   Tracked<double, OrderedDiffers> probecurrent_{*this};

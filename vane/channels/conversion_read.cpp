@@ -98,50 +98,61 @@ bool CVaneT312BPRTTHRMChannel::QuerySequence(std::string_view name, double share
 
 bool CVaneT312BPRTTHRMChannel::QueryRange(const RangeWalk& walk, std::int16_t prbidx,
                                           ui::CWindow* frm) {
+  // Fetched anew for each value: while the reporter lets events run, a host may give the probe
+  // another conversion.
+  const auto range = [&]() -> CITS90Range& {
+    return (SettingsOf<CITS90Settings>(*probe_).*walk.range)();
+  };
   const std::string name = ResourceText(walk.coefficientsname);
-  return AtBoundary([&] { return SubstituteParams(ResourceText(109), name); },
-                    [&] {
-                      CITS90Range& range = (SettingsOf<CITS90Settings>(*probe_).*walk.range)();
-                      if (range.NumCoefficients() <= 0) return true;
-                      return RunLong(
-                          components_, kRangeReadRun, frm,
-                          [&](CLongRun& run) {
-                            run.Start(
-                                SubstituteParams(ResourceText(120), ResourceText(walk.rangename)),
-                                PercentShare(range.NumCoefficients()));
-                            const std::int32_t subrange = range.Range();
-                            if (subrange == kNoRange) return true;
-                            const std::string number = std::to_string(ToInteger(subrange));
-                            for (const RangeRow& row : walk.rows) {
-                              if (subrange < row.lowest || subrange > row.highest) return true;
-                              const auto read = [&] {
-                                return QueryNumber(
-                                    row.operation, row.readid, prbidx,
-                                    [&](double value) { range.SetCoefficients(row.place, value); },
-                                    row.sendsrange ? number : std::string(), row.index);
-                              };
-                              if (!run.Step({name, read})) return false;
-                            }
-                            return true;
-                          },
-                          name);
-                    });
+  return AtBoundary(
+      [&] { return SubstituteParams(ResourceText(109), name); },
+      [&] {
+        if (range().NumCoefficients() <= 0) return true;
+        return RunLong(
+            components_, kRangeReadRun, frm,
+            [&](CLongRun& run) {
+              run.Start(SubstituteParams(ResourceText(120), ResourceText(walk.rangename)),
+                        PercentShare(range().NumCoefficients()));
+              const std::int32_t subrange = range().Range();
+              if (subrange == kNoRange) return true;
+              const std::string number = std::to_string(ToInteger(subrange));
+              for (const RangeRow& row : walk.rows) {
+                if (subrange < row.lowest || subrange > row.highest) return true;
+                const auto read = [&] {
+                  double value = 0;
+                  const bool done = QueryNumber(
+                      row.operation, row.readid, prbidx, [&](double reply) { value = reply; },
+                      row.sendsrange ? number : std::string(), row.index);
+                  if (done) range().SetCoefficients(row.place, value);
+                  return true;
+                };
+                if (!run.Step({name, read})) return false;
+              }
+              return true;
+            },
+            name);
+      });
 }
 
 bool CVaneT312BPRTTHRMChannel::QuerySeries(const SeriesRow& series, std::int16_t prbidx,
                                            ui::CWindow* frm) {
+  const auto settings = [&]() -> CThermistorSettings& {
+    return SettingsOf<CThermistorSettings>(*probe_);
+  };
   return RunLong(
       components_, kConversionReadRun, frm,
       [&](CLongRun& run) {
-        auto& settings = SettingsOf<CThermistorSettings>(*probe_);
         run.Start(SubstituteParams(ResourceText(120), series.name),
-                  PercentShare(settings.NumCoefficients()));
-        for (std::int32_t index = 0; index < settings.NumCoefficients(); ++index) {
+                  PercentShare(settings().NumCoefficients()));
+        for (std::int32_t index = 0; index < settings().NumCoefficients(); ++index) {
           const std::string number = std::to_string(index);
           const auto read = [&] {
-            return QueryNumber(
-                series.operation, series.readid, prbidx,
-                [&](double value) { settings.SetCoefficients(index, value); }, {}, number);
+            double value = 0;
+            const bool done = QueryNumber(
+                series.operation, series.readid, prbidx, [&](double reply) { value = reply; }, {},
+                number);
+            if (done) settings().SetCoefficients(index, value);
+            return true;
           };
           if (!run.Step({number, read})) return false;
         }

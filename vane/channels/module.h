@@ -77,6 +77,7 @@ class CModule {
 
   const ModuleKind& kind_;
   const Components& components_;
+  std::shared_ptr<CVaneRegistry> registry_;  // outlives the channels
   std::string modulename_;
   std::string model_;
   std::int16_t modulenumber_ = 0;
@@ -85,7 +86,6 @@ class CModule {
   CVaneT312B* baseunit_ = nullptr;
   bool changed_ = false;
   std::string filepath_;
-  std::shared_ptr<CVaneRegistry> registry_;
 };
 
 class CVaneT312BBaseModule final : public CModule {
