@@ -1,6 +1,6 @@
 #include "adapters/serial/line_buffer.h"
 
-#include <algorithm>
+#include <cstring>
 
 namespace vane {
 
@@ -23,8 +23,7 @@ std::optional<ReceivedLine> CLineBuffer::NextLine() {
 }
 
 std::span<char> CLineBuffer::Free() {
-  std::copy(bytes_.begin() + static_cast<std::ptrdiff_t>(begin_),
-            bytes_.begin() + static_cast<std::ptrdiff_t>(end_), bytes_.begin());
+  std::memmove(bytes_.data(), bytes_.data() + begin_, end_ - begin_);
   scan_ -= begin_;
   end_ -= begin_;
   begin_ = 0;

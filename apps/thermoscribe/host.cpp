@@ -55,7 +55,13 @@ EExitCode CHost::Connect() {
 
   // The run below would tell of each exchange that fails on a dead line; one message is enough.
   if (!instrument_.InitializeCommunicationSettings()) return ExitCodeOfLine(LastFailure().number);
-  if (instrument_.QueryChannelInfo()) return EExitCode::DONE;
+  if (instrument_.QueryChannelInfo()) {
+    // A module that could not be made has been told of, and its place is empty.
+    for (std::int16_t idx = 0; idx < instrument_.NumModules(); ++idx) {
+      if (instrument_.Modules(idx) == nullptr) return EExitCode::FAILED;
+    }
+    return EExitCode::DONE;
+  }
   if (instrument_.Identification().empty()) {
     Say(LastFailure().description);
     return ExitCodeOfLine(LastFailure().number);

@@ -151,8 +151,10 @@ std::int32_t CRecordingPlatform::OpenHelp(const std::string& helpfile, std::int3
   return 1;
 }
 
-std::int32_t CFakeRegistry::ReadBoolean(const std::string& name, bool fallback, std::uint32_t,
-                                        const std::string&) {
+std::int32_t CFakeRegistry::ReadBoolean(const std::string& name, bool fallback, std::uint32_t root,
+                                        const std::string& subkey) {
+  asked = std::to_string(root) + "/" + subkey;
+  if (values.contains("fails")) throw LibraryError(kLineError, "registry", "No", "own.hlp", 8);
   const auto value = values.find(name);
   return value != values.end() ? value->second : fallback;
 }

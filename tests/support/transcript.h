@@ -131,6 +131,7 @@ class CFakeRegistry : public CVaneRegistry {
   void SaveFormPlacement(ui::CWindow&, std::int32_t, bool) override {}
 
   std::map<std::string, std::int32_t> values;
+  std::string asked;  ///< root and sub key of the last question
 };
 
 /// Bundle, scope and instrument of one test.

@@ -27,8 +27,8 @@ TEST_F(BringUp, SetsUpThePortInOrderAndSendsNothing) {
   EXPECT_EQ(Initialize("/data"),
             "ReadTries=2\nDataPath=/opt/vane\nInstrumentKind=9\nBaudRate=4\nPortNumber=3\n"
             "AutoClose off\n");
+  EXPECT_EQ(host_.registry->asked, "2147483649/");
   host_.registry->values["COMAutoClose"] = 2;  // any value but 0 is true
-  EXPECT_EQ(host_.log.Count("AutoClose on"), 0u);
   EXPECT_NE(Initialize("").find("AutoClose on"), std::string::npos);
 }
 
@@ -61,6 +61,11 @@ TEST_F(BringUp, WithoutARegistryFailsWithItsArgumentsAndKeepsTheNewLine) {
   EXPECT_EQ(error.Number(), ERR_PLATFORM_CALL);
   EXPECT_EQ(error.HelpFile(), "");
   EXPECT_NE(it_.Communications(), nullptr);
+  host_.registry->values["fails"] = 1;
+  it_.SetRegistry(host_.registry);
+  const LibraryError helped = CTestHost::ErrorOf([&] { it_.InitializeCommunications(); });
+  EXPECT_EQ(helped.Source(), "CVaneT312B - InitializeCommunications(),,1,6");
+  EXPECT_EQ(helped.HelpFile() + std::to_string(helped.HelpContext()), "0");
 }
 
 TEST_F(BringUp, AFailedInitializationIsShownAndGivesFalse) {

@@ -69,7 +69,7 @@ TEST_F(Measurement, EveryFailureOfAReadingIsOneErrorWhateverFailed) {
   check(3, true);
   // A selected channel behind the last one is refused by the scanner's own check, within the trap.
   host_.script.silent.clear();
-  it_.SetSelectedChannel(11);
+  it_.SetSelectedChannel(6);
   host_.script.replies["read 43"] = "5";
   host_.script.replies["read 41"] = "0";
   it_.QueryChannelInfo();
@@ -109,7 +109,9 @@ TEST_F(Measurement, TheHostCanCancelAWaitAtOnceAndMeasureAgain) {
   EXPECT_EQ(CTestHost::ErrorOf([&] { it_.QueryMeasurement(4, true); }).Number(), ERR_MEASUREMENT);
   EXPECT_EQ(passes, 3);
   EXPECT_EQ(host_.log.Count("read 15"), 1u);
-  host_.script.replies["read 15"] = "1";
+  // The next wait is a new one.
+  host_.platform.onqueue = [&] { host_.script.replies["read 15"] = "1"; };
+  host_.platform.passlength = 0;
   EXPECT_EQ(it_.QueryMeasurement(4, true), -35);
 }
 

@@ -44,6 +44,8 @@ TEST(NumberFromText, ReadsTheLeadingNumberInEveryForm) {
       {"-", 0},
       {".", 0},
       {"--5", 0},
+      {"-  5.2", -5.2},
+      {"- ", 0},
       {"+-5", 0},
       {"nan", 0},
       {"inf", 0},
@@ -57,6 +59,8 @@ TEST(NumberFromText, ReadsTheLeadingNumberInEveryForm) {
   };
   for (const auto& row : rows) EXPECT_EQ(NumberFromText(row.text), row.number) << row.text;
   EXPECT_TRUE(std::signbit(NumberFromText("-0")));
+  EXPECT_EQ(NumberFromText("0." + std::string(5000, '0') + "1"), 0);
+  EXPECT_EQ(NumberRaised([] { NumberFromText(std::string(5000, '9')); }), ERR_PLATFORM_OVERFLOW);
   for (const char* huge : {"1e999", "-1e400", "1e99999999"}) {
     EXPECT_EQ(
         CTestHost::ErrorOf([&] { Labelled("a", "b", [&] { NumberFromText(huge); }); }).Number(),

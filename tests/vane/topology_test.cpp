@@ -95,7 +95,10 @@ TEST_F(Topology, OldFirmwareIsProbedForItsScanner) {
 TEST_F(Topology, OldFirmwareWithoutAScannerIsNeverWrittenTo) {
   host_.script.silent.insert("read 104");
   EXPECT_TRUE(Query("5.02"));
-  const std::string probing = "read 18\nReadTries=1\nread 104\nReadTries=2\nstep\n";
+  it_.Communications()->COMPort().SetReadTries(5);
+  host_.log.Clear();
+  EXPECT_TRUE(it_.QueryChannelInfo());
+  const std::string probing = "read 18\nReadTries=1\nread 104\nReadTries=5\nstep\n";
   EXPECT_EQ(host_.log.Text(), std::string(kHead) + probing + probing + kEnd);
   EXPECT_EQ(Counts(), "1/2");
 }
@@ -185,6 +188,13 @@ TEST_F(Topology, TheUserCanStopAfterEachStep) {
   }
 }
 
+TEST_F(Topology, TheFirstAdvanceOfTheReporterAsksNobody) {
+  host_.script.replies = {{"read 41", "0"}, {"read 43", "2"}, {"read 18", "T312B, 5.03"}};
+  host_.Connect();
+  host_.abortat = 1;
+  EXPECT_TRUE(it_.QueryChannelInfo());
+}
+
 TEST_F(Topology, AnotherModelIsRefusedWithItsMessageAndSilenceWithNone) {
   host_.Connect();
   const auto query = [&](const char* id) {
@@ -239,6 +249,12 @@ TEST_F(Topology, IndexesOutsideTheInstrumentAreRefused) {
     EXPECT_EQ(error.Number(), ERR_INVALID_MODULE);
     EXPECT_EQ(error.Source() + error.Description(), "CVaneT312B - ModulesInvalid module index");
   }
+  host_.script.replies["read 43"] = "22";
+  it_.QueryChannelInfo();
+  const LibraryError behind = CTestHost::ErrorOf([&] { it_.GetChannelReference(13); });
+  EXPECT_EQ(behind.Number(), ERR_INVALID_CHANNEL);
+  EXPECT_EQ(behind.Source(), "CVaneT312B - GetChannelReference()");
+  host_.ConnectWith(true);
   it_.SetSelectedChannel(11);
   const LibraryError error = CTestHost::ErrorOf([&] { it_.SetSelectedChannel(12); });
   EXPECT_EQ(error.Number(), ERR_INVALID_CHANNEL);

@@ -196,9 +196,9 @@ class CVaneT312B {
   /// answer with `setprops` only, `Identification` always, also to an empty answer.
   bool QueryIdentification(bool setprops = true);
 
-  /// Whether the firmware is at least `MinFirmwareRequired`. Nothing in the library asks.
-  bool VerifyMinimumFirmware() const { return firmware_ >= MinFirmwareRequired(); }
-  static constexpr double MinFirmwareRequired() { return 5.03; }
+  /// Whether the firmware is at least `MinFirmwareRequired`. For the host.
+  bool VerifyMinimumFirmware() const { return HasRecentFirmware(); }
+  static constexpr double MinFirmwareRequired() { return kRecentFirmware; }
 
   /// The reading of channel `chan`, in the instrument's units; -1 stands for `SelectedChannel`.
   /// With `waitfornew`, waits for a new reading first, up to `NewDataLimit`. Every failure of the
@@ -304,6 +304,10 @@ class CVaneT312B {
   };
 
   static constexpr std::size_t kCalParamPlaces = 6;
+
+  // From this version on the readout counts its channels and modules by itself.
+  static constexpr double kRecentFirmware = 5.03;
+  bool HasRecentFirmware() const { return firmware_ >= kRecentFirmware; }
 
   // The communications component; raises when there is none yet.
   CVaneCommunications& Line() const;

@@ -1,5 +1,6 @@
 #include "vane/support/numbers.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <limits>
@@ -19,8 +20,9 @@ double OutsideDouble(std::string_view number) {
   const auto [end, error] = std::from_chars(number.data(), number.data() + number.size(), wide);
   const std::size_t exponent =
       number.substr(0, static_cast<std::size_t>(end - number.data())).find_first_of("eE");
-  const bool tiny = error == std::errc{} ? std::fabs(wide) < 1
-                                         : exponent != number.npos && number[exponent + 1] == '-';
+  const bool tiny = error == std::errc{}      ? std::fabs(wide) < 1
+                    : exponent != number.npos ? number[exponent + 1] == '-'
+                                              : number.find_first_not_of('0') == number.find('.');
   if (tiny) return 0;
   throw PlatformError(ERR_PLATFORM_OVERFLOW);
 }
@@ -43,7 +45,10 @@ double NumberFromText(std::string_view text) {
   if (start == text.npos) return 0;
   text.remove_prefix(start);
   const bool negative = text.front() == '-';
-  if (negative || text.front() == '+') text.remove_prefix(1);
+  if (negative || text.front() == '+') {
+    text.remove_prefix(1);
+    text.remove_prefix(std::min(text.find_first_not_of(' '), text.size()));
+  }
   // `from_chars` also takes a second sign and the names of what is not a number.
   const std::size_t first = text.starts_with('.') ? 1 : 0;
   if (first >= text.size() || !IsDigit(text[first])) return 0;

@@ -28,7 +28,7 @@ bool CVaneT312B::QueryNumModules() {
     CVaneCommunications& line = Line();
     line.params().ClearAll();
     std::int32_t count = 0;
-    if (VerifyMinimumFirmware()) {
+    if (HasRecentFirmware()) {
       count = ToInteger(NumberFromText(line.ReadSetting(READ_SCANNER_MODULES))) + 1;
     } else {
       line.ReadSetting(READ_IDENTIFICATION);
@@ -44,7 +44,7 @@ bool CVaneT312B::QueryNumChannels() {
     SetNumChannels(0);
     CVaneCommunications& line = Line();
     line.params().ClearAll();
-    if (VerifyMinimumFirmware()) {
+    if (HasRecentFirmware()) {
       SetNumChannels(ToInteger(NumberFromText(line.ReadSetting(READ_CHANNEL_COUNT))));
     } else {
       line.ReadSetting(READ_IDENTIFICATION);
