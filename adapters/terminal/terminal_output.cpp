@@ -6,13 +6,24 @@
 
 namespace vane {
 
+namespace {
+
+bool g_lineopen = false;
+
+}  // namespace
+
 void WriteToTerminal(int fd, std::string_view text) {
+  if (!text.empty()) g_lineopen = text.back() != '\n' && text.back() != '\r';
   while (!text.empty()) {
     const ssize_t written = ::write(fd, text.data(), text.size());
     if (written < 0 && errno == EINTR) continue;
     if (written < 0) return;
     text.remove_prefix(static_cast<std::size_t>(written));
   }
+}
+
+void ClearOpenLine(int fd) {
+  if (g_lineopen && ::isatty(fd)) WriteToTerminal(fd, "\r\x1B[K\r");
 }
 
 std::string PrintableText(std::string_view text) {

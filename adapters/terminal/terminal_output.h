@@ -10,6 +10,10 @@ namespace vane {
 /// are told, so there is no other place for one.
 void WriteToTerminal(int fd, std::string_view text);
 
+/// Takes away what `WriteToTerminal` wrote behind the last line end, such as a progress line; it
+/// is one for the process, like the terminal.
+void ClearOpenLine(int fd);
+
 /// `text` with its line ends (CR, CR LF or LF) as LF, and "?" for every other control character: an
 /// instrument's words must not steer the terminal.
 std::string PrintableText(std::string_view text);

@@ -60,7 +60,7 @@ EBoxButton CTerminalPlatform::MessageBox(const std::string& text, const std::str
   std::string box = BoxHeader(title, flags) + "\n" + text + "\n";
   if (flags & kBoxHelpButton) box += HelpTopic(helpfile, helpcontext);
   // A box may come up while a progress line stands on the screen.
-  if (::isatty(output_)) WriteToTerminal(output_, "\r\x1B[K");
+  ClearOpenLine(output_);
   WriteToTerminal(output_, PrintableText(box));
   return flags & kBoxYesNo ? Ask() : EBoxButton::kOk;
 }
