@@ -335,6 +335,15 @@ TEST_F(Terminal, BoxIsItsText) {
             "Help: VaneT312B.hlp, topic 7\n");
 }
 
+TEST_F(Terminal, ABoxTakesTheProgressLineAway) {
+  CTerminalProgress progress(interrupts, host);
+  progress.Start("Reading", 50);
+  platform.MessageBox("Done.", "Corvane", kBoxInformation, "", 0);
+  platform.MessageBox("Done.", "Corvane", kBoxInformation, "", 0);
+  EXPECT_THAT(Screen(), EndsWith("0%\r\x1B[KCorvane: Information\nDone.\n"
+                                 "Corvane: Information\nDone.\n"));
+}
+
 TEST_F(Terminal, QuestionAsksUntilItIsAnswered) {
   const auto ask = [this] {
     return platform.MessageBox("Write?", "Corvane", kBoxQuestion + kBoxYesNo, "", 0);

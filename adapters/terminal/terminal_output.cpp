@@ -13,7 +13,6 @@ bool g_lineopen = false;
 }  // namespace
 
 void WriteToTerminal(int fd, std::string_view text) {
-  if (!text.empty()) g_lineopen = text.back() != '\n' && text.back() != '\r';
   while (!text.empty()) {
     const ssize_t written = ::write(fd, text.data(), text.size());
     if (written < 0 && errno == EINTR) continue;
@@ -22,8 +21,11 @@ void WriteToTerminal(int fd, std::string_view text) {
   }
 }
 
+void MarkOpenLine(bool open) { g_lineopen = open; }
+
 void ClearOpenLine(int fd) {
-  if (g_lineopen && ::isatty(fd)) WriteToTerminal(fd, "\r\x1B[K\r");
+  if (g_lineopen) WriteToTerminal(fd, "\r\x1B[K");
+  g_lineopen = false;
 }
 
 std::string PrintableText(std::string_view text) {

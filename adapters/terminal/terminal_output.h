@@ -10,8 +10,11 @@ namespace vane {
 /// are told, so there is no other place for one.
 void WriteToTerminal(int fd, std::string_view text);
 
-/// Takes away what `WriteToTerminal` wrote behind the last line end, such as a progress line; it
-/// is one for the process, like the terminal.
+/// Whether a line without its end stands on the terminal, such as a progress line. One for the
+/// process, like the terminal.
+void MarkOpenLine(bool open);
+
+/// Takes that line away, if there is one, so that other text can come up in its place.
 void ClearOpenLine(int fd);
 
 /// `text` with its line ends (CR, CR LF or LF) as LF, and "?" for every other control character: an

@@ -92,6 +92,7 @@ void CTerminalProgress::Refresh(bool now) {
     if (!drawncolumns_) return;
     const std::string blanks(drawncolumns_, ' ');
     WriteToTerminal(output_, '\r' + blanks + '\r');
+    MarkOpenLine(false);
     drawncolumns_ = 0;
     return;
   }
@@ -101,6 +102,7 @@ void CTerminalProgress::Refresh(bool now) {
   const std::size_t columns = Columns(line);
   if (columns < drawncolumns_) line.append(drawncolumns_ - columns, ' ');
   WriteToTerminal(output_, '\r' + line);
+  MarkOpenLine(true);
   drawncolumns_ = columns;
   drawntime_ = time;
 }
