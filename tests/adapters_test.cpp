@@ -466,7 +466,7 @@ TEST_F(Terminal, ClockFollowsTheRegionalFormat) {
 
 TEST_F(Terminal, MachineIsTold) {
   EXPECT_EQ(platform.DecimalSeparator(), ".");
-  EXPECT_TRUE(fs::exists(fs::path(platform.LibraryFolder()) / program_invocation_short_name));
+  EXPECT_TRUE(fs::exists(fs::path(platform.FolderOfLibrary()) / program_invocation_short_name));
   setenv("TMPDIR", "/var/tmp/", 1);
   EXPECT_EQ(platform.TemporaryFolder(), "/var/tmp");
   setenv("TZ", "UTC-5:30", 1);

@@ -134,7 +134,7 @@ std::string CTerminalPlatform::LongTimeText(std::chrono::local_seconds moment) {
   return ClockText(moment, ::nl_langinfo(T_FMT));
 }
 
-std::string CTerminalPlatform::LibraryFolder() {
+std::string CTerminalPlatform::FolderOfLibrary() {
   return std::filesystem::read_symlink("/proc/self/exe").parent_path().string();
 }
 

@@ -48,7 +48,7 @@ class CTerminalPlatform : public CPlatform {
   std::string LongTimeText(std::chrono::local_seconds moment) override;
 
   /// The folder of the running program, which the library is linked into.
-  std::string LibraryFolder() override;
+  std::string FolderOfLibrary() override;
   std::string SystemFolder() override;
   /// `$TMPDIR`, or "/tmp".
   std::string TemporaryFolder() override;

@@ -104,14 +104,14 @@ class CRecordingPlatform : public CPlatform {
   std::chrono::local_seconds LocalTime() override { return {}; }
   std::string DecimalSeparator() override { return "."; }
   std::string LongTimeText(std::chrono::local_seconds) override { return {}; }
-  std::string LibraryFolder() override { return libraryfolder; }
+  std::string FolderOfLibrary() override { return folderoflibrary; }
   std::string SystemFolder() override { return systemfolder; }
   std::string TemporaryFolder() override { return "/tmp"; }
 
   std::uint32_t ticks = 1000;
   std::uint32_t passlength = 0;   ///< what one pass takes at most, 0 for all that it may
   std::function<void()> onqueue;  ///< an event that comes up in the queue
-  std::string libraryfolder = "/opt/vane/lib";
+  std::string folderoflibrary = "/opt/vane/lib";
   std::string systemfolder = "/usr/lib";
 
  private:

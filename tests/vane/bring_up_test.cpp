@@ -46,7 +46,7 @@ TEST_F(BringUp, TheDataFolderFollowsFromWhereTheLibraryLies) {
   };
   it_.SetRegistry(host_.registry);
   for (const auto& row : rows) {
-    host_.platform.libraryfolder = row.library;
+    host_.platform.folderoflibrary = row.library;
     host_.platform.systemfolder = row.system;
     EXPECT_NE(Initialize("/data").find(row.datapath), std::string::npos) << row.library;
   }

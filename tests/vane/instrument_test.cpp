@@ -155,7 +155,7 @@ TEST_F(Instrument, CalibrationPlacesAndLimits) {
 TEST_F(Instrument, CreationFailsUnderItsLabel) {
   struct CNoFolder : test::CRecordingPlatform {
     using CRecordingPlatform::CRecordingPlatform;
-    std::string LibraryFolder() override { throw LibraryError(kLineError, "platform", "none"); }
+    std::string FolderOfLibrary() override { throw LibraryError(kLineError, "platform", "none"); }
   } platform{host_.log};
   const Components components{platform, host_};
   const LibraryError error = CTestHost::ErrorOf([&] { CVaneT312B instrument(components); });

@@ -23,7 +23,7 @@ CVaneT312BPRTTHRMChannel::CVaneT312BPRTTHRMChannel(const Components& components)
     SetProbeRefResistor(ET312BProbeRefResistor::PRR_NONE);
     SetProbeCurrentFormat("0.0000");
     SetProbe3WireOffsetFormat("0.000000");
-    SetFilePath(components.platform.LibraryFolder());
+    SetFilePath(components.platform.FolderOfLibrary());
   });
 }
 

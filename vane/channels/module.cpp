@@ -32,7 +32,7 @@ CModule::CModule(const ModuleKind& kind, const Components& components)
       channel->SetModuleChannel(number);
       channel->SetModule(this);
     }
-    SetFilePath(components_.platform.LibraryFolder());
+    SetFilePath(components_.platform.FolderOfLibrary());
     SetChanged(false);
   });
 }

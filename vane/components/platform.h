@@ -61,8 +61,8 @@ class CPlatform {
 
   // Folders, without a trailing separator.
 
-  virtual std::string LibraryFolder() = 0;  ///< where the library itself lies
-  virtual std::string SystemFolder() = 0;   ///< where the machine keeps its shared libraries
+  virtual std::string FolderOfLibrary() = 0;  ///< where the library itself lies
+  virtual std::string SystemFolder() = 0;     ///< where the machine keeps its shared libraries
   virtual std::string TemporaryFolder() = 0;
 };
 

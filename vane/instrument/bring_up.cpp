@@ -31,7 +31,7 @@ bool CVaneT312B::InitializeCommunications(const std::string& fp, EVanePortNumber
     communications_ = components_.factory.MakeCommunications();
     CVaneCOMPort& port = communications_->COMPort();
     port.SetReadTries(kReadTries);
-    const std::string library = components_.platform.LibraryFolder();
+    const std::string library = components_.platform.FolderOfLibrary();
     const bool insystem =
         Contains(UpperCase(components_.platform.SystemFolder()), UpperCase(library));
     communications_->SetDataPath(insystem ? fp : ParentFolder(library));

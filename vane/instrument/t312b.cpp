@@ -53,7 +53,7 @@ CVaneT312B::CVaneT312B(const Components& components)
     SetConvPasscodeState(ET312BPasscodeState::PS_DISABLED);
     SetSamplingPasscodeState(ET312BPasscodeState::PS_DISABLED);
     SetUnitsTimePasscodeState(ET312BPasscodeState::PS_DISABLED);
-    SetFilePath(components_.platform.LibraryFolder());
+    SetFilePath(components_.platform.FolderOfLibrary());
     SetSystemClock(0);
     for (std::int16_t i = 0; i < NumCalParams(); ++i) {
       const auto cp = static_cast<ET312BCalParams>(i);

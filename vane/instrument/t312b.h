@@ -57,8 +57,6 @@ class CVaneT312B {
   void SetOven(ET312BOven value) { oven_.Set(value); }
   double ADC() const { return adc_.Get(); }
   void SetADC(double value) { adc_.Set(value); }
-  static constexpr double MaxADC() { return 3.0; }
-  static constexpr double MinADC() { return -3.0; }
 
   /// Formats in which values are written and shown; not settings of the instrument.
   const std::string& ADCFormat() const { return adcformat_; }
@@ -67,6 +65,8 @@ class CVaneT312B {
   /// Storage for the host.
   std::int16_t LogSessionInterval() const { return logsessioninterval_; }
   void SetLogSessionInterval(std::int16_t value) { logsessioninterval_ = value; }
+  static constexpr double MaxADC() { return 3.0; }
+  static constexpr double MinADC() { return -3.0; }
 
   /// Limits of a calibration parameter; 0 for an index without a name.
   static double MaxCalParamValue(ET312BCalParams cp);
@@ -219,10 +219,11 @@ class CVaneT312B {
 
   /// The instrument has no delay between scan steps: true, and nothing is done.
   bool UpdateScanSeqDelay() { return true; }
-  static constexpr bool HasScanSeqDelay() { return false; }
 
   /// Proves the line. False when the user has been told of a failure.
   bool InitializeCommunicationSettings();
+
+  static constexpr bool HasScanSeqDelay() { return false; }
 
   /// The channel that `QueryMeasurement` reads by itself; -1 is none. A value above
   /// `NumChannels` - 1 raises `ERR_INVALID_CHANNEL`; there is no lower limit.
@@ -241,12 +242,6 @@ class CVaneT312B {
 
   /// 1, or 2 with a scanner; 0 until they have been queried.
   std::int16_t NumModules() const { return nummodules_; }
-
-  /// A channel's name for people: "Input 2", "Scanner 10". No range check.
-  std::string GetScanSeqChannelName(std::int16_t chn) const;
-
-  /// The channel of an instrument channel number; null when there is none.
-  CVaneT312BPRTTHRMChannel* GetChannelReference(std::int16_t chn) const;
 
   /// The whole identification reply; empty until then.
   const std::string& Identification() const { return identification_; }
@@ -280,6 +275,12 @@ class CVaneT312B {
   void SetFilterThreshold(double value) { filterthreshold_.Set(value); }
   ET312BFilterType FilterType() const { return filtertype_.Get(); }
   void SetFilterType(ET312BFilterType value) { filtertype_.Set(value); }
+
+  /// A channel's name for people: "Input 2", "Scanner 10". No range check.
+  std::string GetScanSeqChannelName(std::int16_t chn) const;
+
+  /// The channel of an instrument channel number; null when there is none.
+  CVaneT312BPRTTHRMChannel* GetChannelReference(std::int16_t chn) const;
 
   /// Null until `InitializeCommunications`. Owned here.
   CVaneCommunications* Communications() const { return communications_.get(); }
