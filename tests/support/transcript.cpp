@@ -33,6 +33,24 @@ class CRecordingProgress : public CVaneProgress {
   CTestHost& host_;
 };
 
+class CRecordingPasscodeDialog : public CVanePasscodeDialog {
+ public:
+  explicit CRecordingPasscodeDialog(CTestHost& host) : host_(host) {}
+  ~CRecordingPasscodeDialog() override { host_.log.Add("release dialog"); }
+
+  void SetHelpFile(const std::string& file) override { host_.log.Add("dialog help " + file); }
+  bool ShowDialog(std::string& entered, ui::CWindow* owner) override {
+    host_.log.Add(owner != nullptr ? "prompt window" : "prompt none");
+    if (host_.typed.empty()) return false;
+    entered = host_.typed.front();
+    host_.typed.erase(host_.typed.begin());
+    return true;
+  }
+
+ private:
+  CTestHost& host_;
+};
+
 std::string OneLine(std::string text) {
   std::ranges::replace(text, '\r', '/');
   return text;
@@ -180,6 +198,10 @@ std::unique_ptr<CVaneProbe> CTestHost::MakeProbe() {
 
 std::unique_ptr<CVaneProgress> CTestHost::MakeProgress() {
   return std::make_unique<CRecordingProgress>(*this);
+}
+
+std::unique_ptr<CVanePasscodeDialog> CTestHost::MakePasscodeDialog() {
+  return std::make_unique<CRecordingPasscodeDialog>(*this);
 }
 
 void CTestHost::Connect() {

@@ -143,6 +143,7 @@ class CTestHost : public CComponentFactory {
   std::unique_ptr<CVaneCommunications> MakeCommunications() override;
   std::unique_ptr<CVaneProbe> MakeProbe() override;
   std::unique_ptr<CVaneProgress> MakeProgress() override;
+  std::unique_ptr<CVanePasscodeDialog> MakePasscodeDialog() override;
 
   /// Gives the instrument a registry and a line, with nothing of it in the log.
   void Connect();
@@ -162,6 +163,7 @@ class CTestHost : public CComponentFactory {
   std::size_t steps = 0;
   bool logsettings = false;  ///< whether what a probe is set to goes into the log
   bool probesfail = false;
+  std::vector<std::string> typed;  ///< what the user types at the passcode prompt, then cancels
   std::unique_ptr<CVaneT312B> instrument;
 };
 

@@ -18,6 +18,8 @@
 
 #include <array>
 #include <cstdint>
+#include <functional>
+#include <initializer_list>
 #include <memory>
 #include <string>
 #include <vector>
@@ -26,6 +28,7 @@
 #include "vane/components/components.h"
 #include "vane/components/registry.h"
 #include "vane/support/enums.h"
+#include "vane/support/exchange.h"
 #include "vane/support/failure.h"
 #include "vane/support/messages.h"
 #include "vane/support/numbers.h"
@@ -34,6 +37,7 @@
 namespace vane {
 
 class CLongRun;
+struct SettingRow;
 
 /// A date and time as a count of days; the whole part is the day, the fraction the time of day.
 using Date = double;
@@ -146,6 +150,10 @@ class CVaneT312B {
   bool ReadAfterApply() const { return readafterapply_; }
   void SetReadAfterApply(bool value) { readafterapply_ = value; }
 
+  /// Asks the user for the passcode until it is the instrument's or he gives up. Opens nothing by
+  /// itself: that is the caller's.
+  bool ValidatePasscode(ui::CWindow* frm);
+
   /// The instrument's protection of four groups of settings, and whether editing of each is open
   /// for this user. Setting a flag sets the state that goes with it; a state moves alone.
   bool ProtectCalParams() const { return protectcalparams_.flag; }
@@ -192,6 +200,11 @@ class CVaneT312B {
   /// abort, or when the instrument stays silent.
   bool QueryChannelInfo();
 
+  /// Reads all settings into this copy, then the modules; see `CModule::QueryInfo` for
+  /// `inclchannels`. `frm` owns the display; without it the run is the same and shows none. What
+  /// was read before a failure or an abort stays.
+  bool QueryInfo(ui::CWindow* frm = nullptr, bool inclmodules = true, bool inclchannels = false);
+
   /// Asks who is on the line. False when nobody answers. `Model` and `Firmware` are set from the
   /// answer with `setprops` only, `Identification` always, also to an empty answer.
   bool QueryIdentification(bool setprops = true);
@@ -199,6 +212,14 @@ class CVaneT312B {
   /// Whether the firmware is at least `MinFirmwareRequired`. For the host.
   bool VerifyMinimumFirmware() const { return HasRecentFirmware(); }
   static constexpr double MinFirmwareRequired() { return kRecentFirmware; }
+
+  // Reads and writes of single settings: true, or an error. Only `QueryUnits` can give false: for a
+  // reply that names no unit, which makes `Units` `UNITS_NONE`.
+
+  bool QueryScannerScanMode();
+  bool QueryUnits();
+  bool QuerySampleAction();
+  bool QueryChannelMode();
 
   /// The reading of channel `chan`, in the instrument's units; -1 stands for `SelectedChannel`.
   /// With `waitfornew`, waits for a new reading first, up to `NewDataLimit`. Every failure of the
@@ -217,8 +238,22 @@ class CVaneT312B {
   bool StartMeasure();
   bool StopMeasure();
 
+  bool UpdateChannelMode();
+  bool UpdateScannerScanMode();
+
   /// The instrument has no delay between scan steps: true, and nothing is done.
   bool UpdateScanSeqDelay() { return true; }
+
+  /// Writes the steps of `ScanChannels` and sets `ScanSeqSteps` to their number. A channel that no
+  /// step can take is `ERR_INVALID_CHANNEL`; the steps before it stay written.
+  bool UpdateScanChannelList(ui::CWindow* frm = nullptr);
+
+  /// Puts the instrument into the mode of `ScanMode`; with `override`, into the plain mode or, with
+  /// `scmode`, the one that walks: both inputs, or the user-defined sequence.
+  bool UpdateScanMode(bool override = false, bool scmode = false);
+  bool UpdateScanChannel();
+  bool UpdateScanSeqChannels();
+  bool UpdateScanSeqSteps();
 
   /// Proves the line. False when the user has been told of a failure.
   bool InitializeCommunicationSettings();
@@ -324,6 +359,22 @@ class CVaneT312B {
     }
   }
   static std::string Label(std::string_view operation);
+
+  // One read of a setting: the reply goes to `store`, whose result is the result.
+  bool Query(std::string_view name, std::int32_t id,
+             const std::function<bool(const std::string&)>& store,
+             std::initializer_list<FieldText> fields = {});
+  bool Query(const SettingRow& row);
+  bool QueryCalParam(std::int16_t index);
+  bool Update(std::string_view name, std::int32_t id, std::initializer_list<FieldText> fields);
+
+  bool QueryScannerSettings(CLongRun& run, ui::CWindow* frm);
+  bool QueryScanChannelList(ui::CWindow* frm);
+  bool UpdateScanScanMode(bool override, bool scmode);
+
+  bool QueryPasscodeProtectionSettings();
+  bool QueryProtection(std::string_view name, std::int32_t id, void (CVaneT312B::*store)(bool));
+  bool QueryPasscode(std::string& passcode);
 
   bool CheckModel(CLongRun& run);
   bool ProveInstrument(CLongRun& run, bool setprops);

@@ -7,7 +7,7 @@ namespace vane {
 
 void CLongRun::Start(const std::string& text, double share) { progress_->Start(text, share); }
 
-void CLongRun::Advance() { progress_->Step(); }
+bool CLongRun::Advance() { return progress_->Step(); }
 
 bool CLongRun::Steps(std::initializer_list<RunStep> steps) {
   for (const RunStep& step : steps) {
@@ -18,7 +18,7 @@ bool CLongRun::Steps(std::initializer_list<RunStep> steps) {
 
 bool CLongRun::Step(const RunStep& step) {
   if (!LastStep(step)) return false;
-  if (progress_->Step()) return true;
+  if (Advance()) return true;
   return policy_.abortedtext != 0 && StopWith(ResourceText(policy_.abortedtext));
 }
 
@@ -30,6 +30,8 @@ bool CLongRun::LastStep(const RunStep& step) {
 void CLongRun::Hide() {
   if (progress_) progress_->Hide(false);
 }
+
+void CLongRun::Finish() { progress_->Finish(); }
 
 bool CLongRun::StopWith(const std::string& message) {
   Hide();
@@ -52,7 +54,7 @@ bool RunLong(const Components& components, const RunPolicy& policy, std::optiona
       run.progress_->Attach(*frm);
       run.progress_->SetVisible(*frm != nullptr);
     }
-    SetBusyCursor(true);
+    if (policy.raisesbusycursor) SetBusyCursor(true);
     const bool result = body(run);
     run.End();
     return result;

@@ -31,7 +31,9 @@ struct RunPolicy {
   /// reporter's release, and the busy cursor stays up until the box that shows the error clears it.
   bool finishonerror = false;
 
-  /// Whether the end of the run takes the busy cursor away. A run within another leaves it up.
+  /// Whether the run raises the busy cursor, and whether its end takes it away. A run within
+  /// another leaves it up.
+  bool raisesbusycursor = true;
   bool clearsbusycursor = true;
 };
 
@@ -50,6 +52,11 @@ inline constexpr RunPolicy kRangeReadRun{.failedtext = 107,
                                          .finishonerror = true,
                                          .clearsbusycursor = false};
 
+/// The steps of a scan sequence, within the run of the settings or alone. Who stops this one gets a
+/// shorter list and is told nothing.
+inline constexpr RunPolicy kScanSequenceRun{
+    .failedtext = 0, .abortedtext = 0, .raisesbusycursor = false, .clearsbusycursor = false};
+
 /// A step gives false when it could not do its work without raising an error.
 struct RunStep {
   std::string name;
@@ -62,8 +69,8 @@ class CLongRun {
   /// Opens a stretch of steps; `share` is the percent of one.
   void Start(const std::string& text, double share);
 
-  /// Advances the reporter without a step and without asking the user.
-  void Advance();
+  /// Advances the reporter. False when the user wants the run to end; nothing is said of it.
+  bool Advance();
 
   /// Runs the steps in their order. False after a step that failed or an abort; what the policy
   /// has to say of it has then been said.
@@ -75,6 +82,9 @@ class CLongRun {
 
   /// Takes the display off the screen, so that another display or a message box can come up.
   void Hide();
+
+  /// Ends a stretch; another `Start` may follow.
+  void Finish();
 
  private:
   friend bool RunLong(const Components& components, const RunPolicy& policy,

@@ -1,0 +1,171 @@
+// What the instrument measures and how it walks its channels.
+#include <algorithm>
+#include <string>
+
+#include "vane/instrument/settings_table.h"
+#include "vane/instrument/t312b.h"
+#include "vane/support/long_run.h"
+#include "vane/support/text_table.h"
+#include "vane/support/timing.h"
+#include "vane/topology/numbering.h"
+
+namespace vane {
+namespace {
+
+constexpr std::int32_t WRITE_REPETITIONS = 55;
+constexpr std::int32_t WRITE_CHANNEL_MODE = 57;
+constexpr std::int32_t WRITE_SCANNER_SCAN_MODE = 105;
+constexpr std::int32_t WRITE_SCAN_SEQ_CHANNELS = 107;
+constexpr std::int32_t WRITE_SCAN_SEQ_STEPS = 109;
+constexpr std::int32_t READ_SCAN_STEP = 110;
+constexpr std::int32_t WRITE_SCAN_STEP = 111;
+constexpr std::int32_t WRITE_SCAN_CHANNEL = 117;
+
+constexpr std::int32_t kStepPause = 300;  // ms
+
+template <class Enum>
+std::string CodeText(Enum value) {
+  return std::to_string(static_cast<std::int32_t>(value));
+}
+
+// The text up to the next comma, which goes with it.
+std::string CutItem(std::string& list) {
+  const std::size_t comma = list.find(',');
+  const std::string item = list.substr(0, comma);
+  list.erase(0, comma == list.npos ? comma : comma + 1);
+  return item;
+}
+
+}  // namespace
+
+bool CVaneT312B::Update(std::string_view name, std::int32_t id,
+                        std::initializer_list<FieldText> fields) {
+  return Exchange("Update" + std::string(name), [&] {
+    Write(Line(), id, fields);
+    return true;
+  });
+}
+
+bool CVaneT312B::UpdateChannelMode() {
+  return Update("ChannelMode", WRITE_CHANNEL_MODE,
+                {{&CommandParams::value, CodeText(ChannelMode())}});
+}
+
+bool CVaneT312B::UpdateScannerScanMode() {
+  return Update("ScannerScanMode", WRITE_SCANNER_SCAN_MODE,
+                {{&CommandParams::value, CodeText(ScannerScanMode())}});
+}
+
+bool CVaneT312B::UpdateScanChannel() {
+  return Update("ScanChannel", WRITE_SCAN_CHANNEL,
+                {{&CommandParams::Channel, std::to_string(ScanChannel())}});
+}
+
+bool CVaneT312B::UpdateScanSeqChannels() {
+  return Update("ScanSeqChannels", WRITE_SCAN_SEQ_CHANNELS,
+                {{&CommandParams::value, std::to_string(ScanSeqChannels())}});
+}
+
+bool CVaneT312B::UpdateScanSeqSteps() {
+  return Update("ScanSeqSteps", WRITE_SCAN_SEQ_STEPS,
+                {{&CommandParams::value, std::to_string(ScanSeqSteps())}});
+}
+
+// The scanner's stretch of the run of all settings.
+bool CVaneT312B::QueryScannerSettings(CLongRun& run, ui::CWindow* frm) {
+  run.Finish();
+  run.Start(SubstituteParams(ResourceText(105), Modules(1)->Model()), PercentShare(4));
+  const bool settings = run.Steps({
+      {ResourceText(261), [&] { return Query(kScanChannel); }},
+      {ResourceText(233), [&] { return QueryScannerScanMode(); }},
+      {ResourceText(262), [&] { return Query(kScanSeqChannels); }},
+      {ResourceText(264), [&] { return Query(kScanSeqSteps); }},
+  });
+  if (!settings) return false;
+  run.Hide();  // the sequence has a reporter of its own
+  return run.Step({ResourceText(265), [&] { return QueryScanChannelList(frm); }});
+}
+
+bool CVaneT312B::QueryScanChannelList(ui::CWindow* frm) {
+  return Exchange("QueryScanChannelList", [&] {
+    SetScanChannels({});
+    return RunLong(components_, kScanSequenceRun, frm, [&](CLongRun& run) {
+      run.Start(ResourceText(117), PercentShare(ScanSeqSteps()));
+      CVaneCommunications& line = Line();
+      line.params().ClearAll();
+      for (std::int16_t step = 1; step <= ScanSeqSteps(); ++step) {
+        line.params().Index = std::to_string(step);
+        // A step that was never set answers nothing and counts as Input 2.
+        const std::int16_t value =
+            ToInteger(ToInteger(NumberFromText(line.ReadSetting(READ_SCAN_STEP))) + kNumInputs);
+        SetScanChannels(ScanChannels() + std::to_string(value) + ",");
+        if (!run.Advance()) break;
+      }
+      if (ScanChannels().size() > 1) {
+        SetScanChannels(ScanChannels().substr(0, ScanChannels().size() - 1));
+      }
+      return true;
+    });
+  });
+}
+
+bool CVaneT312B::UpdateScanChannelList(ui::CWindow* frm) {
+  return Exchange("UpdateScanChannelList", [&] {
+    if (!HasScanners()) return true;
+    return RunLong(components_, kScanSequenceRun, frm, [&](CLongRun& run) {
+      CVaneCommunications& line = Line();
+      line.params().ClearAll();
+      std::string list = ScanChannels();
+      const auto count = static_cast<double>(std::ranges::count(list, ',')) + 1;
+      SetScanSeqSteps(ToInteger(count));
+      UpdateScanSeqSteps();
+      // The number of steps is the first stage.
+      run.Start(ResourceText(116), PercentShare(ScanSeqSteps() + 1));
+      run.Advance();
+      const std::int16_t steps = ScanSeqSteps();
+      for (std::int16_t step = 1; step <= steps; ++step) {
+        line.params().Index = std::to_string(step);
+        const std::int32_t value = ToInteger(NumberFromText(CutItem(list))) - kNumInputs;
+        if (value > ScannerChannel(NumChannels()) || value < 0) {
+          throw LibraryError(ERR_INVALID_CHANNEL, Label("UpdateScanChannelList"),
+                             ResourceText(217));
+        }
+        line.params().Channel = std::to_string(value);
+        line.WriteSetting(WRITE_SCAN_STEP);
+        if (!run.Advance()) break;
+        PauseMs(kStepPause);
+      }
+      return true;
+    });
+  });
+}
+
+bool CVaneT312B::UpdateScanMode(bool override, bool scmode) {
+  return Exchange("UpdateScanMode", [&] {
+    if (HasScanners()) {
+      Write(Line(), WRITE_CHANNEL_MODE,
+            {{&CommandParams::value, CodeText(ET312BChannelMode::CM_SCANNER_SEQUENCE)}});
+      Line().params().value = "1";
+      Line().WriteSetting(WRITE_REPETITIONS);
+      return UpdateScanScanMode(override, scmode);
+    }
+    using enum ET312BChannelMode;
+    const std::string mode =
+        override ? CodeText(scmode ? CM_ALTERNATE : CM_INPUT_1) : CodeText(ScanMode());
+    Write(Line(), WRITE_CHANNEL_MODE, {{&CommandParams::value, mode}});
+    return true;
+  });
+}
+
+bool CVaneT312B::UpdateScanScanMode(bool override, bool scmode) {
+  return Exchange("UpdateScanScanMode", [&] {
+    if (!HasScanners()) return false;
+    using enum ET312BScannerScanMode;
+    const std::string mode =
+        override ? CodeText(scmode ? SSM_USER_DEFINED : SSM_SCAN) : CodeText(ScanMode());
+    Write(Line(), WRITE_SCANNER_SCAN_MODE, {{&CommandParams::value, mode}});
+    return true;
+  });
+}
+
+}  // namespace vane
