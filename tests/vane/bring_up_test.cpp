@@ -34,7 +34,7 @@ TEST_F(BringUp, SetsUpThePortInOrderAndSendsNothing) {
 
 TEST_F(BringUp, TheDataFolderFollowsFromWhereTheLibraryLies) {
   const struct {
-    const char* library;
+    const char* folder;
     const char* system;
     const char* datapath;
   } rows[] = {
@@ -46,9 +46,9 @@ TEST_F(BringUp, TheDataFolderFollowsFromWhereTheLibraryLies) {
   };
   it_.SetRegistry(host_.registry);
   for (const auto& row : rows) {
-    host_.platform.folderoflibrary = row.library;
+    host_.platform.folderoflibrary = row.folder;
     host_.platform.systemfolder = row.system;
-    EXPECT_NE(Initialize("/data").find(row.datapath), std::string::npos) << row.library;
+    EXPECT_NE(Initialize("/data").find(row.datapath), std::string::npos) << row.folder;
   }
 }
 
