@@ -6,6 +6,7 @@
 #include "tests/support/fake_probe.h"
 #include "vane/support/library_error.h"
 #include "vane/support/messages.h"
+#include "vane/support/number_text.h"
 
 namespace vane::test {
 namespace {
@@ -179,6 +180,7 @@ std::int32_t CFakeRegistry::ReadBoolean(const std::string& name, bool fallback, 
 
 CTestHost::CTestHost() {
   SetLibraryHelpFile("VaneT312B.hlp");
+  SetDecimalSeparator({});
   instrument = std::make_unique<CVaneT312B>(components);
   log.Clear();
 }

@@ -101,13 +101,18 @@ class CRecordingPlatform : public CPlatform {
   std::int32_t OpenHelp(const std::string& helpfile, std::int32_t command,
                         std::int32_t data) override;
   std::uint32_t TickCount() override { return ticks; }
-  std::chrono::local_seconds LocalTime() override { return {}; }
-  std::string DecimalSeparator() override { return "."; }
-  std::string LongTimeText(std::chrono::local_seconds) override { return {}; }
+  std::chrono::local_seconds LocalTime() override { return now; }
+  std::string DecimalSeparator() override { return separator; }
+  std::string LongTimeText(std::chrono::local_seconds) override { return longtime; }
+  ui::CTextField* FocusedField() override { return focused; }
   std::string FolderOfLibrary() override { return folderoflibrary; }
   std::string SystemFolder() override { return systemfolder; }
   std::string TemporaryFolder() override { return "/tmp"; }
 
+  std::chrono::local_seconds now{};
+  std::string longtime;
+  std::string separator = ".";
+  ui::CTextField* focused = nullptr;
   std::uint32_t ticks = 1000;
   std::uint32_t passlength = 0;   ///< what one pass takes at most, 0 for all that it may
   std::function<void()> onqueue;  ///< an event that comes up in the queue

@@ -121,6 +121,15 @@ class CVaneT312BPRTTHRMChannel {
   /// assigned probe, whose number is read first.
   bool QueryConversionType(std::int16_t prbidx = -1);
 
+  // Writes, changed or not. `prbidx` and `frm` as above; results too. What was written before a
+  // failure or an abort stays written, and nothing is read back.
+
+  /// The number of the assigned probe, and behind it that probe's whole record.
+  bool UpdateInfo(ui::CWindow* frm = nullptr);
+  /// The record of a probe; its conversion only when the instrument's `ConvPasscodeState` says that
+  /// editing conversions is open.
+  bool UpdateProbeInfo(std::int16_t prbidx, ui::CWindow* frm = nullptr);
+
  private:
   template <class T, class Differs = std::not_equal_to<T>>
   using Tracked = CTracked<T, CVaneT312BPRTTHRMChannel, Differs>;
@@ -140,6 +149,17 @@ class CVaneT312BPRTTHRMChannel {
                    const std::function<void(double)>& store, std::string_view range = {},
                    std::string_view index = {});
 
+  // One write about a probe; `value` is empty for "no value". Labelled with "Update".
+  bool Update(std::string_view operation, std::int32_t id, std::int16_t prbidx,
+              const std::function<std::string()>& value, std::string_view range = {},
+              std::string_view index = {});
+  bool UpdateProbeIndex();
+  bool UpdateProbeSerial(std::int16_t prbidx);
+  bool UpdateRefResistor(std::int16_t prbidx);
+  bool UpdateCurrent(std::int16_t prbidx);
+  bool Update3WireOffset(std::int16_t prbidx);
+  bool UpdateConversionType(std::int16_t prbidx);
+
   // The values of a conversion. These end at the user: false when he has been told.
   bool QueryCoefficients(std::int16_t prbidx, ui::CWindow* frm);
   bool QueryCVDCoefficients(std::int16_t prbidx, ui::CWindow* frm);
@@ -151,12 +171,26 @@ class CVaneT312BPRTTHRMChannel {
   bool QueryThermistorRTCoefficients(std::int16_t prbidx, ui::CWindow* frm);
   bool QueryPOLYCoefficients(std::int16_t prbidx, ui::CWindow* frm);
   bool QueryWT90Coefficients(std::int16_t prbidx, ui::CWindow* frm);
+  bool UpdateCoefficients(std::int16_t prbidx, ui::CWindow* frm);
+  bool UpdateCVDCoefficients(std::int16_t prbidx, ui::CWindow* frm);
+  bool UpdateIPTS68Coefficients(std::int16_t prbidx, ui::CWindow* frm);
+  bool UpdateITS90Coefficients(std::int16_t prbidx, ui::CWindow* frm);
+  bool UpdateITS90LowRangeCoefficients(std::int16_t prbidx, ui::CWindow* frm);
+  bool UpdateITS90HighRangeCoefficients(std::int16_t prbidx, ui::CWindow* frm);
+  bool UpdateThermistorTRCoefficients(std::int16_t prbidx, ui::CWindow* frm);
+  bool UpdateThermistorRTCoefficients(std::int16_t prbidx, ui::CWindow* frm);
+  bool UpdatePOLYCoefficients(std::int16_t prbidx, ui::CWindow* frm);
+  bool UpdateWT90Coefficients(std::int16_t prbidx, ui::CWindow* frm);
 
   // The three forms of a run over the values of a conversion.
   bool QuerySequence(std::string_view name, double share, ui::CWindow* frm,
                      const std::function<bool(CLongRun&)>& steps);
   bool QueryRange(const RangeWalk& walk, std::int16_t prbidx, ui::CWindow* frm);
   bool QuerySeries(const SeriesRow& series, std::int16_t prbidx, ui::CWindow* frm);
+  bool UpdateSequence(std::string_view name, double share, ui::CWindow* frm,
+                      const std::function<bool(CLongRun&)>& steps);
+  bool UpdateRange(const RangeWalk& walk, std::int16_t prbidx, ui::CWindow* frm);
+  bool UpdateSeries(const SeriesRow& series, std::int16_t prbidx, ui::CWindow* frm);
 
   bool QueryCoefficientRows(CLongRun& run, std::span<const CoefficientRow> rows,
                             std::int16_t prbidx);
@@ -164,6 +198,12 @@ class CVaneT312BPRTTHRMChannel {
   bool QueryITS90RTPW(std::int16_t prbidx);
   bool QueryITS90LowRange(std::int16_t prbidx);
   bool QueryITS90HighRange(std::int16_t prbidx);
+  bool UpdateCoefficientRows(CLongRun& run, std::span<const CoefficientRow> rows,
+                             std::int16_t prbidx);
+  bool UpdateIPTS68Scale(std::int16_t prbidx);
+  bool UpdateITS90RTPW(std::int16_t prbidx);
+  bool UpdateITS90LowRange(std::int16_t prbidx);
+  bool UpdateITS90HighRange(std::int16_t prbidx);
 
   const Components& components_;
   std::shared_ptr<CVaneRegistry> registry_;  // outlives the probe

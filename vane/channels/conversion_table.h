@@ -2,7 +2,8 @@
 // its fields and its place. Reading a conversion walks these rows, and so does whatever writes one:
 // the command that writes a value is the one behind the command that reads it.
 //
-// `operation` is the second half of the operation's name: "CVDR0" is read by `QueryCVDR0`.
+// `operation` is the second half of the operation's name: "CVDR0" is read by `QueryCVDR0` and
+// written by `UpdateCVDR0`.
 #pragma once
 
 #include <cstdint>
@@ -98,7 +99,10 @@ inline constexpr std::int32_t READ_ITS90_RTPW = 209;
 inline constexpr std::int32_t READ_IPTS68_SCALE = 225;
 inline constexpr std::int32_t READ_CONVERSION_TYPE = 130;
 
-/// "No such subrange."
+/// "No such subrange." On the line it is the number before the first subrange of the low range, and
+/// the one behind the last of the high range.
 inline constexpr std::int32_t kNoRange = -1;
+inline constexpr char kNoLowRange[] = "0";
+inline constexpr char kNoHighRange[] = "12";
 
 }  // namespace vane

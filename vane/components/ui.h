@@ -16,6 +16,15 @@ class CWindow {
   virtual ~CWindow() = default;
 };
 
+/// A line of text that the user edits. Lengths and places count characters, from 0.
+class CTextField {
+ public:
+  virtual ~CTextField() = default;
+
+  virtual std::int32_t TextLength() const = 0;
+  virtual void SetSelection(std::int32_t start, std::int32_t length) = 0;
+};
+
 /// A list of choices: each entry shows a text and carries a whole number, its code. Indexes count
 /// from 0; an index outside the list raises `std::out_of_range`.
 class CListControl {

@@ -44,6 +44,35 @@ constexpr WordRow<ET312BUnits> kUnitWords[] = {
     {"R", ET312BUnits::UNITS_RATIO},    {"W", ET312BUnits::UNITS_W},
 };
 
+// The codes that the instrument takes in.
+
+constexpr WordRow<ET312BFilterType> kFilterCodes[] = {
+    {"n", ET312BFilterType::FT_NONE},
+    {"a", ET312BFilterType::FT_AVERAGE},
+    {"e", ET312BFilterType::FT_EXPONENTIAL},
+};
+
+constexpr WordRow<ET312BSampleAction> kSampleActionCodes[] = {
+    {"R", ET312BSampleAction::SA_RUN},
+    {"ST", ET312BSampleAction::SA_STOP},
+    {"SN", ET312BSampleAction::SA_SAMPLE_N},
+};
+
+constexpr WordRow<ET312BUnits> kUnitCodes[] = {
+    {"C", ET312BUnits::UNITS_DEGREESC}, {"F", ET312BUnits::UNITS_DEGREESF},
+    {"K", ET312BUnits::UNITS_KELVIN},   {"O", ET312BUnits::UNITS_OHMS},
+    {"R", ET312BUnits::UNITS_RATIO},    {"W", ET312BUnits::UNITS_W},
+};
+
+// Empty when no row has `value`.
+template <class Enum>
+std::string CodeOf(Enum value, std::span<const WordRow<Enum>> rows) {
+  for (const auto& row : rows) {
+    if (row.value == value) return std::string(row.word);
+  }
+  return {};
+}
+
 // The member of the reply's number, when that is one of `first` to `last`.
 template <class Enum>
 Enum MemberOf(const std::string& reply, Enum first, Enum last, Enum fallback) {
@@ -89,6 +118,22 @@ bool StoreOven(CVaneT312B& instrument, const std::string& reply) {
 bool StoreUnits(CVaneT312B& instrument, const std::string& reply) {
   instrument.SetUnits(ValueOf<ET312BUnits>(reply, kUnitWords, ET312BUnits::UNITS_NONE));
   return instrument.Units() != ET312BUnits::UNITS_NONE;
+}
+
+std::string FilterTypeCode(const CVaneT312B& instrument) {
+  return CodeOf<ET312BFilterType>(instrument.FilterType(), kFilterCodes);
+}
+
+std::string SampleActionCode(const CVaneT312B& instrument) {
+  return CodeOf<ET312BSampleAction>(instrument.SampleAction(), kSampleActionCodes);
+}
+
+std::string OvenCode(const CVaneT312B& instrument) {
+  return instrument.Oven() == ET312BOven::OVEN_ON ? "ON" : "OFF";
+}
+
+std::string UnitsCode(const CVaneT312B& instrument) {
+  return CodeOf<ET312BUnits>(instrument.Units(), kUnitCodes);
 }
 
 }  // namespace vane

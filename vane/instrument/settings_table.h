@@ -1,8 +1,9 @@
 // The settings of the instrument: one row each, with its command, the rule by which its reply is
-// understood, and the property that takes it. The command that writes a setting is the one behind
-// the command that reads it.
+// understood, and the field and text by which it is written. The command that writes a setting is
+// the one behind the command that reads it.
 //
-// `name` is the second half of the operation's name: "Interval" is read by `QueryInterval`.
+// `name` is the second half of the operation's name: "Interval" is read by `QueryInterval` and
+// written by `UpdateInterval`. The words of a write are not those that a read looks for.
 #pragma once
 
 #include <cstdint>
@@ -10,6 +11,7 @@
 #include <string_view>
 
 #include "vane/instrument/t312b.h"
+#include "vane/support/number_text.h"
 #include "vane/support/numbers.h"
 #include "vane/support/texts.h"
 
@@ -19,6 +21,8 @@ struct SettingRow {
   std::string_view name;
   std::int32_t readid;
   bool (*store)(CVaneT312B& instrument, const std::string& reply);
+  std::string (*text)(const CVaneT312B& instrument);
+  std::string CommandParams::*field = &CommandParams::value;
 };
 
 // Rules that are numbers.
@@ -51,35 +55,75 @@ bool StoreOven(CVaneT312B& instrument, const std::string& reply);
 /// The only one that can give false.
 bool StoreUnits(CVaneT312B& instrument, const std::string& reply);
 
-inline constexpr SettingRow kFilterType{"FilterType", 24, StoreFilterType};
+// Texts that are numbers.
+
+template <auto Get>
+std::string WholeText(const CVaneT312B& instrument) {
+  return std::to_string(static_cast<std::int32_t>((instrument.*Get)()));
+}
+
+template <double (CVaneT312B::*Get)() const>
+std::string NumberText(const CVaneT312B& instrument) {
+  return ToDotDecimal(PlainNumberText((instrument.*Get)()));
+}
+
+inline std::string ADCText(const CVaneT312B& instrument) {
+  return ToDotDecimal(FormatNumber(instrument.ADC(), instrument.ADCFormat()));
+}
+
+// Texts that are words. Of a value that has none, the empty text: the command goes out without it,
+// and the instrument refuses it.
+
+std::string FilterTypeCode(const CVaneT312B& instrument);
+std::string SampleActionCode(const CVaneT312B& instrument);
+std::string OvenCode(const CVaneT312B& instrument);
+std::string UnitsCode(const CVaneT312B& instrument);
+
+inline constexpr SettingRow kFilterType{"FilterType", 24, StoreFilterType, FilterTypeCode,
+                                        &CommandParams::FilterCode};
 inline constexpr SettingRow kFilterResponseTime{"FilterResponseTime", 26,
-                                                StoreNumber<&CVaneT312B::SetFilterRespTime>};
+                                                StoreNumber<&CVaneT312B::SetFilterRespTime>,
+                                                NumberText<&CVaneT312B::FilterRespTime>};
 inline constexpr SettingRow kFilterThreshold{"FilterThreshold", 28,
-                                             StoreNumber<&CVaneT312B::SetFilterThreshold>};
-inline constexpr SettingRow kInterval{"Interval", 32, StoreLong<&CVaneT312B::SetInterval>};
+                                             StoreNumber<&CVaneT312B::SetFilterThreshold>,
+                                             NumberText<&CVaneT312B::FilterThreshold>};
+inline constexpr SettingRow kInterval{"Interval", 32, StoreLong<&CVaneT312B::SetInterval>,
+                                      WholeText<&CVaneT312B::Interval>};
 inline constexpr SettingRow kConversionTime{"ConversionTime", 34,
-                                            StoreInteger<&CVaneT312B::SetConversionTime>};
+                                            StoreInteger<&CVaneT312B::SetConversionTime>,
+                                            WholeText<&CVaneT312B::ConversionTime>};
 inline constexpr SettingRow kIntegrationTime{"IntegrationTime", 36,
-                                             StoreInteger<&CVaneT312B::SetIntegrationTime>};
+                                             StoreInteger<&CVaneT312B::SetIntegrationTime>,
+                                             WholeText<&CVaneT312B::IntegrationTime>};
 inline constexpr SettingRow kRepetitions{"Repetitions", 54,
-                                         StoreInteger<&CVaneT312B::SetRepetitions>};
-inline constexpr SettingRow kChannelMode{"ChannelMode", 56, StoreChannelMode};
-inline constexpr SettingRow kSampleN{"SampleN", 58, StoreInteger<&CVaneT312B::SetSampleN>};
-inline constexpr SettingRow kSampleAction{"SampleAction", 60, StoreSampleAction};
-inline constexpr SettingRow kResolution{"Resolution", 66, StoreInteger<&CVaneT312B::SetResolution>};
+                                         StoreInteger<&CVaneT312B::SetRepetitions>,
+                                         WholeText<&CVaneT312B::Repetitions>};
+inline constexpr SettingRow kChannelMode{"ChannelMode", 56, StoreChannelMode,
+                                         WholeText<&CVaneT312B::ChannelMode>};
+inline constexpr SettingRow kSampleN{"SampleN", 58, StoreInteger<&CVaneT312B::SetSampleN>,
+                                     WholeText<&CVaneT312B::SampleN>};
+inline constexpr SettingRow kSampleAction{"SampleAction", 60, StoreSampleAction, SampleActionCode};
+inline constexpr SettingRow kResolution{"Resolution", 66, StoreInteger<&CVaneT312B::SetResolution>,
+                                        WholeText<&CVaneT312B::Resolution>};
 inline constexpr SettingRow kResistanceResolution{
-    "ResistanceResolution", 68, StoreInteger<&CVaneT312B::SetResistanceResolution>};
+    "ResistanceResolution", 68, StoreInteger<&CVaneT312B::SetResistanceResolution>,
+    WholeText<&CVaneT312B::ResistanceResolution>};
 inline constexpr SettingRow kRatioResolution{"RatioResolution", 70,
-                                             StoreInteger<&CVaneT312B::SetRatioResolution>};
-inline constexpr SettingRow kADC{"ADC", 84, StoreNumber<&CVaneT312B::SetADC>};
-inline constexpr SettingRow kOven{"Oven", 86, StoreOven};
-inline constexpr SettingRow kScannerScanMode{"ScannerScanMode", 104, StoreScannerScanMode};
+                                             StoreInteger<&CVaneT312B::SetRatioResolution>,
+                                             WholeText<&CVaneT312B::RatioResolution>};
+inline constexpr SettingRow kADC{"ADC", 84, StoreNumber<&CVaneT312B::SetADC>, ADCText};
+inline constexpr SettingRow kOven{"Oven", 86, StoreOven, OvenCode};
+inline constexpr SettingRow kScannerScanMode{"ScannerScanMode", 104, StoreScannerScanMode,
+                                             WholeText<&CVaneT312B::ScannerScanMode>};
 inline constexpr SettingRow kScanSeqChannels{"ScanSeqChannels", 106,
-                                             StoreInteger<&CVaneT312B::SetScanSeqChannels>};
+                                             StoreInteger<&CVaneT312B::SetScanSeqChannels>,
+                                             WholeText<&CVaneT312B::ScanSeqChannels>};
 inline constexpr SettingRow kScanSeqSteps{"ScanSeqSteps", 108,
-                                          StoreInteger<&CVaneT312B::SetScanSeqSteps>};
-inline constexpr SettingRow kScanChannel{"ScanChannel", 116,
-                                         StoreInteger<&CVaneT312B::SetScanChannel>};
-inline constexpr SettingRow kUnits{"Units", 168, StoreUnits};
+                                          StoreInteger<&CVaneT312B::SetScanSeqSteps>,
+                                          WholeText<&CVaneT312B::ScanSeqSteps>};
+inline constexpr SettingRow kScanChannel{
+    "ScanChannel", 116, StoreInteger<&CVaneT312B::SetScanChannel>,
+    WholeText<&CVaneT312B::ScanChannel>, &CommandParams::Channel};
+inline constexpr SettingRow kUnits{"Units", 168, StoreUnits, UnitsCode};
 
 }  // namespace vane

@@ -17,6 +17,7 @@
 #pragma once
 
 #include <array>
+#include <chrono>
 #include <cstdint>
 #include <functional>
 #include <initializer_list>
@@ -39,8 +40,14 @@ namespace vane {
 class CLongRun;
 struct SettingRow;
 
-/// A date and time as a count of days; the whole part is the day, the fraction the time of day.
+/// A date and time as a count of days; the whole part is the day, 0 being 30 December 1899, the
+/// fraction the time of day.
 using Date = double;
+
+/// The nearest whole second of `date`; before day 0 the fraction still counts forward from
+/// midnight. A date outside the years 100 to 9999 is the platform's overflow error.
+std::chrono::local_seconds MomentOf(Date date);
+Date DateOf(std::chrono::local_seconds moment);
 
 /// Takes an identification reply apart: the text before the first comma, trimmed, is the model, the
 /// number behind it the firmware. Without a comma the model is "<unknown>" and the firmware 0.
@@ -213,6 +220,16 @@ class CVaneT312B {
   bool VerifyMinimumFirmware() const { return HasRecentFirmware(); }
   static constexpr double MinFirmwareRequired() { return kRecentFirmware; }
 
+  /// Writes the whole copy, changed or not: the scanner's settings, the readout's own, and the
+  /// calibration when `CalParamPasscodeState` says that editing it is open. `Model` and `Firmware`
+  /// stay as they are. What was written before a failure or an abort stays written.
+  /// `inclchannels` has no effect: a channel writes itself.
+  bool UpdateInfo(ui::CWindow* frm = nullptr, bool inclchannels = false);
+
+  /// Sets the instrument's date and time to `SystemClock`, on a clock of 12 or 24 hours as the
+  /// user's own. `frm` is not used.
+  bool UpdateSystemClock(ui::CWindow* frm);
+
   // Reads and writes of single settings: true, or an error. Only `QueryUnits` can give false: for a
   // reply that names no unit, which makes `Units` `UNITS_NONE`.
 
@@ -238,8 +255,18 @@ class CVaneT312B {
   bool StartMeasure();
   bool StopMeasure();
 
+  bool UpdateUnits();
+  bool UpdateSampleAction();
   bool UpdateChannelMode();
   bool UpdateScannerScanMode();
+  bool UpdateInterval(ui::CWindow* frm = nullptr);  ///< `frm` is not used
+  bool UpdateConversionTime();
+  bool UpdateIntegrationTime();
+  bool UpdateSampleN();
+  bool UpdateRepetitions();
+  bool UpdateResolution();
+  bool UpdateResistanceResolution();
+  bool UpdateRatioResolution();
 
   /// The instrument has no delay between scan steps: true, and nothing is done.
   bool UpdateScanSeqDelay() { return true; }
@@ -366,9 +393,17 @@ class CVaneT312B {
              std::initializer_list<FieldText> fields = {});
   bool Query(const SettingRow& row);
   bool QueryCalParam(std::int16_t index);
-  bool Update(std::string_view name, std::int32_t id, std::initializer_list<FieldText> fields);
+  // One write of a setting.
+  bool Update(const SettingRow& row);
+  bool UpdateCalParam(std::int16_t index);
+  bool UpdateADC();
+  bool UpdateOven();
+  bool UpdateFilterType();
+  bool UpdateFilterResponseTime();
+  bool UpdateFilterThreshold();
 
   bool QueryScannerSettings(CLongRun& run, ui::CWindow* frm);
+  bool UpdateScannerSettings(CLongRun& run, ui::CWindow* frm);
   bool QueryScanChannelList(ui::CWindow* frm);
   bool UpdateScanScanMode(bool override, bool scmode);
 

@@ -2,6 +2,7 @@
 
 #include "vane/support/messages.h"
 #include "vane/support/text_table.h"
+#include "vane/support/timing.h"
 
 namespace vane {
 
@@ -17,14 +18,24 @@ bool CLongRun::Steps(std::initializer_list<RunStep> steps) {
 }
 
 bool CLongRun::Step(const RunStep& step) {
-  if (!LastStep(step)) return false;
-  if (Advance()) return true;
-  return policy_.abortedtext != 0 && StopWith(ResourceText(policy_.abortedtext));
+  if (!StepWithoutPause(step)) return false;
+  Pause();
+  return true;
+}
+
+bool CLongRun::StepWithoutPause(const RunStep& step) {
+  return LastStep(step) && (Advance() || StopWith(policy_.abortedtext, policy_.hidesbeforeabort));
 }
 
 bool CLongRun::LastStep(const RunStep& step) {
   name_ = step.name;
-  return step.run() || StopWith(SubstituteParams(ResourceText(policy_.failedtext), name_));
+  if (step.run()) return true;
+  failed_ = true;
+  return StopWith(policy_.failedtext, true, name_);
+}
+
+void CLongRun::Pause() {
+  if (policy_.pause > 0) PauseMs(policy_.pause);
 }
 
 void CLongRun::Hide() {
@@ -33,9 +44,10 @@ void CLongRun::Hide() {
 
 void CLongRun::Finish() { progress_->Finish(); }
 
-bool CLongRun::StopWith(const std::string& message) {
-  Hide();
-  ShowMessage(message);
+bool CLongRun::StopWith(std::int16_t text, bool hide, const std::string& value) {
+  if (text == 0) return false;
+  if (hide) Hide();
+  ShowMessage(SubstituteParams(ResourceText(text), value));
   return false;
 }
 
@@ -56,10 +68,10 @@ bool RunLong(const Components& components, const RunPolicy& policy, std::optiona
     }
     if (policy.raisesbusycursor) SetBusyCursor(true);
     const bool result = body(run);
-    run.End();
+    if (!run.failed_ || policy.finishonfailure) run.End();
     return result;
   } catch (...) {
-    run.Hide();
+    if (policy.hidesonerror) run.Hide();
     if (policy.errortext != 0) {
       ShowError(SubstituteParams(ResourceText(policy.errortext), run.name_), kCompanyName, {}, 0);
     }

@@ -17,7 +17,8 @@
 namespace vane {
 
 struct RunPolicy {
-  /// Shown with the step's name when a step gives false.
+  /// Shown with the step's name when a step gives false; 0 leaves the word to the caller of the
+  /// run.
   std::int16_t failedtext;
 
   /// Shown when the user stops the run; 0 leaves the word to the caller of the run.
@@ -27,14 +28,29 @@ struct RunPolicy {
   /// an attempt at the step that it came from, and the run ends with false. With 0 it climbs on.
   std::int16_t errortext = 0;
 
-  /// Whether an error also finishes the reporter. A read whose error climbs leaves that to the
-  /// reporter's release, and the busy cursor stays up until the box that shows the error clears it.
+  /// Whether the display makes room for the word that the user stopped the run. A write keeps it
+  /// up, so that he sees how far the instrument's settings have changed.
+  bool hidesbeforeabort = true;
+
+  /// Whether the display makes room for the box of an error.
+  bool hidesonerror = true;
+
+  /// Whether an error also finishes the reporter and takes away the busy cursor. A read whose error
+  /// climbs leaves the reporter to its release, and the cursor stays up until the box that shows
+  /// the error clears it.
   bool finishonerror = false;
+
+  /// Whether a step that gives false finishes the reporter. A range's write leaves that to the
+  /// reporter's release.
+  bool finishonfailure = true;
 
   /// Whether the run raises the busy cursor, and whether its end takes it away. A run within
   /// another leaves it up.
   bool raisesbusycursor = true;
   bool clearsbusycursor = true;
+
+  /// Milliseconds behind each step in which the instrument takes in what was written.
+  std::int32_t pause = 0;
 };
 
 /// Reads of several settings whose errors are shown further up.
@@ -52,10 +68,47 @@ inline constexpr RunPolicy kRangeReadRun{.failedtext = 107,
                                          .finishonerror = true,
                                          .clearsbusycursor = false};
 
+inline constexpr std::int32_t kWritePause = 300;  // ms
+
+/// Writes of several settings whose errors are shown further up.
+inline constexpr RunPolicy kWriteRun{.failedtext = 111,
+                                     .abortedtext = 112,
+                                     .hidesbeforeabort = false,
+                                     .hidesonerror = false,
+                                     .finishonerror = true,
+                                     .pause = kWritePause};
+
+/// Writes of a conversion's named values. An error is shown and nothing more: the box clears the
+/// busy cursor, and the release of the reporter takes its display away.
+inline constexpr RunPolicy kConversionWriteRun{.failedtext = 111,
+                                               .abortedtext = 112,
+                                               .errortext = 113,
+                                               .hidesonerror = false,
+                                               .pause = kWritePause};
+
+/// Writes of a conversion's numbered values.
+inline constexpr RunPolicy kSeriesWriteRun{.failedtext = 0,
+                                           .abortedtext = 112,
+                                           .errortext = 113,
+                                           .finishonerror = true,
+                                           .pause = kWritePause};
+
+/// Writes of one range of a conversion, within the run of the whole conversion.
+inline constexpr RunPolicy kRangeWriteRun{.failedtext = 0,
+                                          .abortedtext = 0,
+                                          .errortext = 113,
+                                          .finishonerror = true,
+                                          .finishonfailure = false,
+                                          .clearsbusycursor = false,
+                                          .pause = kWritePause};
+
 /// The steps of a scan sequence, within the run of the settings or alone. Who stops this one gets a
-/// shorter list and is told nothing.
-inline constexpr RunPolicy kScanSequenceRun{
-    .failedtext = 0, .abortedtext = 0, .raisesbusycursor = false, .clearsbusycursor = false};
+/// shorter list and is told nothing; an error leaves the display to the reporter's release.
+inline constexpr RunPolicy kScanSequenceRun{.failedtext = 0,
+                                            .abortedtext = 0,
+                                            .hidesonerror = false,
+                                            .raisesbusycursor = false,
+                                            .clearsbusycursor = false};
 
 /// A step gives false when it could not do its work without raising an error.
 struct RunStep {
@@ -72,13 +125,19 @@ class CLongRun {
   /// Advances the reporter. False when the user wants the run to end; nothing is said of it.
   bool Advance();
 
-  /// Runs the steps in their order. False after a step that failed or an abort; what the policy
-  /// has to say of it has then been said.
+  /// Runs the steps in their order, each with the policy's pause behind it. False after a step that
+  /// failed or an abort; what the policy has to say of it has then been said.
   bool Steps(std::initializer_list<RunStep> steps);
   bool Step(const RunStep& step);
 
+  /// A step that has pauses of its own.
+  bool StepWithoutPause(const RunStep& step);
+
   /// A step behind which the reporter doesn't advance and the user is not asked.
   bool LastStep(const RunStep& step);
+
+  /// The policy's pause.
+  void Pause();
 
   /// Takes the display off the screen, so that another display or a message box can come up.
   void Hide();
@@ -92,18 +151,19 @@ class CLongRun {
                       const std::string& firstname);
 
   CLongRun(const RunPolicy& policy, std::string name) : policy_(policy), name_(std::move(name)) {}
-  bool StopWith(const std::string& message);
+  bool StopWith(std::int16_t text, bool hide, const std::string& value = {});
   void End();
 
   const RunPolicy& policy_;
   std::unique_ptr<CVaneProgress> progress_;
   std::string name_;  // of the step that the run is on
+  bool failed_ = false;
 };
 
 /// Makes the reporter, raises the busy cursor, runs `body`, and takes both away again; the result
 /// is that of `body`. With `frm` given, the display belongs to that window and shows itself when
-/// there is one; without it, the reporter stays as it came. An error takes the display off the
-/// screen and then meets what the policy says; until the first step it belongs to `firstname`.
+/// there is one; without it, the reporter stays as it came. An error meets what the policy says;
+/// until the first step it belongs to `firstname`.
 bool RunLong(const Components& components, const RunPolicy& policy, std::optional<ui::CWindow*> frm,
              const std::function<bool(CLongRun&)>& body, const std::string& firstname = {});
 

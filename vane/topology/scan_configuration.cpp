@@ -15,13 +15,8 @@ namespace {
 constexpr std::int32_t WRITE_REPETITIONS = 55;
 constexpr std::int32_t WRITE_CHANNEL_MODE = 57;
 constexpr std::int32_t WRITE_SCANNER_SCAN_MODE = 105;
-constexpr std::int32_t WRITE_SCAN_SEQ_CHANNELS = 107;
-constexpr std::int32_t WRITE_SCAN_SEQ_STEPS = 109;
 constexpr std::int32_t READ_SCAN_STEP = 110;
 constexpr std::int32_t WRITE_SCAN_STEP = 111;
-constexpr std::int32_t WRITE_SCAN_CHANNEL = 117;
-
-constexpr std::int32_t kStepPause = 300;  // ms
 
 template <class Enum>
 std::string CodeText(Enum value) {
@@ -36,45 +31,25 @@ std::string CutItem(std::string& list) {
   return item;
 }
 
+const std::string& ModelOf(const CModule* md) {
+  if (md == nullptr) {
+    throw LibraryError(ERR_PLATFORM_CALL, {}, "The module of the scanner could not be made.");
+  }
+  return md->Model();
+}
+
 }  // namespace
 
-bool CVaneT312B::Update(std::string_view name, std::int32_t id,
-                        std::initializer_list<FieldText> fields) {
-  return Exchange("Update" + std::string(name), [&] {
-    Write(Line(), id, fields);
-    return true;
-  });
-}
+bool CVaneT312B::UpdateChannelMode() { return Update(kChannelMode); }
+bool CVaneT312B::UpdateScannerScanMode() { return Update(kScannerScanMode); }
+bool CVaneT312B::UpdateScanChannel() { return Update(kScanChannel); }
+bool CVaneT312B::UpdateScanSeqChannels() { return Update(kScanSeqChannels); }
+bool CVaneT312B::UpdateScanSeqSteps() { return Update(kScanSeqSteps); }
 
-bool CVaneT312B::UpdateChannelMode() {
-  return Update("ChannelMode", WRITE_CHANNEL_MODE,
-                {{&CommandParams::value, CodeText(ChannelMode())}});
-}
-
-bool CVaneT312B::UpdateScannerScanMode() {
-  return Update("ScannerScanMode", WRITE_SCANNER_SCAN_MODE,
-                {{&CommandParams::value, CodeText(ScannerScanMode())}});
-}
-
-bool CVaneT312B::UpdateScanChannel() {
-  return Update("ScanChannel", WRITE_SCAN_CHANNEL,
-                {{&CommandParams::Channel, std::to_string(ScanChannel())}});
-}
-
-bool CVaneT312B::UpdateScanSeqChannels() {
-  return Update("ScanSeqChannels", WRITE_SCAN_SEQ_CHANNELS,
-                {{&CommandParams::value, std::to_string(ScanSeqChannels())}});
-}
-
-bool CVaneT312B::UpdateScanSeqSteps() {
-  return Update("ScanSeqSteps", WRITE_SCAN_SEQ_STEPS,
-                {{&CommandParams::value, std::to_string(ScanSeqSteps())}});
-}
-
-// The scanner's stretch of the run of all settings.
+// The scanner's stretch of the read of all settings.
 bool CVaneT312B::QueryScannerSettings(CLongRun& run, ui::CWindow* frm) {
   run.Finish();
-  run.Start(SubstituteParams(ResourceText(105), Modules(1)->Model()), PercentShare(4));
+  run.Start(SubstituteParams(ResourceText(105), ModelOf(Modules(1))), PercentShare(4));
   const bool settings = run.Steps({
       {ResourceText(261), [&] { return Query(kScanChannel); }},
       {ResourceText(233), [&] { return QueryScannerScanMode(); }},
@@ -84,6 +59,22 @@ bool CVaneT312B::QueryScannerSettings(CLongRun& run, ui::CWindow* frm) {
   if (!settings) return false;
   run.Hide();  // the sequence has a reporter of its own
   return run.Step({ResourceText(265), [&] { return QueryScanChannelList(frm); }});
+}
+
+// The scanner's stretch of the write of all settings.
+bool CVaneT312B::UpdateScannerSettings(CLongRun& run, ui::CWindow* frm) {
+  run.Start(SubstituteParams(ResourceText(110), ModelOf(Modules(1))), PercentShare(3));
+  const bool settings = run.Steps({
+      {ResourceText(261), [&] { return UpdateScanChannel(); }},
+      {ResourceText(233), [&] { return UpdateScannerScanMode(); }},
+      {ResourceText(262), [&] { return UpdateScanSeqChannels(); }},
+  });
+  if (!settings) return false;
+  run.Hide();  // the sequence has a reporter of its own
+  run.Finish();
+  if (!run.LastStep({ResourceText(265), [&] { return UpdateScanChannelList(frm); }})) return false;
+  run.Pause();
+  return true;
 }
 
 bool CVaneT312B::QueryScanChannelList(ui::CWindow* frm) {
@@ -133,7 +124,7 @@ bool CVaneT312B::UpdateScanChannelList(ui::CWindow* frm) {
         line.params().Channel = std::to_string(value);
         line.WriteSetting(WRITE_SCAN_STEP);
         if (!run.Advance()) break;
-        PauseMs(kStepPause);
+        PauseMs(kWritePause);
       }
       return true;
     });
