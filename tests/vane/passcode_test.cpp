@@ -13,7 +13,7 @@ class Passcode : public testing::Test {
  protected:
   Passcode() {
     host_.ConnectWith(false);
-    host_.script.replies["read -1 text=PC?"] = "Secret";
+    host_.script.replies["read -1 text=PC?"] = host_.script.replies["read -1"] = "Secret";
   }
 
   bool Validate(std::vector<std::string> typed) {
@@ -58,6 +58,13 @@ TEST_F(Passcode, ThatCannotBeReadIsAnErrorOfTheLine) {
   EXPECT_EQ(error.Number(), kLineError);
   EXPECT_EQ(error.HelpFile() + std::to_string(error.HelpContext()), "VaneT312B.hlp6");
   EXPECT_EQ(host_.log.Lines().back(), "release dialog");
+}
+
+TEST_F(Passcode, LeavesTheFieldsOfTheExchangeBeforeItAlone) {
+  host_.script.replies["read 12"] = "1";
+  it_.QueryMeasurement(2);
+  EXPECT_TRUE(Validate({"Secret"}));
+  EXPECT_EQ(host_.log.Only({"read"}), "read -1 Channel=2 text=PC?\n");
 }
 
 }  // namespace

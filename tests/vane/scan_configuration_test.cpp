@@ -79,6 +79,11 @@ TEST_F(ScanConfiguration, AScanModeIsWrittenAsTheReadoutAtHandTakesIt) {
                         : std::string("write 57 value=") + row.without + "\n");
     }
     EXPECT_EQ(it_.ScanMode(), ET312BScanMode::SM_INPUT_2_SCAN);
+    EXPECT_EQ(static_cast<int>(it_.ChannelMode()), 0);
+    host_.script.silent.insert("write 57");
+    EXPECT_EQ(CTestHost::ErrorOf([&] { it_.UpdateScanMode(); }).Source(),
+              "CVaneT312B - UpdateScanMode");
+    host_.script.silent.clear();
   }
 }
 
@@ -106,7 +111,8 @@ TEST_F(ScanConfiguration, BadItemStopsAfterWritingTheStepsBeforeIt) {
     const char* list;
     std::size_t written;
     int steps;
-  } rows[] = {{"13", 0, 1}, {"1", 0, 1}, {"", 0, 1}, {"3,12,13,4", 2, 4}, {"3,,4", 1, 3}};
+  } rows[] = {{"13", 0, 1},   {"1", 0, 1},   {"", 0, 1},     {"3,12,13,4", 2, 4},
+              {"3,,4", 1, 3}, {"1.6", 0, 1}, {"12.4", 0, 1}, {"3,40000", 1, 2}};
   for (const auto& row : rows) {
     const LibraryError error = ErrorOfList(row.list);
     EXPECT_EQ(error.Number(), ERR_INVALID_CHANNEL) << row.list;
@@ -116,12 +122,28 @@ TEST_F(ScanConfiguration, BadItemStopsAfterWritingTheStepsBeforeIt) {
     EXPECT_EQ(static_cast<std::size_t>(std::ranges::count(writes, '\n')), row.written);
     EXPECT_EQ(it_.ScanSeqSteps(), row.steps) << row.list;
     EXPECT_EQ(host_.log.Only({"hide", "finish", "busy"}), "");
+    EXPECT_EQ(host_.log.Count("write 109 value=" + std::to_string(row.steps)), 1u);
   }
+  std::string list = "3";
+  for (int n = 1; n < 32768; ++n) list += ",3";
+  EXPECT_EQ(ErrorOfList(list).Number(), ERR_PLATFORM_OVERFLOW);
+  EXPECT_EQ(host_.log.Only({"write"}), "");
+
+  host_.script.replies["read 43"] = "9";
+  it_.QueryChannelInfo();
+  EXPECT_EQ(ErrorOfList("9").Number(), 0);
+  EXPECT_EQ(ErrorOfList("10").Number(), ERR_INVALID_CHANNEL);
+  host_.script.silent.insert("write 111");
+  EXPECT_EQ(ErrorOfList("9").Number(), kLineError);
 }
 
 TEST_F(ScanConfiguration, AnAbortedListIsShorterAndNoFailure) {
   Attach(true);
   it_.SetScanChannels("3,4,5");
+  host_.steps = 0;
+  host_.abortat = 1;  // behind the number of steps, where nobody is asked
+  EXPECT_TRUE(it_.UpdateScanChannelList());
+  EXPECT_EQ(host_.log.Count("write 111 Channel=3 Index=3 value=3"), 1u);
   host_.steps = 0;
   host_.abortat = 2;
   host_.log.Clear();

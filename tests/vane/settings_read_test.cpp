@@ -1,6 +1,8 @@
 // The whole read of the settings: its order, its stretches, and every way in which it can stop.
 #include <gtest/gtest.h>
 
+#include <functional>
+
 #include "tests/support/transcript.h"
 
 namespace vane {
@@ -16,8 +18,17 @@ class SettingsRead : public testing::Test {
   void Attach(bool scanner) {
     auto& replies = host_.script.replies;
     for (int id = 5; id <= 8; ++id) replies["read " + std::to_string(id)] = "OFF";
-    for (const int id : {26, 28, 32, 34, 36, 54, 56, 58, 66, 68, 70, 76, 84, 104, 106, 116}) {
-      replies["read " + std::to_string(id)] = "3";
+    // Every number is its own, so that none can be taken for another.
+    for (const int id : {26, 28, 32, 34, 36, 54, 58, 84, 106, 116}) {
+      replies["read " + std::to_string(id)] = std::to_string(id);
+    }
+    replies["read 56"] = "3";
+    replies["read 104"] = "2";
+    replies["read 66"] = "6";
+    replies["read 68"] = "12";
+    replies["read 70"] = "5";
+    for (int i = 0; i < 5; ++i) {
+      replies["read 76 Index=" + std::to_string(i)] = std::to_string(i + 0.5);
     }
     replies["read 24"] = "EXP";
     replies["read 60"] = "SAMPLE N";
@@ -64,8 +75,18 @@ TEST_F(SettingsRead, AsksForEverythingInItsOrder) {
   EXPECT_EQ(it_.Units(), ET312BUnits::UNITS_OHMS);
   EXPECT_EQ(it_.SampleAction(), ET312BSampleAction::SA_SAMPLE_N);
   EXPECT_EQ(it_.Oven(), ET312BOven::OVEN_ON);
-  EXPECT_EQ(it_.Interval() + it_.ConversionTime() + it_.IntegrationTime() + it_.SampleN(), 12);
-  EXPECT_EQ(it_.CalParams(ET312BCalParams::CP_10K_OHM) + it_.ADC() + it_.FilterThreshold(), 9);
+  EXPECT_EQ(
+      std::vector<double>({it_.FilterRespTime(), it_.FilterThreshold(), double(it_.Interval()),
+                           double(it_.ConversionTime()), double(it_.IntegrationTime()),
+                           double(it_.Repetitions()), double(it_.SampleN()), it_.ADC(),
+                           double(it_.ScanSeqChannels()), double(it_.ScanChannel())}),
+      std::vector<double>({26, 28, 32, 34, 36, 54, 58, 84, 106, 116}));
+  EXPECT_EQ(it_.Resolution() * 100 + it_.ResistanceResolution() * 10 + it_.RatioResolution(), 685);
+  for (int i = 0; i < 5; ++i) EXPECT_EQ(it_.CalParams(static_cast<ET312BCalParams>(i)), i + 0.5);
+  EXPECT_EQ(it_.ChannelMode(), ET312BChannelMode::CM_SCANNER_CHANNEL);
+  EXPECT_EQ(it_.ScannerScanMode(), ET312BScannerScanMode::SSM_INPUT_2_SCAN);
+  EXPECT_EQ(host_.log.Count("step"), 1u + 25u + 4u + 1u + 2u + 2u + 10u);
+  EXPECT_EQ(host_.log.Count("attach window"), 4u);
   EXPECT_EQ(it_.ScanChannels(), "3,2");
   EXPECT_EQ(it_.ConvPasscodeState(), ET312BPasscodeState::PS_ENABLED);
   EXPECT_TRUE(it_.Changed());
@@ -73,6 +94,7 @@ TEST_F(SettingsRead, AsksForEverythingInItsOrder) {
 
 TEST_F(SettingsRead, LeavesOutWhatIsNotThereOrNotWanted) {
   Attach(false);
+  host_.script.replies["read 18"] = "T312B, 5.04";
   EXPECT_TRUE(it_.QueryInfo());
   EXPECT_EQ(host_.log.Only({"read", "write"}), std::string(kSettings) + kInputs);
   Reset();
@@ -84,6 +106,20 @@ TEST_F(SettingsRead, LeavesOutWhatIsNotThereOrNotWanted) {
   host_.script.replies["read 130"] = "RATIO";
   EXPECT_TRUE(it_.QueryInfo(nullptr, true, true));
   EXPECT_EQ(host_.log.Count("read 130 Probe=5"), 2u);
+  EXPECT_EQ(host_.log.Count("invisible") + host_.log.Count("attach none"), 2 * 6u);
+  EXPECT_EQ(it_.Firmware(), 5.04);
+}
+
+TEST_F(SettingsRead, AModuleThatStopsIsNoFailureButOneThatFailsOrIsMissingIs) {
+  host_.abortat = 1u + 25u + 4u + 2u + 1u + 1u;  // the first channel of the inputs
+  EXPECT_TRUE(it_.QueryInfo());
+  EXPECT_EQ(host_.log.Count("read 112 Channel=10"), 1u);
+  host_.abortat.reset();
+  host_.script.silent.insert("read 112");
+  EXPECT_EQ(CTestHost::ErrorOf([&] { it_.QueryInfo(); }).Source(), "CVaneT312B - QueryInfo");
+  host_.probesfail = true;
+  const LibraryError error = CTestHost::ErrorOf([&] { it_.QueryInfo(); });
+  EXPECT_EQ(error.Description(), "Module 1 could not be made.");
 }
 
 TEST_F(SettingsRead, EveryStepCanBeStopped) {
@@ -100,6 +136,14 @@ TEST_F(SettingsRead, EveryStepCanBeStopped) {
     EXPECT_EQ(host_.log.Lines().back(), "busy off");
   }
   EXPECT_EQ(it_.ScanChannels(), "3,2");
+  Reset();
+  it_.SetFilterRespTime(1);
+  it_.SetFilterThreshold(1);
+  host_.abortat = 7;  // behind the response time
+  EXPECT_FALSE(it_.QueryInfo());
+  EXPECT_EQ(it_.FilterRespTime(), 26);
+  EXPECT_EQ(it_.FilterThreshold(), 1);
+  EXPECT_EQ(host_.log.Count("read 28"), 0u);
 }
 
 TEST_F(SettingsRead, EveryExchangeThatFailsEndsTheRunAndLeavesTheCursorToTheBox) {
@@ -163,7 +207,8 @@ TEST_F(SettingsRead, WordsAreFoundAnywhereInTheirOrder) {
     const char* reply;
     int units;
   } units[] = {{"OHM", 4},   {"K OHM", 2}, {"C", 0},  {"RATIO C", 0}, {"F", 1},
-               {"RATIO", 6}, {"W", 10},    {"c", -1}, {"", -1}};
+               {"RATIO", 6}, {"W", 10},    {"c", -1}, {"", -1},       {"F K", 1},
+               {"OHM R", 4}, {"R W", 6},   {"O", -1}};
   for (const auto& row : units) {
     read("read 168", row.reply);
     EXPECT_EQ(static_cast<int>(it_.Units()), row.units) << row.reply;
@@ -174,9 +219,11 @@ TEST_F(SettingsRead, WordsAreFoundAnywhereInTheirOrder) {
     int filter;
     int action;
     int oven;
-  } rows[] = {{"NONE", 0, 1, 0},     {"AVERAGE", 1, 0, 1}, {"EXPONENTIAL", 2, 1, 0},
-              {"SAMPLE N", 0, 2, 1}, {"STOP", 0, 1, 1},    {"RST", 0, 0, 1},
-              {"on", 0, 1, 0},       {"off", 0, 1, 1},     {"", 0, 1, 1}};
+  } rows[] = {{"NONE", 0, 1, 0},         {"AVERAGE", 1, 0, 1},     {"EXPONENTIAL", 2, 1, 0},
+              {"SAMPLE N", 0, 2, 1},     {"STOP", 0, 1, 1},        {"RST", 0, 0, 1},
+              {"on", 0, 1, 0},           {"off", 0, 1, 1},         {"", 0, 1, 1},
+              {"NONE AVERAGE", 0, 0, 0}, {"AVERAGE EXP", 1, 0, 1}, {"ON OFF", 0, 1, 0},
+              {"ST SAMPLE N", 0, 1, 1},  {"EXP", 2, 1, 1}};
   for (const auto& row : rows) {
     host_.script.replies["read 60"] = host_.script.replies["read 86"] = row.reply;
     read("read 24", row.reply);
@@ -187,14 +234,53 @@ TEST_F(SettingsRead, WordsAreFoundAnywhereInTheirOrder) {
 }
 
 TEST_F(SettingsRead, AllFourProtectionFlagsAreRead) {
+  EXPECT_TRUE(it_.QueryInfo(nullptr, false));
+  EXPECT_FALSE(it_.ProtectConversion() || it_.ProtectCalParams() || it_.ProtectSampling() ||
+               it_.ProtectUnitsTime());
+  EXPECT_EQ(it_.ConvPasscodeState(), ET312BPasscodeState::PS_ENABLED);
   host_.script.replies["read 5"] = "ON";
+  host_.script.replies["read 6"] = "NO";
   host_.script.replies["read 7"] = "PROTECTION ON";
   host_.script.replies["read 8"] = "on";
-  it_.SetConvPasscodeState(ET312BPasscodeState::PS_ENABLED);
   EXPECT_TRUE(it_.QueryInfo(nullptr, false));
   EXPECT_TRUE(it_.ProtectConversion() && it_.ProtectSampling());
   EXPECT_FALSE(it_.ProtectCalParams() || it_.ProtectUnitsTime());
   EXPECT_EQ(it_.ConvPasscodeState(), ET312BPasscodeState::PS_DISABLED);
+}
+
+TEST_F(SettingsRead, SingleReadsHaveTheirOwnLabels) {
+  const struct {
+    const char* name;
+    bool (CVaneT312B::*query)();
+    const char* command;
+  } rows[] = {{"Units", &CVaneT312B::QueryUnits, "read 168"},
+              {"SampleAction", &CVaneT312B::QuerySampleAction, "read 60"},
+              {"ChannelMode", &CVaneT312B::QueryChannelMode, "read 56"},
+              {"ScannerScanMode", &CVaneT312B::QueryScannerScanMode, "read 104"}};
+  for (const auto& row : rows) {
+    host_.script.silent.insert(row.command);
+    EXPECT_EQ(CTestHost::ErrorOf([&] { std::invoke(row.query, it_); }).Source(),
+              std::string("CVaneT312B - Query") + row.name);
+  }
+}
+
+TEST_F(SettingsRead, TheSequenceIsReadToItsLastStep) {
+  it_.SetScanChannels("7,8");
+  const struct {
+    const char* steps;
+    std::size_t abort;
+    const char* list;
+  } rows[] = {{"1", 0, "3"}, {"2", 31, "3"}, {"-4", 0, ""}};
+  for (const auto& row : rows) {
+    Reset();
+    host_.script.replies["read 108"] = row.steps;
+    host_.abortat = row.abort;
+    EXPECT_TRUE(it_.QueryInfo(nullptr, false));
+    EXPECT_EQ(it_.ScanChannels(), row.list) << row.steps;
+  }
+  host_.script.replies["read 108"] = "32767";
+  EXPECT_TRUE(it_.QueryInfo(nullptr, false));
+  EXPECT_EQ(host_.log.Count("read 110 Index=32767"), 1u);
 }
 
 }  // namespace

@@ -55,7 +55,7 @@ bool CVaneT312BPRTTHRMChannel::QueryInfo(ui::CWindow* frm) {
   return Labelled(kClassName, "QueryInfo", [&] {
     return RunLong(components_, kReadRun, frm, [&](CLongRun& run) {
       const bool scanner = ActualChannel() > kNumInputs;
-      const std::int16_t shown = scanner ? ScannerChannel(ActualChannel()) : ActualChannel();
+      const std::int32_t shown = scanner ? ScannerChannel(ActualChannel()) : ActualChannel();
       run.Start(SubstituteParams(ResourceText(scanner ? 293 : 119), std::to_string(shown)), 100);
       const std::string name = std::to_string(ActualChannel()) + " " + ResourceText(287);
       if (!run.Step({name, [&] { return QueryProbeIndex(); }})) return false;
@@ -86,7 +86,7 @@ bool CVaneT312BPRTTHRMChannel::QueryProbeInfo(std::int16_t prbidx, ui::CWindow* 
 bool CVaneT312BPRTTHRMChannel::QueryProbeIndex() {
   return Labelled(kClassName, "QueryProbeIndex", [&] {
     const bool scanner = ActualChannel() > kNumInputs;
-    const std::int16_t number = scanner ? ScannerChannel(ActualChannel()) : ActualChannel();
+    const std::int32_t number = scanner ? ScannerChannel(ActualChannel()) : ActualChannel();
     const std::string reply = Read(Line(), scanner ? READ_SCANNER_PROBE_INDEX : READ_PROBE_INDEX,
                                    {{&CommandParams::Channel, std::to_string(number)}});
     SetProbeIndex(ToInteger(NumberFromText(reply)));

@@ -77,7 +77,7 @@ bool CVaneT312BPRTTHRMChannel::UpdateInfo(ui::CWindow* frm) {
   return Labelled(kClassName, "UpdateInfo", [&] {
     return RunLong(components_, kWriteRun, frm, [&](CLongRun& run) {
       const bool scanner = ActualChannel() > kNumInputs;
-      const std::int16_t shown = scanner ? ScannerChannel(ActualChannel()) : ActualChannel();
+      const std::int32_t shown = scanner ? ScannerChannel(ActualChannel()) : ActualChannel();
       run.Start(SubstituteParams(ResourceText(scanner ? 294 : 121), std::to_string(shown)), 100);
       const std::string name = std::to_string(ActualChannel()) + " " + ResourceText(287);
       if (!run.Step({name, [&] { return UpdateProbeIndex(); }})) return false;
@@ -113,7 +113,7 @@ bool CVaneT312BPRTTHRMChannel::UpdateProbeInfo(std::int16_t prbidx, ui::CWindow*
 bool CVaneT312BPRTTHRMChannel::UpdateProbeIndex() {
   return Labelled(kClassName, "UpdateProbeIndex", [&] {
     const bool scanner = ActualChannel() > kNumInputs;
-    const std::int16_t number = scanner ? ScannerChannel(ActualChannel()) : ActualChannel();
+    const std::int32_t number = scanner ? ScannerChannel(ActualChannel()) : ActualChannel();
     Write(Line(), scanner ? WRITE_SCANNER_PROBE_INDEX : WRITE_PROBE_INDEX,
           {{&CommandParams::Probe, std::to_string(ProbeIndex())},
            {&CommandParams::Channel, std::to_string(number)}});

@@ -38,10 +38,8 @@ bool CVaneT312B::InitializeCommunications(const std::string& fp, EVanePortNumber
     communications_->SetInstrumentKind(kInstrumentKind);
     port.SetBaudRate(br);
     port.SetPortNumber(cp);
-    if (!registry_) {
-      throw LibraryError(ERR_PLATFORM_CALL, {}, "There is no registry component.");
-    }
-    port.SetAutoClose(registry_->ReadBoolean("COMAutoClose", false, kCurrentUserRoot, {}) != 0);
+    port.SetAutoClose(RequiredRegistry().ReadBoolean("COMAutoClose", false, kCurrentUserRoot, {}) !=
+                      0);
     return true;
   } catch (...) {
     const LibraryError error = PendingError();

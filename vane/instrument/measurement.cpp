@@ -52,7 +52,7 @@ double CVaneT312B::QueryMeasurement(std::int16_t chan, bool waitfornew) {
   });
 }
 
-double CVaneT312B::QueryScannerMeasurement(std::int16_t chan, bool waitfornew) {
+double CVaneT312B::QueryScannerMeasurement(std::int32_t chan, bool waitfornew) {
   if (chan > ScannerChannel(NumChannels()) || chan < 1) {
     throw LibraryError(ERR_INVALID_CHANNEL, Label("QueryScannerMeasurement"), ResourceText(171));
   }

@@ -75,7 +75,7 @@ bool CVaneT312B::QueryInfo(ui::CWindow* frm, bool inclmodules, bool inclchannels
       if (HasScanners() && !QueryScannerSettings(run, frm)) return false;
       if (inclmodules) {
         for (std::int16_t idx = 0; idx < NumModules(); ++idx) {
-          if (CModule* const md = Modules(idx)) md->QueryInfo(frm, inclchannels);
+          MadeModule(idx).QueryInfo(frm, inclchannels);
         }
       }
       return true;

@@ -82,6 +82,20 @@ CVaneCommunications& CVaneT312B::Line() const {
   return *communications_;
 }
 
+CModule& CVaneT312B::MadeModule(std::int16_t idx) const {
+  CModule* const md = Modules(idx);
+  if (md == nullptr) {
+    throw LibraryError(ERR_PLATFORM_CALL, {},
+                       "Module " + std::to_string(idx) + " could not be made.");
+  }
+  return *md;
+}
+
+CVaneRegistry& CVaneT312B::RequiredRegistry() const {
+  if (!registry_) throw LibraryError(ERR_PLATFORM_CALL, {}, "There is no registry component.");
+  return *registry_;
+}
+
 double CVaneT312B::MaxCalParamValue(ET312BCalParams cp) { return CalParamOf(cp).maximum; }
 
 double CVaneT312B::MinCalParamValue(ET312BCalParams cp) { return CalParamOf(cp).minimum; }

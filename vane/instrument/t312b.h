@@ -5,7 +5,8 @@
 // the registry component of the host. `Query...` operations fill the copy from the instrument;
 // properties by themselves never talk to it, and reading one never fails for lack of it.
 //
-// Order of use: `SetRegistry`, `InitializeCommunications`, `QueryChannelInfo`, then the rest.
+// Order of use: `SetRegistry`, `InitializeCommunications`, `QueryInfo` or `QueryChannelInfo`, then
+// the rest.
 //
 // Results and failures. An operation with a Boolean result gives true when it is done, false when
 // the user has already been told why not; everything else that goes wrong is a `LibraryError`, with
@@ -13,7 +14,7 @@
 //
 // An object lives on the thread that made it, and every operation blocks that thread. Nothing here
 // locks. While an operation pauses, the platform's message queue runs, so a host's event handlers
-// may be entered; they must not start another exchange.
+// may be entered; they must not start another exchange or initialize communications anew.
 #pragma once
 
 #include <array>
@@ -374,6 +375,10 @@ class CVaneT312B {
 
   // The communications component; raises when there is none yet.
   CVaneCommunications& Line() const;
+  // The module at `idx`; raises when it could not be made.
+  CModule& MadeModule(std::int16_t idx) const;
+  // The host's registry component; raises when there is none.
+  CVaneRegistry& RequiredRegistry() const;
 
   // Runs an operation that talks to the instrument: what it raises is raised again under the
   // operation's label with the object's help fields as they are then.
@@ -421,7 +426,7 @@ class CVaneT312B {
   void RebuildModules(std::int16_t value);
   void SetNumChannels(std::int16_t value) { numchannels_ = value; }
 
-  double QueryScannerMeasurement(std::int16_t chan, bool waitfornew);
+  double QueryScannerMeasurement(std::int32_t chan, bool waitfornew);
   void WaitForNewData();
   double MeasurementOf(std::string_view operation, std::int16_t failedtext,
                        const std::function<double()>& body);

@@ -17,9 +17,10 @@ namespace vane {
 /// Inputs of the readout itself; every instrument channel number above is a scanner channel's.
 inline constexpr std::int16_t kNumInputs = 2;
 
-/// A scanner channel's number on the scanner, from its instrument channel number.
-constexpr std::int16_t ScannerChannel(std::int16_t instrumentchannel) {
-  return static_cast<std::int16_t>(instrumentchannel - kNumInputs);
+/// A scanner channel's number on the scanner, from its instrument channel number. Wide enough for
+/// any count of channels that an instrument may answer.
+constexpr std::int32_t ScannerChannel(std::int32_t instrumentchannel) {
+  return instrumentchannel - kNumInputs;
 }
 
 }  // namespace vane

@@ -31,13 +31,6 @@ std::string CutItem(std::string& list) {
   return item;
 }
 
-const std::string& ModelOf(const CModule* md) {
-  if (md == nullptr) {
-    throw LibraryError(ERR_PLATFORM_CALL, {}, "The module of the scanner could not be made.");
-  }
-  return md->Model();
-}
-
 }  // namespace
 
 bool CVaneT312B::UpdateChannelMode() { return Update(kChannelMode); }
@@ -49,7 +42,7 @@ bool CVaneT312B::UpdateScanSeqSteps() { return Update(kScanSeqSteps); }
 // The scanner's stretch of the read of all settings.
 bool CVaneT312B::QueryScannerSettings(CLongRun& run, ui::CWindow* frm) {
   run.Finish();
-  run.Start(SubstituteParams(ResourceText(105), ModelOf(Modules(1))), PercentShare(4));
+  run.Start(SubstituteParams(ResourceText(105), MadeModule(1).Model()), PercentShare(4));
   const bool settings = run.Steps({
       {ResourceText(261), [&] { return Query(kScanChannel); }},
       {ResourceText(233), [&] { return QueryScannerScanMode(); }},
@@ -63,7 +56,7 @@ bool CVaneT312B::QueryScannerSettings(CLongRun& run, ui::CWindow* frm) {
 
 // The scanner's stretch of the write of all settings.
 bool CVaneT312B::UpdateScannerSettings(CLongRun& run, ui::CWindow* frm) {
-  run.Start(SubstituteParams(ResourceText(110), ModelOf(Modules(1))), PercentShare(3));
+  run.Start(SubstituteParams(ResourceText(110), MadeModule(1).Model()), PercentShare(3));
   const bool settings = run.Steps({
       {ResourceText(261), [&] { return UpdateScanChannel(); }},
       {ResourceText(233), [&] { return UpdateScannerScanMode(); }},
@@ -81,10 +74,11 @@ bool CVaneT312B::QueryScanChannelList(ui::CWindow* frm) {
   return Exchange("QueryScanChannelList", [&] {
     SetScanChannels({});
     return RunLong(components_, kScanSequenceRun, frm, [&](CLongRun& run) {
-      run.Start(ResourceText(117), PercentShare(ScanSeqSteps()));
+      const std::int32_t steps = ScanSeqSteps();
+      run.Start(ResourceText(117), PercentShare(steps));
       CVaneCommunications& line = Line();
       line.params().ClearAll();
-      for (std::int16_t step = 1; step <= ScanSeqSteps(); ++step) {
+      for (std::int32_t step = 1; step <= steps; ++step) {
         line.params().Index = std::to_string(step);
         // A step that was never set answers nothing and counts as Input 2.
         const std::int16_t value =
@@ -113,15 +107,16 @@ bool CVaneT312B::UpdateScanChannelList(ui::CWindow* frm) {
       // The number of steps is the first stage.
       run.Start(ResourceText(116), PercentShare(ScanSeqSteps() + 1));
       run.Advance();
-      const std::int16_t steps = ScanSeqSteps();
-      for (std::int16_t step = 1; step <= steps; ++step) {
+      const std::int32_t steps = ScanSeqSteps();
+      const std::int32_t highest = ScannerChannel(NumChannels());
+      for (std::int32_t step = 1; step <= steps; ++step) {
         line.params().Index = std::to_string(step);
-        const std::int32_t value = ToInteger(NumberFromText(CutItem(list))) - kNumInputs;
-        if (value > ScannerChannel(NumChannels()) || value < 0) {
+        const double value = NumberFromText(CutItem(list)) - kNumInputs;
+        if (value > highest || value < 0) {
           throw LibraryError(ERR_INVALID_CHANNEL, Label("UpdateScanChannelList"),
                              ResourceText(217));
         }
-        line.params().Channel = std::to_string(value);
+        line.params().Channel = std::to_string(ToInteger(value));
         line.WriteSetting(WRITE_SCAN_STEP);
         if (!run.Advance()) break;
         PauseMs(kWritePause);
