@@ -23,7 +23,8 @@ function(vane_configure target)
     $<$<BOOL:${VANE_WARNINGS_AS_ERRORS}>:-Werror>)
   if(VANE_SANITIZE)
     # The sanitizers' own code makes g++ see uninitialized values where there are none.
-    target_compile_options(${target} PRIVATE -Wno-maybe-uninitialized)
+    target_compile_options(${target} PRIVATE
+      $<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>)
     target_compile_options(${target} PUBLIC $<BUILD_INTERFACE:-fsanitize=address,undefined>
       $<BUILD_INTERFACE:-fno-sanitize-recover=all> $<BUILD_INTERFACE:-fno-omit-frame-pointer>)
     target_link_options(${target} PUBLIC $<BUILD_INTERFACE:-fsanitize=address,undefined>)

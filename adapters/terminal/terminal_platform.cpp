@@ -2,10 +2,8 @@
 
 #include <langinfo.h>
 #include <poll.h>
-#include <unistd.h>
 
 #include <algorithm>
-#include <cerrno>
 #include <climits>
 #include <clocale>
 #include <cstdlib>
@@ -14,6 +12,7 @@
 #include <string_view>
 
 #include "adapters/terminal/clock_text.h"
+#include "adapters/terminal/terminal_input.h"
 #include "adapters/terminal/terminal_output.h"
 
 namespace vane {
@@ -70,28 +69,22 @@ EBoxButton CTerminalPlatform::Ask() {
     WriteToTerminal(output_, why);
     return EBoxButton::kNo;
   };
-  if (!::isatty(input_) || !::isatty(output_)) return no("No: there is no terminal to ask on.\n");
+  if (!CanAsk(input_, output_)) return no("No: there is no terminal to ask on.\n");
 
-  std::string line;
   WriteToTerminal(output_, "Yes or no? ");
   for (;;) {
-    if (interrupts_.Pending()) return no("\nNo: interrupted.\n");
-    pollfd waiting[] = {{input_, POLLIN, 0}, {interrupts_.Descriptor(), POLLIN, 0}};
-    if (::poll(waiting, 2, -1) < 0 || !waiting[0].revents) continue;
-
-    // One character at a time, so that what follows the line stays for whoever reads next.
-    char c = 0;
-    const ssize_t size = ::read(input_, &c, 1);
-    if (size < 0 && errno == EINTR) continue;
-    if (size <= 0) return no("\nNo: the input has ended.\n");
-    if (c != '\n') {
-      line += c;
-      continue;
+    std::string line;
+    switch (ReadLine(interrupts_, input_, line)) {
+      case ELineEnd::kInterrupted:
+        return no("\nNo: interrupted.\n");
+      case ELineEnd::kEndOfInput:
+        return no("\nNo: the input has ended.\n");
+      case ELineEnd::kLine:
+        break;
     }
     const std::string word = Word(line);
     if (word == "y" || word == "yes") return EBoxButton::kYes;
     if (word == "n" || word == "no") return EBoxButton::kNo;
-    line.clear();
     WriteToTerminal(output_, "Please answer yes or no: ");
   }
 }

@@ -15,6 +15,8 @@ namespace {
 
 constexpr double kWhole = 100;
 constexpr std::chrono::milliseconds kRedrawInterval{50};
+constexpr std::chrono::milliseconds kMeasureTime{500};
+constexpr double kSlowRate = 10;  // per second; below it the tenths tell something
 constexpr std::size_t kUsualColumns = 80;
 constexpr std::size_t kMinBar = 10;
 constexpr std::size_t kMaxBar = 40;
@@ -62,6 +64,8 @@ void CTerminalProgress::Start(const std::string& text, double share) {
       caption_.begin(), caption_.end(), [](char c) { return c == '\n' || c == '\t'; }, ' ');
   share_ = share;
   percent_ = 0;
+  total_ = 0;
+  starttime_ = std::chrono::steady_clock::now();
   hidden_ = false;
   running_ = true;
   Refresh(true);
@@ -72,6 +76,8 @@ bool CTerminalProgress::Step(std::int32_t total, std::int32_t position, std::int
     percent_ += share_;
   } else if (total > 0) {
     percent_ = kWhole * position / total;
+    total_ = total;
+    position_ = position;
   }
   percent_ = std::clamp(percent_, 0.0, kWhole);
   Refresh(false);
@@ -107,18 +113,32 @@ void CTerminalProgress::Refresh(bool now) {
   drawntime_ = time;
 }
 
+// "  37/s  0:05 left", once there has been time to measure.
+std::string CTerminalProgress::RateText() const {
+  const std::chrono::duration<double> passed = std::chrono::steady_clock::now() - starttime_;
+  if (total_ == 0 || position_ <= 0 || passed < kMeasureTime) return {};
+  const double rate = position_ / passed.count();
+  const long left = std::lround(std::ceil((total_ - position_) / rate));
+  char text[48];
+  std::snprintf(text, sizeof text, "  %.*f/s  %ld:%02ld left", rate < kSlowRate ? 1 : 0, rate,
+                left / 60, left % 60);
+  return text;
+}
+
 // "Reading settings [#####-----]  50%", or as much of it as there is room for.
 std::string CTerminalProgress::Line() const {
   char number[16];
   std::snprintf(number, sizeof number, "%3ld%%", std::lround(percent_));
+  const std::string rate = RateText();
 
-  constexpr std::size_t frame = std::string_view(" [] 100%").size();
+  const std::size_t frame = std::string_view(" [] 100%").size() + rate.size();
   const std::size_t room = UsableColumns(output_);
   if (room < frame + kMinBar) return number;
   const std::string caption = Cut(caption_, room - frame - kMinBar);
   const std::size_t bar = std::min(room - frame - Columns(caption), kMaxBar);
   const auto done = static_cast<std::size_t>(static_cast<double>(bar) * percent_ / kWhole);
-  return caption + " [" + std::string(done, '#') + std::string(bar - done, '-') + "] " + number;
+  return caption + " [" + std::string(done, '#') + std::string(bar - done, '-') + "] " + number +
+         rate;
 }
 
 }  // namespace vane

@@ -12,7 +12,7 @@
 
 namespace vane {
 
-class CTerminalProgress : public CVaneProgress {
+class CTerminalProgress final : public CVaneProgress {
  public:
   /// `interrupts` outlives the reporter; the descriptor stays the host's.
   explicit CTerminalProgress(CInterrupts& interrupts, int output = 2);
@@ -28,6 +28,7 @@ class CTerminalProgress : public CVaneProgress {
   void Start(const std::string& text, double share) override;
 
   /// False once an interrupt is pending. The bar stops at 100 percent, however many steps come.
+  /// With a position, the line also tells the rate and the time that is left.
   bool Step(std::int32_t total, std::int32_t position, std::int32_t extra) override;
 
   /// Clears the interrupt that has stopped the run. One that came after the last step stays pending
@@ -39,6 +40,7 @@ class CTerminalProgress : public CVaneProgress {
   /// often than every 50 ms, unless `now` says so.
   void Refresh(bool now);
   std::string Line() const;
+  std::string RateText() const;
 
   CInterrupts& interrupts_;
   const int output_;
@@ -50,6 +52,9 @@ class CTerminalProgress : public CVaneProgress {
   std::string caption_;
   double share_ = 0;
   double percent_ = 0;
+  std::int32_t total_ = 0;  // 0 for a run that only counts its steps
+  std::int32_t position_ = 0;
+  std::chrono::steady_clock::time_point starttime_;
   std::size_t drawncolumns_ = 0;  // of the line on the screen; 0 is none
   std::chrono::steady_clock::time_point drawntime_;
 };

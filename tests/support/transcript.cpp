@@ -24,8 +24,10 @@ class CRecordingProgress : public CVaneProgress {
   void Start(const std::string& text, double share) override {
     host_.log.Add("start " + text + " " + Number(share));
   }
-  bool Step(std::int32_t, std::int32_t, std::int32_t) override {
-    host_.log.Add("step");
+  bool Step(std::int32_t total, std::int32_t position, std::int32_t) override {
+    host_.log.Add(position == kNoPosition
+                      ? "step"
+                      : "step " + std::to_string(position) + " of " + std::to_string(total));
     return ++host_.steps != host_.abortat;
   }
   void Finish() override { host_.log.Add("finish"); }

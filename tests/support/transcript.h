@@ -107,7 +107,7 @@ class CRecordingPlatform : public CPlatform {
   ui::CTextField* FocusedField() override { return focused; }
   std::string FolderOfLibrary() override { return folderoflibrary; }
   std::string SystemFolder() override { return systemfolder; }
-  std::string TemporaryFolder() override { return "/tmp"; }
+  std::string TemporaryFolder() override { return temporaryfolder; }
 
   std::chrono::local_seconds now{};
   std::string longtime;
@@ -118,6 +118,7 @@ class CRecordingPlatform : public CPlatform {
   std::function<void()> onqueue;  ///< an event that comes up in the queue
   std::string folderoflibrary = "/opt/vane/lib";
   std::string systemfolder = "/usr/lib";
+  std::string temporaryfolder = "/tmp";
 
  private:
   CTranscript& log_;
@@ -128,14 +129,16 @@ class CFakeRegistry : public CVaneRegistry {
  public:
   std::int32_t ReadBoolean(const std::string& name, bool fallback, std::uint32_t root,
                            const std::string& subkey) override;
-  std::string ReadText(const std::string&, const std::string& fallback, std::uint32_t,
+  std::string ReadText(const std::string& name, const std::string& fallback, std::uint32_t,
                        const std::string&) override {
-    return fallback;
+    const auto text = texts.find(name);
+    return text != texts.end() ? text->second : fallback;
   }
   void RestoreFormPlacement(ui::CWindow&, std::int32_t, bool) override {}
   void SaveFormPlacement(ui::CWindow&, std::int32_t, bool) override {}
 
   std::map<std::string, std::int32_t> values;
+  std::map<std::string, std::string> texts;
   std::string asked;  ///< root and sub key of the last question
 };
 

@@ -28,6 +28,14 @@ std::unique_ptr<CVanePasscodeDialog> CComponentFactory::MakePasscodeDialog() {
   RefuseMissing("MakePasscodeDialog", "passcode prompt");
 }
 
+std::unique_ptr<CVaneTextFile> CComponentFactory::CreateTextFile(const std::string&) {
+  RefuseMissing("CreateTextFile", "text files");
+}
+
+std::unique_ptr<ui::CForm> CComponentFactory::MakeForm(const std::string&) {
+  RefuseMissing("MakeForm", "windows");
+}
+
 CInstalledComponents::CInstalledComponents(const Components& components)
     : previous_(std::exchange(g_installed, &components)) {}
 

@@ -15,6 +15,8 @@
 #include "vane/components/passcode_dialog.h"
 #include "vane/components/platform.h"
 #include "vane/components/progress.h"
+#include "vane/components/text_file.h"
+#include "vane/components/ui.h"
 
 namespace vane {
 
@@ -33,6 +35,13 @@ class CComponentFactory {
   virtual std::unique_ptr<CVaneOutputFile> MakeOutputFile();
   virtual std::unique_ptr<CVaneFileDialog> MakeFileDialog();
   virtual std::unique_ptr<CVanePasscodeDialog> MakePasscodeDialog();
+
+  /// A new, empty file at `path`, which only the user can read. What lay there, be it a link, is
+  /// taken away and not followed; what somebody else puts there in between is a failure.
+  virtual std::unique_ptr<CVaneTextFile> CreateTextFile(const std::string& path);
+
+  /// The window of a dialog, by the dialog's name.
+  virtual std::unique_ptr<ui::CForm> MakeForm(const std::string& name);
 };
 
 /// References to what the host owns.

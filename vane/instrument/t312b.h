@@ -28,6 +28,7 @@
 
 #include "vane/channels/module.h"
 #include "vane/components/components.h"
+#include "vane/components/field_parser.h"
 #include "vane/components/registry.h"
 #include "vane/support/enums.h"
 #include "vane/support/exchange.h"
@@ -231,6 +232,21 @@ class CVaneT312B {
   /// user's own. `frm` is not used.
   bool UpdateSystemClock(ui::CWindow* frm);
 
+  /// Fetches one of the instrument's logs reading by reading, writes it as a column text file, and
+  /// offers that to the user. `numreadings` 0 is up to 100 readings; the log's end ends the
+  /// fetching earlier. `resol` is the number of decimals, negative for numbers as they came. The
+  /// file is download.txt in the folder of the registry value "DownloadFolder", or where the user
+  /// says when `prompt` is true. `awkParser` is the host's and is used during the run only.
+  ///
+  /// Never raises. True when the list of files was reached; false when the user has been told of a
+  /// failure, has stopped the run, or when the instrument stays silent. A stop during the parsing
+  /// leaves the rows so far in the file. In the temporary folder stay DNLDT312B.LOG, the trace of
+  /// the run, and TMPDWNLD.LOG, what the instrument has sent.
+  bool DownloadLog(AwkOne& awkParser,
+                   ET312BDownloadLogOption log = ET312BDownloadLogOption::DOWNLOAD_HISTORY_LOG,
+                   ET312BDownloadOption opt = ET312BDownloadOption::DOWNLOAD_SINGLE_FILE,
+                   std::int16_t numreadings = 0, std::int16_t resol = -1, bool prompt = false);
+
   // Reads and writes of single settings: true, or an error. Only `QueryUnits` can give false: for a
   // reply that names no unit, which makes `Units` `UNITS_NONE`.
 
@@ -415,6 +431,19 @@ class CVaneT312B {
   bool QueryPasscodeProtectionSettings();
   bool QueryProtection(std::string_view name, std::int32_t id, void (CVaneT312B::*store)(bool));
   bool QueryPasscode(std::string& passcode);
+
+  // What a download hands from stage to stage.
+  struct LogDownload;
+  enum class EDownloadEnd { SILENT, STOPPED, DONE };
+  EDownloadEnd TransferLog(LogDownload& run, ET312BDownloadLogOption log, std::int16_t numreadings);
+  std::string FetchReading(LogDownload& run, std::int32_t id, std::int32_t reading,
+                           const std::string& total);
+  bool WriteDownloadTempFile(const std::string& text);
+  void ParseLog(LogDownload& run, AwkOne& awkParser, bool prompt);
+  static void WriteRows(LogDownload& run, AwkOne& awkParser);
+  bool PrepareDownloadFile(CVaneOutputFile& file, bool prompt, std::int16_t chn);
+  static std::string LogUnitText(const std::string& text);
+  void ShowDownloadedFiles(LogDownload& run);
 
   bool CheckModel(CLongRun& run);
   bool ProveInstrument(CLongRun& run, bool setprops);

@@ -67,6 +67,18 @@ enum class ET312BScanMode : std::int32_t {
 /// What the instrument does after a sample run.
 enum class ET312BSampleAction : std::int32_t { SA_RUN = 0, SA_STOP = 1, SA_SAMPLE_N = 2 };
 
+/// Which of the instrument's two logs.
+enum class ET312BDownloadLogOption : std::int32_t {
+  DOWNLOAD_HISTORY_LOG = 0,
+  DOWNLOAD_MEMORY_LOG = 1
+};
+
+/// Both give one file: a logged reading doesn't tell its channel.
+enum class ET312BDownloadOption : std::int32_t {
+  DOWNLOAD_SINGLE_FILE = 0,
+  DOWNLOAD_MULTIPLE_FILES = 1
+};
+
 /// Zero is on.
 enum class ET312BOven : std::int32_t { OVEN_ON = 0, OVEN_OFF = 1 };
 

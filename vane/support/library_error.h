@@ -38,6 +38,7 @@ constexpr std::int32_t ErrorCode(std::uint32_t code) { return static_cast<std::i
 inline constexpr std::int32_t ERR_INVALID_CHANNEL = ErrorCode(0x800403E9);
 inline constexpr std::int32_t ERR_INVALID_MODULE = ErrorCode(0x800403EA);
 inline constexpr std::int32_t ERR_MEASUREMENT = ErrorCode(0x800403EC);
+inline constexpr std::int32_t ERR_BAD_READING = ErrorCode(0x800403ED);  ///< of a log
 
 /// The platform's numbers, for failures that are not the library's own.
 inline constexpr std::int32_t ERR_PLATFORM_CALL = 5;  ///< any failure without a number of its own

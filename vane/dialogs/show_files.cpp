@@ -1,0 +1,61 @@
+#include "vane/dialogs/show_files.h"
+
+#include "vane/support/library_error.h"
+#include "vane/support/messages.h"
+#include "vane/support/paths.h"
+#include "vane/support/text_table.h"
+
+namespace vane {
+
+frmShowFiles::frmShowFiles(const Components& components)
+    : form_(components.factory.MakeForm("frmShowFiles")),
+      instructions_(form_->AddLabel("lblInstructions")),
+      list_(form_->AddListBox("lstFiles")),
+      print_(form_->AddCheckBox("chkPrint")),
+      ok_(form_->AddButton("cmdOK")) {
+  form_->OnLoad([this] {
+    form_->SetCaption(ResourceText(302));
+    instructions_.SetCaption(ResourceText(303));
+    print_.SetCaption(ResourceText(304));
+    ok_.SetCaption(ResourceText(136));
+    ok_.SetDefault(true);
+  });
+  form_->OnFirstPaint([this] {
+    FillList();
+    SetBusyCursor(false);
+  });
+  form_->OnUnload([this] { files_.clear(); });
+  list_.OnDoubleClick([this] { OpenSelected(); });
+  ok_.OnClick([this] { form_->Hide(); });
+}
+
+void frmShowFiles::SetFiles(std::span<const std::unique_ptr<CVaneOutputFile>> files) {
+  files_.clear();
+  for (const auto& file : files) files_.push_back(file.get());
+}
+
+void frmShowFiles::Show() { form_->ShowModal(nullptr); }
+
+void frmShowFiles::FillList() {
+  for (std::size_t index = 0; index < files_.size() && files_[index] != nullptr; ++index) {
+    list_.AddItem(BuildFullPath(files_[index]->Folder(), files_[index]->FileName()));
+    list_.SetItemData(list_.NewIndex(), static_cast<std::int32_t>(index));
+  }
+}
+
+void frmShowFiles::OpenSelected() {
+  const auto index = static_cast<std::size_t>(list_.ItemData(list_.ListIndex()));
+  CVaneOutputFile& file = *files_.at(index);
+  const std::shared_ptr<CVaneRegistry>& registry = file.Registry();
+  if (!registry) throw LibraryError(ERR_PLATFORM_CALL, {}, "There is no registry component.");
+  const bool selectprinter =
+      registry->ReadBoolean("SelectPrinter", true, kCurrentUserRoot, {}) != 0;
+  if (print_.Checked()) {
+    bool success = false;
+    file.Print(selectprinter, success);
+  } else {
+    file.Show(true);
+  }
+}
+
+}  // namespace vane

@@ -1,0 +1,161 @@
+// The text of a log taken apart and written as a column text file.
+#include "vane/download/log_download.h"
+#include "vane/instrument/t312b.h"
+#include "vane/support/display_texts.h"
+#include "vane/support/failure.h"
+#include "vane/support/messages.h"
+#include "vane/support/number_text.h"
+#include "vane/support/numbers.h"
+#include "vane/support/paths.h"
+#include "vane/support/text_table.h"
+#include "vane/support/texts.h"
+
+namespace vane {
+namespace {
+
+constexpr std::int32_t kFieldsOfReading = 3;
+constexpr std::int32_t kHeadWithTitles = 8;
+constexpr char kLineEnd[] = "\r\n";
+
+enum EColumn : std::int16_t {
+  DATE_COLUMN,
+  TIME_COLUMN,
+  READING_COLUMN,
+  LABEL_COLUMN,
+  CHANNEL_COLUMN
+};
+
+// A reading carries no date, no time, no label and no channel; their columns say so.
+struct ColumnRow {
+  std::int16_t title;
+  std::int16_t width;
+  std::int16_t nothing;  // 0 where a reading does have it
+};
+
+// By column. The channel's is there only in a file that takes all channels.
+constexpr ColumnRow kColumns[] = {
+    {192, 12, 223}, {193, 12, 222}, {194, 20, 0}, {213, 10, 220}, {195, 10, 221}};
+
+constexpr std::int32_t kSaveDialogFlags = 0x280806;
+
+}  // namespace
+
+void CVaneT312B::ParseLog(LogDownload& run, AwkOne& awkParser, bool prompt) {
+  run.trace->WriteLine("Preparing to parse downloaded data...");
+  awkParser.SetFS(" \r\n");
+  awkParser.SetL(run.rawtext);
+  awkParser.NF();  // the parser splits here, before the display says what goes on
+  run.trace->WriteLine("Fields to parse: " + std::to_string(awkParser.NF()));
+  run.progress = components_.factory.MakeProgress();
+  run.progress->Start(ResourceText(198), 0);
+  run.trace->WriteLine("Creating file...");
+  run.files[0] = components_.factory.MakeOutputFile();
+  run.files[0]->SetRegistry(registry_);
+  run.progress->Hide(false);
+  components_.platform.RunMessageQueue(0);
+  run.trace->WriteLine("Preparing file...");
+  if (PrepareDownloadFile(*run.files[0], prompt, 0)) {
+    run.progress->Hide(true);
+    components_.platform.RunMessageQueue(0);
+    WriteRows(run, awkParser);
+    run.trace->WriteLine("Closing file...");
+    bool closed = false;
+    run.files[0]->Close(closed);
+  }
+  run.progress->Hide(false);
+}
+
+void CVaneT312B::WriteRows(LogDownload& run, AwkOne& awkParser) {
+  CVaneOutputFile& file = *run.files[0];
+  std::string nothing[std::size(kColumns)];
+  for (std::size_t i = 0; i < std::size(kColumns); ++i) {
+    if (kColumns[i].nothing != 0) nothing[i] = ResourceText(kColumns[i].nothing);
+  }
+  const std::int32_t count = awkParser.NF();
+  const std::string total = " of " + std::to_string(count) + ": ";
+  for (std::int32_t i = 1; i <= count; ++i) {
+    const std::string field = awkParser.f(i);
+    run.trace->WriteLine("Field " + std::to_string(i) + total + field);
+    switch (i % kFieldsOfReading) {
+      case 1:
+        file.SetField(READING_COLUMN, FormatNumber(NumberFromText(field), run.numberformat));
+        break;
+      case 2:
+        file.SetField(READING_COLUMN, file.Field(READING_COLUMN) + " " + LogUnitText(field));
+        break;
+      default:
+        for (const EColumn column : {LABEL_COLUMN, CHANNEL_COLUMN, TIME_COLUMN, DATE_COLUMN}) {
+          file.SetField(column, nothing[column]);
+        }
+        run.trace->WriteLine("Updating file...");
+        bool written = false;
+        file.WriteRow(written);
+        if (!run.progress->Step(count, i, kNoPosition)) {
+          run.aborted = true;
+          return;
+        }
+    }
+  }
+}
+
+bool CVaneT312B::PrepareDownloadFile(CVaneOutputFile& file, bool prompt, std::int16_t chn) {
+  return AtBoundary(
+      [] { return ResourceText(199); },
+      [&] {
+        const auto downloadfolder = [&] {
+          return RequiredRegistry().ReadText("DownloadFolder", FilePath(), kCurrentUserRoot, {});
+        };
+        const bool allchannels = chn == 0;
+        const std::string extension = "txt";
+        const std::string name =
+            "download" + (allchannels ? std::string() : std::to_string(chn)) + "." + extension;
+        std::string path = BuildFullPath(downloadfolder(), name);
+        if (prompt) {
+          const auto dialog = components_.factory.MakeFileDialog();
+          dialog->SetOptionA(false);
+          dialog->SetDefaultExt(extension);
+          dialog->SetDialogTitle(ResourceText(190));
+          dialog->SetFlags(kSaveDialogFlags);
+          dialog->SetFileName(name);
+          dialog->SetFilter(SubstituteParams(ResourceText(191), extension + "|" + extension));
+          dialog->SetOptionB(false);
+          dialog->SetInitDir(downloadfolder());
+          SetBusyCursor(false);
+          CPendingFailure cancelled;
+          cancelled.Try([&] { dialog->ShowSave(); });
+          if (cancelled.IsSet()) return false;
+          path = dialog->FileName();
+        }
+        file.SetHelpFile(HelpFile());
+        file.SetFileName(GetFileFromPath(path));
+        file.SetFolder(GetFolderFromPath(path));
+
+        const std::int16_t columns = allchannels ? CHANNEL_COLUMN + 1 : CHANNEL_COLUMN;
+        file.SetNumColumns(columns);
+        file.SetLayoutOptionA(true);
+        for (std::int16_t column = 0; column < columns; ++column) {
+          file.SetColumnWidth(column, kColumns[column].width);
+        }
+        file.SetLayoutOptionB(false);
+        for (std::int16_t column = 0; column < columns; ++column) {
+          file.SetField(column, ResourceText(kColumns[column].title));
+        }
+        file.SetHeader(kLineEnd + ResourceText(196) + ": " + Model());
+        if (!allchannels) {
+          file.SetHeader(file.Header() + kLineEnd + ResourceText(195) + ": " + std::to_string(chn));
+        }
+        bool created = false;
+        file.Create(true, created);
+        bool headed = false;
+        file.WriteHeader(kHeadWithTitles, headed);
+        return created && headed;
+      });
+}
+
+std::string CVaneT312B::LogUnitText(const std::string& text) {
+  if (Contains(text, "C")) return UnitsText(0);
+  if (Contains(text, "F")) return UnitsText(1);
+  return text;
+}
+
+}  // namespace vane
