@@ -1,5 +1,5 @@
-// What an exchange costs through the whole library, beside the bare calls of the operating system
-// on the same line; and what a pause costs.
+// What an exchange costs through the whole library, alone and within a read of all settings, beside
+// the bare calls of the operating system on the same line; and what a pause costs.
 #include <sys/resource.h>
 #include <unistd.h>
 
@@ -9,10 +9,12 @@
 #include <cstdio>
 #include <exception>
 #include <functional>
+#include <iterator>
 #include <memory>
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "adapters/conversions/probe.h"
@@ -30,15 +32,14 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-constexpr std::int32_t kRounds = 10;
-constexpr std::int32_t kExchanges = 3000;  // a round
+constexpr std::int32_t kRounds = 50;
+constexpr std::int32_t kExchanges = 600;  // a round
 constexpr std::int16_t kInput = 2;
 
 class CFactory : public CComponentFactory {
  public:
-  CFactory(CInterrupts& interrupts, const std::string& device) : interrupts_(interrupts) {
-    line_->devices[EVanePortNumber::PORT_1] = device;
-  }
+  CFactory(CInterrupts& interrupts, std::shared_ptr<LineSettings> line)
+      : interrupts_(interrupts), line_(std::move(line)) {}
   std::unique_ptr<CVaneCommunications> MakeCommunications() override {
     return std::make_unique<CSerialCommunications>(line_);
   }
@@ -49,17 +50,44 @@ class CFactory : public CComponentFactory {
 
  private:
   CInterrupts& interrupts_;
-  std::shared_ptr<LineSettings> line_ = std::make_shared<LineSettings>();
+  std::shared_ptr<LineSettings> line_;
+};
+
+// Counts what is sent.
+class CCountingTrace : public CLineTrace {
+ public:
+  void Record(ETraceMark mark, std::string_view) override { count_ += mark == ETraceMark::SENT; }
+  std::int32_t Count() const { return count_; }
+
+ private:
+  std::int32_t count_ = 0;
+};
+
+// Knows how long the library has paused: every pause is passes of the message queue.
+class CTimedPlatform : public CTerminalPlatform {
+ public:
+  using CTerminalPlatform::CTerminalPlatform;
+  void RunMessageQueue(std::uint32_t longestwait) override {
+    const Clock::time_point start = Clock::now();
+    CTerminalPlatform::RunMessageQueue(longestwait);
+    paused_ += Clock::now() - start;
+  }
+  double PausedSeconds() const { return std::chrono::duration<double>(paused_).count(); }
+
+ private:
+  Clock::duration paused_{};
 };
 
 double SecondsSince(Clock::time_point start) {
   return std::chrono::duration<double>(Clock::now() - start).count();
 }
 
-double RatePerSecond(const std::function<void()>& exchange) {
+// Of `body`, which does `exchanges` at a time.
+double RatePerSecond(std::int32_t exchanges, const std::function<void()>& body) {
+  const std::int32_t times = kExchanges / exchanges;
   const Clock::time_point start = Clock::now();
-  for (std::int32_t i = 0; i < kExchanges; ++i) exchange();
-  return kExchanges / SecondsSince(start);
+  for (std::int32_t i = 0; i < times; ++i) body();
+  return times * exchanges / SecondsSince(start);
 }
 
 // The same bytes on the same line, by calls that wait, until the line end is there.
@@ -75,35 +103,64 @@ void BareExchange(int line, std::string_view command) {
   }
 }
 
+double MedianOf(std::vector<double> numbers) {
+  std::ranges::sort(numbers);
+  return (numbers[(numbers.size() - 1) / 2] + numbers[numbers.size() / 2]) / 2;
+}
+
 struct Rates {
   std::vector<double> rounds;
 
-  double Median() const {
-    std::vector<double> sorted = rounds;
-    std::ranges::sort(sorted);
-    return (sorted[(sorted.size() - 1) / 2] + sorted[sorted.size() / 2]) / 2;
-  }
   void Print(const char* name) const {
     const auto [least, most] = std::ranges::minmax(rounds);
-    std::printf("%-28s %9.0f exchanges/s  (%.0f to %.0f)\n", name, Median(), least, most);
+    std::printf("%-28s %9.0f exchanges/s  (%.0f to %.0f)\n", name, MedianOf(rounds), least, most);
   }
 };
 
-void MeasureExchanges(CVaneT312B& readout, int line) {
+// How many times the time of `bare` an exchange of `whole` takes, round by round.
+double Ratio(const Rates& bare, const Rates& whole) {
+  std::vector<double> ratios;
+  std::ranges::transform(bare.rounds, whole.rounds, std::back_inserter(ratios), std::divides<>());
+  return MedianOf(std::move(ratios));
+}
+
+void ReadSettings(CVaneT312B& readout) {
+  if (!readout.QueryInfo()) throw std::runtime_error("The settings could not be read.");
+}
+
+std::int32_t ExchangesOfQueryInfo(CVaneT312B& readout, LineSettings& line) {
+  const auto trace = std::make_shared<CCountingTrace>();
+  line.trace = trace;
+  ReadSettings(readout);
+  line.trace.reset();
+  return trace->Count();
+}
+
+void MeasureExchanges(CVaneT312B& readout, LineSettings& settings, const CTimedPlatform& platform,
+                      int line) {
   const std::string command =
       protocol::FrameLine(0x1A2B, "MEASURE " + std::to_string(kInput) + "?") +
       std::string(protocol::kLineEnd);
+  const std::int32_t exchanges = ExchangesOfQueryInfo(readout, settings);
   Rates bare;
-  Rates whole;
-  // In turns, so that a machine that slows down or speeds up meanwhile does it to both.
+  Rates single;
+  Rates all;
+  const double pausedbefore = platform.PausedSeconds();
+  // In turns, so that a machine that slows down or speeds up meanwhile does it to all.
   for (std::int32_t round = 0; round < kRounds; ++round) {
-    bare.rounds.push_back(RatePerSecond([&] { BareExchange(line, command); }));
-    whole.rounds.push_back(RatePerSecond([&] { readout.QueryMeasurement(kInput); }));
+    bare.rounds.push_back(RatePerSecond(1, [&] { BareExchange(line, command); }));
+    single.rounds.push_back(RatePerSecond(1, [&] { readout.QueryMeasurement(kInput); }));
+    all.rounds.push_back(RatePerSecond(exchanges, [&] { ReadSettings(readout); }));
   }
   std::printf("%d rounds of %d exchanges each, in turns; medians:\n", kRounds, kExchanges);
   bare.Print("bare write and read");
-  whole.Print("CVaneT312B::QueryMeasurement");
-  std::printf("ratio %.2f, aim: at most 1.3\n", bare.Median() / whole.Median());
+  single.Print("CVaneT312B::QueryMeasurement");
+  all.Print("CVaneT312B::QueryInfo");
+  std::printf("QueryMeasurement: ratio %.2f, aim: at most 1.3\n", Ratio(bare, single));
+  std::printf("QueryInfo with a scanner: ratio of each of its %d exchanges %.2f; %.2f ms the run\n",
+              exchanges, Ratio(bare, all), exchanges * 1e3 / MedianOf(all.rounds));
+  std::printf("Pauses within the runs of QueryInfo: %.3f s\n",
+              platform.PausedSeconds() - pausedbefore);
 }
 
 double ProcessorSeconds() {
@@ -128,8 +185,10 @@ void MeasurePause() {
 void Run() {
   CResponder responder;
   CInterrupts interrupts;
-  CTerminalPlatform platform(interrupts);
-  CFactory factory(interrupts, responder.DevicePath());
+  CTimedPlatform platform(interrupts);
+  const auto line = std::make_shared<LineSettings>();
+  line->devices[EVanePortNumber::PORT_1] = responder.DevicePath();
+  CFactory factory(interrupts, line);
   const Components components{platform, factory};
   const CInstalledComponents installed(components);
 
@@ -139,7 +198,7 @@ void Run() {
   readout.InitializeCommunications();
   if (!readout.QueryChannelInfo()) throw std::runtime_error("The responder was not understood.");
 
-  MeasureExchanges(readout, responder.Descriptor());
+  MeasureExchanges(readout, *line, platform, responder.Descriptor());
   MeasurePause();
 }
 

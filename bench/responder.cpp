@@ -25,9 +25,10 @@ namespace {
 std::string_view ValueOf(std::string_view command) {
   if (command.starts_with("MEASURE ")) return "231.40625178";
   if (command == "ID?") return "T312B, 5.03";
-  if (command == "SCANNER:MODULES?") return "0";
-  if (command == "CHANNEL:COUNT?") return "2";
-  return "";
+  if (command == "CHANNEL:COUNT?") return "12";
+  if (command == "UNITS?") return "C";
+  if (command == "SCANNER:SEQUENCE:STEPS?") return "10";
+  return command.ends_with('?') ? "1" : "";  // one scanner, and a value for any setting
 }
 
 void Answer(int line, std::string_view text) {

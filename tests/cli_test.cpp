@@ -64,7 +64,8 @@ std::vector<json> JsonLines(const std::string& text) {
 // A program that runs; it is killed and waited for if nobody has waited for its end.
 class CProcess {
  public:
-  CProcess(const std::string& program, Arguments arguments) {
+  // With `terminal`, on a terminal of its own, whose other end that becomes.
+  CProcess(const std::string& program, Arguments arguments, int* terminal = nullptr) {
     int out[2];
     int err[2];
     if (pipe2(out, O_CLOEXEC) != 0 || pipe2(err, O_CLOEXEC) != 0) std::abort();
@@ -72,11 +73,11 @@ class CProcess {
     std::vector<char*> argv;
     for (std::string& argument : arguments) argv.push_back(argument.data());
     argv.push_back(nullptr);
-    pid_ = fork();
+    pid_ = terminal != nullptr ? forkpty(terminal, nullptr, nullptr, nullptr) : fork();
     if (pid_ == 0) {
       alarm(kPatience);
-      dup2(out[1], STDOUT_FILENO);
-      dup2(err[1], STDERR_FILENO);
+      if (terminal == nullptr) dup2(out[1], STDOUT_FILENO);
+      if (terminal == nullptr) dup2(err[1], STDERR_FILENO);
       execv(argv[0], argv.data());
       _exit(127);
     }
@@ -161,6 +162,16 @@ class Cli : public testing::Test {
     return CProcess(THERMOSCRIBE_PATH, arguments).Wait();
   }
   Outcome Ask(const std::string& command) const { return Run(OnPort(command, Port())); }
+
+  // As if typed by hand at the readout.
+  void Tell(const std::string& command) const {
+    const int line = open(Port().c_str(), O_RDWR | O_NOCTTY);
+    dprintf(line, "%s\r", command.c_str());
+    std::string answer;
+    for (char c = 0; read(line, &c, 1) == 1 && c != '\n';) answer += c;
+    close(line);
+    EXPECT_THAT(answer, StartsWith("=")) << command;
+  }
 
   std::string Trace() const {
     std::ifstream file(TraceFile());
@@ -446,6 +457,133 @@ TEST_F(Cli, CtrlCStopsAChannelReadBetweenTwoValues) {
   EXPECT_THAT(outcome.err, HasSubstr("Aborted querying information."));
 }
 
+TEST_F(Cli, ShowsEverySettingAsTheReadoutHasIt) {
+  const struct {
+    std::string command;
+    std::string property;
+    json value;
+  } cases[] = {{"FILTER:TYPE e", "FilterType", "Exponential"},
+               {"FILTER:RESPONSE 3.5", "FilterRespTime", 3.5},
+               {"FILTER:THRESHOLD 0.0125", "FilterThreshold", 0.0125},
+               {"UNITS K", "Units", "K"},
+               {"SAMPLE:ACTION SN", "SampleAction", "Sample n"},
+               {"SAMPLE:COUNT 321", "SampleN", 321},
+               {"SAMPLE:INTERVAL 99999", "Interval", 99999},
+               {"SAMPLE:INTEGRATION 44", "IntegrationTime", 44},
+               {"SAMPLE:CONVERSION 6", "ConversionTime", 6},
+               {"RESOLUTION:TEMPERATURE 3", "Resolution", 3},
+               {"RESOLUTION:RESISTANCE 7", "ResistanceResolution", 7},
+               {"RESOLUTION:RATIO 8", "RatioResolution", 8},
+               {"SAMPLE:REPETITIONS 17", "Repetitions", 17},
+               {"CAL:PARAM 0 330.0000125", "CalParams0", 330.0000125},
+               {"CAL:PARAM 1 1.25", "CalParams1", 1.25},
+               {"CAL:PARAM 2 10.75", "CalParams2", 10.75},
+               {"CAL:PARAM 3 101.5", "CalParams3", 101.5},
+               {"CAL:PARAM 4 10001.5", "CalParams4", 10001.5},
+               {"CAL:ADC -1.5", "ADC", -1.5},
+               {"CAL:OVEN OFF", "Oven", "Off"},
+               {"CHANNEL:MODE 0", "ChannelMode", "Alternate input 1/input 2"},
+               {"SCANNER:MODE 2", "ScannerScanMode", "Input 2 and scanner channels"},
+               {"SCANNER:CHANNEL 9", "ScanChannel", 9},
+               {"SCANNER:SEQUENCE:CHANNELS 5", "ScanSeqChannels", 5},
+               {"SCANNER:SEQUENCE:STEPS 2", "ScanSeqSteps", 2},
+               {"SCANNER:STEP 1 10", "ScanChannels", "12,2"}};
+  for (const bool scanner : {true, false}) {
+    StartSimulator(scanner ? "--protect sampling" : "--no-scanner --protect sampling");
+    const auto isthere = [&](const auto& c) { return scanner || !c.command.starts_with("SCAN"); };
+    for (const auto& c : cases) {
+      if (isthere(c)) Tell(c.command);
+    }
+    const json settings = json::parse(Ask("settings show --json").out);
+    for (const auto& c : cases) {
+      EXPECT_EQ(settings[c.property], isthere(c) ? c.value : json()) << c.property;
+    }
+    const json scan = json::parse(Ask("scan show --json").out);
+    for (const std::string name : {"ChannelMode", "ScannerScanMode", "ScanChannel"}) {
+      EXPECT_EQ(scan[name], settings[name]) << name;
+    }
+    EXPECT_EQ(scan["sequence"].size(), scanner ? 2u : 0u);
+    EXPECT_EQ(
+        Ask("scan show").out.find("  Step 1                12  Scanner 10\n") != std::string::npos,
+        scanner);
+    EXPECT_THAT(Ask("settings show --group sampling").out,
+                HasSubstr("\n  Sample interval         99999 s                     2 to 99999\n"));
+    EXPECT_THAT(Ask("protection show").out,
+                HasSubstr("Calibration     not protected\nSampling        protected\n"));
+  }
+}
+
+TEST_F(Cli, AScanSequenceThatWasStoppedHalfWayIsNotShown) {
+  StartSimulator("--fault at=43:delay=0.09");
+  CProcess program(THERMOSCRIBE_PATH, OnPort("scan show", Port()));
+  while (Trace().find("SCANNER:STEP 2?") == std::string::npos) std::this_thread::yield();
+  program.Signal(SIGINT);
+  const Outcome outcome = program.Wait();
+  EXPECT_EQ(outcome.exitcode, 7);
+  EXPECT_THAT(outcome.out, IsEmpty());
+  EXPECT_THAT(outcome.err, HasSubstr("Aborted while the scan sequence"));
+}
+
+TEST_F(Cli, TakesThePasscodeFromAFileOrDescriptorOnce) {
+  StartSimulator("--passcode K9zQ");
+  const std::string file = folder_ / "passcode";
+  const struct {
+    std::string content;
+    int exitcode;
+    std::string message;
+  } cases[] = {{"K9zQ", 0, ""},
+               {"K9zQ\r\nmore\n", 0, ""},
+               {"k9zq\nK9zQ\n", 9, "incorrect"},
+               {"K9zQ \n", 9, "incorrect"},
+               {"", 9, "empty"}};
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.content);
+    std::ofstream(file) << c.content;
+    const int handed = open(file.c_str(), O_RDONLY);
+    for (const std::string& source : {file, std::to_string(handed)}) {
+      const Outcome outcome = Ask("protection unlock --passcode-file " + source);
+      EXPECT_EQ(outcome.exitcode, c.exitcode) << source << outcome.err;
+      EXPECT_THAT(outcome.err, HasSubstr(c.message));
+    }
+    close(handed);
+  }
+  EXPECT_EQ(Ask("protection unlock --passcode-file 999").exitcode, 2);
+  EXPECT_EQ(Ask("protection unlock --passcode-file " + file + "x").exitcode, 1);
+  EXPECT_THAT(Ask("protection unlock").err, HasSubstr("there is no terminal"));
+  EXPECT_EQ(Trace().find("K9zQ"), std::string::npos);
+}
+
+TEST_F(Cli, ATypedPasscodeIsNeverShownAndTheEchoComesBack) {
+  StartSimulator("--passcode K9zQ");
+  const struct {
+    std::vector<std::string> typed;
+    int exitcode;
+  } cases[] = {
+      {{"K9zQ\n"}, 0}, {{"K9z\n", "K9zQ\n"}, 0},     {{"K9z\x03"}, 7},
+      {{"\x04"}, 9},   {{"K9z\x1A\x1C\n", "\n"}, 9},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.typed[0]);
+    int terminal = -1;
+    CProcess program(THERMOSCRIBE_PATH, OnPort("protection unlock", Port()), &terminal);
+    std::string screen;
+    std::size_t asked = 0;
+    termios mode{};
+    for (char character = 0; read(terminal, &character, 1) == 1;) {
+      screen += character;
+      if (asked == c.typed.size() || !screen.ends_with("give up): ")) continue;
+      dprintf(terminal, "%s", c.typed[asked++].c_str());
+    }
+    EXPECT_EQ(program.Wait().exitcode, c.exitcode) << screen;
+    EXPECT_EQ(asked, c.typed.size());
+    EXPECT_EQ(screen.find("K9z"), std::string::npos) << screen;
+    EXPECT_TRUE(tcgetattr(terminal, &mode) == 0 && (mode.c_lflag & ECHO));
+    close(terminal);
+  }
+  EXPECT_THAT(Trace(), HasSubstr("(not shown)"));
+  EXPECT_EQ(Trace().find("K9zQ"), std::string::npos);
+}
+
 TEST_F(Cli, EndsAtOnceOnCtrlCWithEveryFinishedReadingPrinted) {
   const struct {
     std::string command;
@@ -479,7 +617,7 @@ TEST_F(Cli, RefusesBadUsageBeforeItTouchesAnything) {
         "identify --timeout 0", "identify --port /dev/x --simulate",
         "identify --simulate=--nonsense", "measure --channel 0", "measure --channel 13",
         "measure --count -1", "measure --every 1", "measure --start --stop",
-        "measure --start --count 2"}) {
+        "measure --start --count 2", "settings", "settings show --group all", "scan nonsense"}) {
     SCOPED_TRACE(words);
     const Outcome outcome = Run(Words(words));
     EXPECT_EQ(outcome.exitcode, 2);

@@ -107,7 +107,12 @@ std::string CSerialCommunications::Run(const char* label, std::int32_t id, bool 
   std::string reply;
   LineFailure failure;
   try {
-    reply = Exchange(MakeCommand(id, isread, rawtext));
+    const Command command = MakeCommand(id, isread, rawtext);
+    if (settings_->preview && !isread) {
+      settings_->preview(protocol::FrameLine(++tag_, command.text));
+    } else {
+      reply = Exchange(command);
+    }
   } catch (const LineFailure& caught) {
     failure = caught;
     Trace(ETraceMark::NOTE, failure.description);

@@ -7,6 +7,7 @@
 
 #include <chrono>
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <memory>
 #include <string>
@@ -37,6 +38,10 @@ struct LineSettings {
 
   /// Null: no trace.
   std::shared_ptr<CLineTrace> trace;
+
+  /// When given, a write is not sent: its line goes here as it would go out, and counts as done. A
+  /// read is sent as ever.
+  std::function<void(const std::string& line)> preview;
 
   /// Written by every exchange: a good one clears it. The library may replace an error by a more
   /// general one, or take silence for an answer; here the cause is still to be seen.

@@ -90,6 +90,7 @@ EBoxButton CTerminalPlatform::Ask() {
 }
 
 void CTerminalPlatform::RunMessageQueue(std::uint32_t longestwait) {
+  if (skipswaits_) skipped_ += std::exchange(longestwait, 0);
   pollfd waiting = {interrupts_.Descriptor(), POLLIN, 0};
   ::poll(&waiting, 1, static_cast<int>(std::min<std::uint32_t>(longestwait, INT_MAX)));
   for (int arrivals = interrupts_.TakeArrivals(); arrivals > 0; --arrivals) {
@@ -107,8 +108,8 @@ std::int32_t CTerminalPlatform::OpenHelp(const std::string& helpfile, std::int32
 
 std::uint32_t CTerminalPlatform::TickCount() {
   const auto now = std::chrono::steady_clock::now().time_since_epoch();
-  return static_cast<std::uint32_t>(
-      std::chrono::duration_cast<std::chrono::milliseconds>(now).count());
+  return skipped_ + static_cast<std::uint32_t>(
+                        std::chrono::duration_cast<std::chrono::milliseconds>(now).count());
 }
 
 std::chrono::local_seconds CTerminalPlatform::LocalTime() {

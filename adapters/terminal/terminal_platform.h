@@ -23,6 +23,10 @@ class CTerminalPlatform : public CPlatform {
   /// empty for nothing. It runs inside the library's waits and shouldn't call the library.
   void SetInterruptHandler(std::function<void()> handler) { handler_ = std::move(handler); }
 
+  /// From now on no pass of the message queue waits; the tick count runs ahead by what it would
+  /// have. For a run whose pauses have nothing to wait for.
+  void SkipWaits() { skipswaits_ = true; }
+
   /// Prints "title: kind", the text, and the help topic if there is one. Only a question waits. It
   /// asks until it reads "y", "yes", "n" or "no"; without a terminal on both descriptors, at the
   /// end of the input and while an interrupt is pending the answer is No, and the output says why.
@@ -60,6 +64,8 @@ class CTerminalPlatform : public CPlatform {
   int input_;
   int output_;
   std::function<void()> handler_;
+  bool skipswaits_ = false;
+  std::uint32_t skipped_ = 0;  // ms
 };
 
 }  // namespace vane

@@ -29,9 +29,21 @@ AddCommand AddChannels;
 AddCommand AddMeasure;
 AddCommand AddChannel;
 AddCommand AddProbe;
+AddCommand AddSettings;
+AddCommand AddScan;
+AddCommand AddProtection;
+AddCommand AddClock;
 
 /// In the order of the help.
-inline constexpr std::array kCommands = {AddPorts,   AddIdentify, AddChannels,
-                                         AddMeasure, AddChannel,  AddProbe};
+inline constexpr std::array kCommands = {AddPorts,      AddIdentify, AddChannels, AddMeasure,
+                                         AddChannel,    AddProbe,    AddSettings, AddScan,
+                                         AddProtection, AddClock};
+
+/// The commands of a group, in the order of its help.
+AddCommand AddSettingsShow;
+AddCommand AddSettingsSet;
+
+/// Adds a command that is a group of others, one of which must follow it.
+CLI::App& AddGroup(CLI::App& program, const char* name, const char* brief);
 
 }  // namespace vane

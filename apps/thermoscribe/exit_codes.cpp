@@ -23,6 +23,8 @@ constexpr std::array kRows = {
     ExitCodeRow{EExitCode::ABORTED, "aborted by the user before the end", ""},
     ExitCodeRow{EExitCode::LINE_DAMAGED, "line damaged or lost: garbled, overlong, hung up",
                 "Check the cable and --baud; --trace FILE records what comes over the line."},
+    ExitCodeRow{EExitCode::NO_PASSCODE, "the passcode is wrong, or none was given",
+                "Give it at a terminal, or by --passcode-file in a script."},
 };
 
 constexpr bool InOrder() {

@@ -17,6 +17,7 @@ enum class EExitCode : std::int32_t {
   REFUSED = 6,
   ABORTED = 7,
   LINE_DAMAGED = 8,
+  NO_PASSCODE = 9,
 };
 
 struct ExitCodeRow {

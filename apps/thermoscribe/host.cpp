@@ -1,11 +1,18 @@
 #include "apps/thermoscribe/host.h"
 
+#include <algorithm>
 #include <iostream>
 #include <utility>
 
 #include "adapters/conversions/probe.h"
+#include "adapters/files/column_file.h"
+#include "adapters/files/private_text_file.h"
 #include "adapters/files/registry.h"
+#include "adapters/terminal/terminal_file_dialog.h"
+#include "adapters/terminal/terminal_form.h"
 #include "adapters/terminal/terminal_output.h"
+#include "adapters/terminal/terminal_passcode.h"
+#include "adapters/terminal/terminal_printer_choice.h"
 #include "adapters/terminal/terminal_progress.h"
 #include "vane/support/failure.h"
 #include "vane/support/text_table.h"
@@ -25,11 +32,33 @@ std::unique_ptr<CVaneProgress> CHostFactory::MakeProgress() {
   return std::make_unique<CTerminalProgress>(interrupts_);
 }
 
+std::unique_ptr<CVanePasscodeDialog> CHostFactory::MakePasscodeDialog() {
+  return std::make_unique<CTerminalPasscodeDialog>(interrupts_, passcodefile_);
+}
+
+std::unique_ptr<CVaneOutputFile> CHostFactory::MakeOutputFile() {
+  return std::make_unique<CColumnTextFile>([this](const std::vector<std::string>& printers) {
+    return ChoosePrinter(interrupts_, printers);
+  });
+}
+
+std::unique_ptr<CVaneFileDialog> CHostFactory::MakeFileDialog() {
+  return std::make_unique<CTerminalFileDialog>(interrupts_);
+}
+
+std::unique_ptr<CVaneTextFile> CHostFactory::CreateTextFile(const std::string& path) {
+  return std::make_unique<CPrivateTextFile>(path);
+}
+
+std::unique_ptr<ui::CForm> CHostFactory::MakeForm(const std::string& name) {
+  return std::make_unique<CTerminalForm>(interrupts_, name);
+}
+
 CHost::CHost(HostOptions options)
     : options_(std::move(options)),
       platform_(interrupts_),
       line_(std::make_shared<LineSettings>()),
-      factory_(line_, interrupts_),
+      factory_(line_, interrupts_, options_.passcodefile),
       components_{platform_, factory_},
       installed_(components_),
       instrument_(components_),
@@ -68,6 +97,53 @@ EExitCode CHost::Connect() {
   }
   return Contains(instrument_.Identification(), kReadoutModel) ? EExitCode::ABORTED
                                                                : EExitCode::WRONG_MODEL;
+}
+
+EExitCode CHost::ReadSettings() {
+  if (const EExitCode code = Connect(); code != EExitCode::DONE) return code;
+  if (!instrument_.QueryInfo(ProgressWindow(), false)) return CodeOfStoppedRun();
+  // Stopped within the scan sequence, the library gives the steps up to there as a whole one.
+  if (interrupts_.Heeded()) {
+    Say("Aborted while the scan sequence was read.");
+    return EExitCode::ABORTED;
+  }
+  return EExitCode::DONE;
+}
+
+EExitCode CHost::OpenGates(std::span<const EGate> gates) {
+  const auto isshut = [this](EGate gate) {
+    const auto& it = instrument_;
+    switch (gate) {
+      case EGate::UNITS_TIME:
+        return it.UnitsTimePasscodeState() != ET312BPasscodeState::PS_ENABLED;
+      case EGate::SAMPLING:
+        return it.SamplingPasscodeState() != ET312BPasscodeState::PS_ENABLED;
+      case EGate::CALIBRATION:
+        return it.CalParamPasscodeState() != ET312BPasscodeState::PS_ENABLED;
+      case EGate::CONVERSION:
+        return it.ConvPasscodeState() != ET312BPasscodeState::PS_ENABLED;
+      case EGate::NONE:
+        break;
+    }
+    return false;
+  };
+  if (std::ranges::none_of(gates, isshut)) return EExitCode::DONE;
+  if (!instrument_.ValidatePasscode(nullptr)) {
+    return IsInterrupted() ? EExitCode::ABORTED : EExitCode::NO_PASSCODE;
+  }
+  // One passcode opens all groups.
+  instrument_.SetUnitsTimePasscodeState(ET312BPasscodeState::PS_ENABLED);
+  instrument_.SetSamplingPasscodeState(ET312BPasscodeState::PS_ENABLED);
+  instrument_.SetCalParamPasscodeState(ET312BPasscodeState::PS_ENABLED);
+  instrument_.SetConvPasscodeState(ET312BPasscodeState::PS_ENABLED);
+  return EExitCode::DONE;
+}
+
+void CHost::StartDryRun() {
+  line_->preview = [this](const std::string& line) {
+    output_.Record("line", {{"line", line}}, PrintableText(line));
+  };
+  platform_.SkipWaits();
 }
 
 EExitCode CHost::CodeOfStoppedRun() const {

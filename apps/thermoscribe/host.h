@@ -6,12 +6,14 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 
 #include "adapters/serial/serial_communications.h"
 #include "adapters/terminal/interrupts.h"
 #include "adapters/terminal/terminal_platform.h"
 #include "apps/thermoscribe/exit_codes.h"
+#include "apps/thermoscribe/instrument_properties.h"
 #include "apps/thermoscribe/output.h"
 #include "simulator/line_server.h"
 #include "vane/components/components.h"
@@ -26,7 +28,8 @@ struct HostOptions {
   std::optional<simulator::Options> simulated;
   EVaneBaudRate baud = EVaneBaudRate::BR_9600;
   std::chrono::milliseconds timeout{1000};
-  std::string tracefile;  ///< empty: no trace
+  std::string tracefile;     ///< empty: no trace
+  std::string passcodefile;  ///< path or number of a descriptor; empty: ask on the terminal
   bool json = false;
   bool progress = false;
 };
@@ -34,16 +37,23 @@ struct HostOptions {
 /// Makes what the library's operations need for themselves.
 class CHostFactory final : public CComponentFactory {
  public:
-  CHostFactory(std::shared_ptr<LineSettings> line, CInterrupts& interrupts)
-      : line_(std::move(line)), interrupts_(interrupts) {}
+  CHostFactory(std::shared_ptr<LineSettings> line, CInterrupts& interrupts,
+               std::string passcodefile)
+      : line_(std::move(line)), interrupts_(interrupts), passcodefile_(std::move(passcodefile)) {}
 
   std::unique_ptr<CVaneCommunications> MakeCommunications() override;
   std::unique_ptr<CVaneProbe> MakeProbe() override;
   std::unique_ptr<CVaneProgress> MakeProgress() override;
+  std::unique_ptr<CVanePasscodeDialog> MakePasscodeDialog() override;
+  std::unique_ptr<CVaneOutputFile> MakeOutputFile() override;
+  std::unique_ptr<CVaneFileDialog> MakeFileDialog() override;
+  std::unique_ptr<CVaneTextFile> CreateTextFile(const std::string& path) override;
+  std::unique_ptr<ui::CForm> MakeForm(const std::string& name) override;
 
  private:
   std::shared_ptr<LineSettings> line_;
   CInterrupts& interrupts_;
+  const std::string passcodefile_;
 };
 
 /// One object per process, on the main thread. From its making on, Ctrl-C ends a wait of the
@@ -57,6 +67,18 @@ class CHost {
   /// Opens the line, proves the instrument and finds out its modules and channels. When the result
   /// is not `DONE` the user has been told why.
   EExitCode Connect();
+
+  /// `Connect`, and then reads all settings of the instrument and its scanner, but not the modules'
+  /// channels. When the result is not `DONE` the user has been told why, or the run was stopped.
+  EExitCode ReadSettings();
+
+  /// Opens editing of the groups of `gates` for this command, with the passcode where one of them
+  /// is protected; the user is asked at most once. After `ReadSettings`. `DONE`, or why not.
+  EExitCode OpenGates(std::span<const EGate> gates);
+
+  /// From now on no write is sent: its line goes to the output instead, as it would go out. Reads
+  /// are sent as ever.
+  void StartDryRun();
 
   /// Use it after `Connect`.
   CVaneT312B& Instrument() { return instrument_; }
@@ -77,6 +99,9 @@ class CHost {
   /// To be called inside a catch: shows the pending error once, with the failure of the line behind
   /// it where the error itself doesn't name that. `action` completes "An error occurred while".
   EExitCode ReportFailure(const std::string& action);
+
+  /// The wall clock in the user's time zone.
+  std::chrono::local_seconds LocalTime() { return platform_.LocalTime(); }
 
   /// A line for the user on standard error.
   static void Say(const std::string& text);

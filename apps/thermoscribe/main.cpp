@@ -1,5 +1,7 @@
 // thermoscribe: the readout from the command line.
 
+#include <fcntl.h>
+
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <chrono>
@@ -13,6 +15,7 @@
 #include <string>
 
 #include "adapters/serial/baud_rates.h"
+#include "adapters/terminal/terminal_passcode.h"
 #include "apps/thermoscribe/commands.h"
 #include "apps/thermoscribe/host.h"
 #include "simulator/options.h"
@@ -121,8 +124,35 @@ void AddGlobalOptions(CLI::App& program, HostOptions& host, std::string& simulat
                   "append every line that goes over the port to FILE,\n"
                   "with its time")
       ->option_text("FILE");
+  program
+      .add_option("--passcode-file", host.passcodefile,
+                  "take the passcode from the first line of FILE, or\n"
+                  "of the open descriptor of that number, and don't ask")
+      ->option_text("FILE")
+      ->check([](const std::string& source) -> std::string {
+        // Once the program has opened files of its own, the number may be one of theirs.
+        const auto number = DescriptorNumber(source);
+        if (!number || fcntl(*number, F_GETFD) != -1) return {};
+        return "The descriptor " + source + " isn't open.";
+      });
   program.add_flag("--progress", host.progress, "show how far a long read is, on a terminal");
   program.add_flag("--json", host.json, "print JSON, one object per line, in place of text");
+}
+
+// The name of the chosen command, with that of its group before it.
+std::string CommandName(const CLI::App& program) {
+  std::string name;
+  for (const CLI::App* command = &program; !command->get_subcommands().empty();) {
+    command = command->get_subcommands().front();
+    name += (name.empty() ? "" : " ") + command->get_name();
+  }
+  return name;
+}
+
+std::string MissingCommand(const std::string& group) {
+  if (group.empty()) return "No command is given.";
+  return "A command is missing behind \"" + group + "\"; \"thermoscribe " + group +
+         " --help\" lists them.";
 }
 
 // Raises `std::invalid_argument` with a text for the user.
@@ -138,7 +168,10 @@ CommandLine ParseCommandLine(int argc, char** argv) {
   std::string simulate;
   AddGlobalOptions(program, line.host, simulate);
   for (AddCommand* const add : kCommands) add(program, line.body);
-  for (CLI::App* const command : program.get_subcommands({})) command->group("Commands");
+  for (CLI::App* const command : program.get_subcommands({})) {
+    command->group("Commands");
+    for (CLI::App* const member : command->get_subcommands({})) member->group("Commands");
+  }
   program.footer(Footer());
 
   try {
@@ -152,8 +185,8 @@ CommandLine ParseCommandLine(int argc, char** argv) {
   } catch (const CLI::ParseError& error) {
     throw std::invalid_argument(error.what());
   }
-  if (!line.body) throw std::invalid_argument("No command is given.");
-  line.command = program.get_subcommands().front()->get_name();
+  line.command = CommandName(program);
+  if (!line.body) throw std::invalid_argument(MissingCommand(line.command));
   if (!simulate.empty()) {
     line.host.simulated = simulator::ParseOptions(simulate == kBareFlag ? "" : simulate);
     line.page = line.host.simulated->help;
@@ -197,6 +230,13 @@ EExitCode Run(int argc, char** argv) {
 }
 
 }  // namespace
+
+CLI::App& AddGroup(CLI::App& program, const char* name, const char* brief) {
+  CLI::App* const group = program.add_subcommand(name, brief);
+  group->require_subcommand(0, 1);
+  return *group;
+}
+
 }  // namespace vane
 
 int main(int argc, char** argv) {

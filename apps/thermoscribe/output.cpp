@@ -8,6 +8,7 @@
 #include <system_error>
 
 #include "adapters/terminal/terminal_output.h"
+#include "vane/support/number_text.h"
 
 namespace vane {
 namespace {
@@ -46,11 +47,17 @@ bool IsNumeric(const std::vector<Row>& rows, std::size_t column) {
 
 }  // namespace
 
+std::string WithUsersSeparator(std::string number) {
+  const std::size_t point = number.find('.');
+  if (point != number.npos) number.replace(point, 1, GetDecimalSeparator());
+  return number;
+}
+
 std::string TextOf(const Json& value) {
   if (value.is_null()) return "-";
   if (value.is_boolean()) return value.get<bool>() ? "yes" : "no";
   if (value.is_number_integer()) return NumberText(value.get<std::int64_t>());
-  if (value.is_number()) return NumberText(value.get<double>());
+  if (value.is_number()) return WithUsersSeparator(NumberText(value.get<double>()));
   return PrintableText(value.get<std::string>());
 }
 

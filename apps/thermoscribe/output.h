@@ -48,8 +48,11 @@ class COutput {
   bool json_;
 };
 
-/// A value for people: a number as the shortest text that reads back equal, with "." in every
-/// locale; "yes", "no", and "-" for null. Control characters are replaced.
+/// `number` with the user's decimal separator in place of ".".
+std::string WithUsersSeparator(std::string number);
+
+/// A value for people: a number as the shortest text that reads back equal, with the user's decimal
+/// separator; "yes", "no", and "-" for null. Control characters are replaced.
 std::string TextOf(const Json& value);
 
 /// `text` with blanks up to `columns` characters.

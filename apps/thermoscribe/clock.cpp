@@ -1,0 +1,102 @@
+// thermoscribe clock set: the readout's date and time.
+
+#include <CLI/CLI.hpp>
+#include <chrono>
+#include <cstdio>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "apps/thermoscribe/commands.h"
+#include "apps/thermoscribe/host.h"
+#include "apps/thermoscribe/settings_write.h"
+
+namespace vane {
+namespace {
+
+using namespace std::chrono;
+
+// "2026-11-24T15:07:09", with a blank in place of "T" and without the seconds too.
+std::optional<local_seconds> MomentIn(const std::string& text) {
+  int y = 0;
+  unsigned m = 0;
+  unsigned d = 0;
+  int hour = 0;
+  int minute = 0;
+  int second = 0;
+  char separator = 0;
+  int length = 0;
+  std::sscanf(text.c_str(), "%4d-%2u-%2u%c%2d:%2d%n", &y, &m, &d, &separator, &hour, &minute,
+              &length);
+  if (length == 0 || (separator != 'T' && separator != ' ')) return std::nullopt;
+  std::string rest = text.substr(static_cast<std::size_t>(length));
+  if (!rest.empty()) {
+    length = 0;
+    std::sscanf(rest.c_str(), ":%2d%n", &second, &length);
+    if (static_cast<std::size_t>(length) != rest.size()) return std::nullopt;
+  }
+  const year_month_day date = year(y) / m / d;
+  const bool valid = date.ok() && y >= 100 && hour >= 0 && hour < 24 && minute >= 0 &&
+                     minute < 60 && second >= 0 && second < 60;
+  if (!valid) return std::nullopt;
+  return local_days(date) + hours(hour) + minutes(minute) + seconds(second);
+}
+
+std::string TextOfMoment(local_seconds moment) {
+  const local_days day = floor<days>(moment);
+  const year_month_day date(day);
+  const hh_mm_ss time(moment - day);
+  char text[48];
+  std::snprintf(text, sizeof text, "%04d-%02u-%02uT%02d:%02d:%02d", static_cast<int>(date.year()),
+                static_cast<unsigned>(date.month()), static_cast<unsigned>(date.day()),
+                static_cast<int>(time.hours().count()), static_cast<int>(time.minutes().count()),
+                static_cast<int>(time.seconds().count()));
+  return text;
+}
+
+EExitCode RunClockSet(CHost& host, std::optional<local_seconds> moment, bool dryrun) {
+  if (const EExitCode code = host.ReadSettings(); code != EExitCode::DONE) return code;
+  static constexpr EGate kGates[] = {EGate::UNITS_TIME};
+  if (const EExitCode code = host.OpenGates(kGates); code != EExitCode::DONE) return code;
+  if (dryrun) host.StartDryRun();
+  // The text below is that of the moment which is sent.
+  const local_seconds sent = moment.value_or(host.LocalTime());
+  host.Instrument().SetSystemClock(DateOf(sent));
+  host.Instrument().UpdateSystemClock(nullptr);
+  if (dryrun) return EExitCode::DONE;
+  const std::string text = TextOfMoment(sent);
+  host.Output().Record("clock", {{"time", text}}, "The clock was set to " + text + ".");
+  return EExitCode::DONE;
+}
+
+}  // namespace
+
+void AddClock(CLI::App& program, CommandBody& chosen) {
+  CLI::App& group = AddGroup(program, "clock", "Set the readout's date and time");
+  CLI::App* const command = group.add_subcommand("set", "Set the date and the time");
+  const auto text = std::make_shared<std::string>();
+  command
+      ->add_option("--time", *text,
+                   "date and time of day, such as 2026-11-24T15:07:09;\n"
+                   "without it, the present moment")
+      ->option_text("ISO")
+      ->check([](const std::string& given) -> std::string {
+        if (MomentIn(given)) return {};
+        return "\"" + given + "\" is no date and time such as 2026-11-24T15:07:09.";
+      });
+  const auto dryrun = AddDryRun(*command);
+  command->footer(
+      R"(The time is that of the user's time zone. It goes out on a clock of 12 or 24 hours, as the
+user's locale has it. The readout doesn't tell its time, so it can't be read back.
+
+Examples:
+  thermoscribe clock set
+  thermoscribe clock set --time 2026-11-24T15:07:09)");
+  command->callback([&chosen, text, dryrun] {
+    chosen = [text, dryrun](CHost& host) {
+      return RunClockSet(host, text->empty() ? std::nullopt : MomentIn(*text), *dryrun);
+    };
+  });
+}
+
+}  // namespace vane

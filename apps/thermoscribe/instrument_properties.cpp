@@ -1,0 +1,324 @@
+#include "apps/thermoscribe/instrument_properties.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <cmath>
+#include <system_error>
+#include <type_traits>
+
+#include "vane/support/display_texts.h"
+
+namespace vane {
+namespace {
+
+using enum EPropertyGroup;
+
+constexpr PropertyGroupRow kGroups[] = {
+    {READOUT, "readout", "Readout"},
+    {FILTER, "filter", "Filtering"},
+    {SAMPLING, "sampling", "Sampling"},
+    {MEASUREMENT, "measurement", "Measurement"},
+    {SCAN, "scan", "Scanner"},
+    {CALIBRATION, "calibration", "Calibration"},
+    {PROTECTION, "protection", "Passcode protection"},
+};
+
+constexpr std::string_view kSeconds = "s";
+constexpr std::string_view kDigits = "digits";
+constexpr std::string_view kOhms = "Ohms";
+constexpr double kScannerChannels = 10;
+
+// The makers of rows, by what the property holds.
+
+template <auto Get>
+Json Value(const CVaneT312B& instrument) {
+  return (instrument.*Get)();
+}
+
+template <auto Get>
+constexpr PropertyRow ReadOnly(std::string_view name, EPropertyGroup group,
+                               std::string_view words) {
+  return {.name = name, .group = group, .words = words, .unit = {}, .get = Value<Get>};
+}
+
+template <class T, auto Set>
+void Store(CVaneT312B& instrument, const Json& value) {
+  (instrument.*Set)(value.get<T>());
+}
+
+template <auto Get, auto Set>
+constexpr PropertyRow Number(std::string_view name, EPropertyGroup group, std::string_view words,
+                             std::string_view unit, double minimum, double maximum) {
+  using T = std::invoke_result_t<decltype(Get), const CVaneT312B&>;
+  return {.name = name,
+          .group = group,
+          .words = words,
+          .unit = unit,
+          .get = Value<Get>,
+          .set = Store<T, Set>,
+          .minimum = minimum,
+          .maximum = maximum,
+          .whole = std::is_integral_v<T>};
+}
+
+template <ET312BCalParams Cp>
+PropertyRow CalParam(std::string_view name, std::string_view words) {
+  return {.name = name,
+          .group = CALIBRATION,
+          .words = words,
+          .unit = kOhms,
+          .get = [](const CVaneT312B& instrument) { return Json(instrument.CalParams(Cp)); },
+          .set = [](CVaneT312B& instrument,
+                    const Json& value) { instrument.SetCalParams(Cp, value.get<double>()); },
+          .minimum = CVaneT312B::MinCalParamValue(Cp),
+          .maximum = CVaneT312B::MaxCalParamValue(Cp)};
+}
+
+// An enumeration with the texts of its members.
+template <class Enum, auto Text, Enum... Members>
+struct Words {
+  static std::vector<std::string> All() { return {Text(Members)...}; }
+
+  template <auto Get>
+  static Json Value(const CVaneT312B& instrument) {
+    return Text((instrument.*Get)());
+  }
+
+  template <auto Set>
+  static void Store(CVaneT312B& instrument, const Json& value) {
+    const auto word = value.get<std::string>();
+    for (const Enum member : {Members...}) {
+      if (Text(member) == word) (instrument.*Set)(member);
+    }
+  }
+};
+
+template <class Words, auto Get, auto Set>
+constexpr PropertyRow Choice(std::string_view name, EPropertyGroup group, std::string_view words) {
+  return {.name = name,
+          .group = group,
+          .words = words,
+          .unit = {},
+          .get = Words::template Value<Get>,
+          .set = Words::template Store<Set>,
+          .choices = Words::All};
+}
+
+// The same row with what its write needs beside it.
+
+template <bool (CVaneT312B::*Update)()>
+constexpr PropertyRow Alone(PropertyRow row, EGate gate = EGate::NONE) {
+  row.update = [](CVaneT312B& instrument) { return (instrument.*Update)(); };
+  row.gate = gate;
+  return row;
+}
+
+constexpr PropertyRow Behind(EGate gate, PropertyRow row) {
+  row.gate = gate;
+  return row;
+}
+
+std::string UnitText(ET312BUnits units) { return UnitsText(static_cast<std::int16_t>(units)); }
+
+using enum ET312BUnits;
+using UnitWords = Words<ET312BUnits, UnitText, UNITS_DEGREESC, UNITS_DEGREESF, UNITS_KELVIN,
+                        UNITS_OHMS, UNITS_RATIO, UNITS_W>;
+using enum ET312BFilterType;
+using FilterWords = Words<ET312BFilterType, FilterTypeText, FT_NONE, FT_AVERAGE, FT_EXPONENTIAL>;
+using enum ET312BSampleAction;
+using ActionWords = Words<ET312BSampleAction, SampleActionText, SA_RUN, SA_STOP, SA_SAMPLE_N>;
+using enum ET312BOven;
+using OvenWords = Words<ET312BOven, OvenText, OVEN_ON, OVEN_OFF>;
+using enum ET312BChannelMode;
+using ChannelModeWords = Words<ET312BChannelMode, ChannelModeText, CM_ALTERNATE, CM_INPUT_1,
+                               CM_INPUT_2, CM_SCANNER_CHANNEL, CM_SCANNER_SEQUENCE>;
+using enum ET312BScannerScanMode;
+using ScanModeWords = Words<ET312BScannerScanMode, ScannerScanModeText, SSM_SCAN, SSM_INPUT_2_SCAN,
+                            SSM_ALT_INPUT_2_SCAN, SSM_ALT_SCAN_1_SCAN, SSM_USER_DEFINED>;
+
+using I = CVaneT312B;  // a short name, for the table
+using enum ET312BCalParams;
+
+const PropertyRow kProperties[] = {
+    ReadOnly<&I::Model>("Model", READOUT, "Model"),
+    ReadOnly<&I::Firmware>("Firmware", READOUT, "Firmware"),
+    ReadOnly<&I::Identification>("Identification", READOUT, "Identification"),
+    ReadOnly<&I::NumModules>("NumModules", READOUT, "Modules"),
+    ReadOnly<&I::NumChannels>("NumChannels", READOUT, "Channels"),
+
+    Choice<FilterWords, &I::FilterType, &I::SetFilterType>("FilterType", FILTER, "Filter type"),
+    Number<&I::FilterRespTime, &I::SetFilterRespTime>("FilterRespTime", FILTER, "Response time",
+                                                      kSeconds, I::MinFilterRespTime(),
+                                                      I::MaxFilterRespTime()),
+    Number<&I::FilterThreshold, &I::SetFilterThreshold>("FilterThreshold", FILTER, "Threshold", {},
+                                                        I::MinFilterThreshold(),
+                                                        I::MaxFilterThreshold()),
+
+    Alone<&I::UpdateUnits>(Choice<UnitWords, &I::Units, &I::SetUnits>("Units", SAMPLING, "Units"),
+                           EGate::UNITS_TIME),
+    Alone<&I::UpdateSampleAction>(Choice<ActionWords, &I::SampleAction, &I::SetSampleAction>(
+        "SampleAction", SAMPLING, "Sample action")),
+    Alone<&I::UpdateSampleN>(Number<&I::SampleN, &I::SetSampleN>(
+        "SampleN", SAMPLING, "Sample n", {}, I::MinSampleN(), I::MaxSampleN())),
+    {.name = "Interval",
+     .group = SAMPLING,
+     .words = "Sample interval",
+     .unit = kSeconds,
+     .get = Value<&I::Interval>,
+     .set = Store<std::int32_t, &I::SetInterval>,
+     .minimum = I::MinInterval(),
+     .maximum = I::MaxInterval(),
+     .whole = true,
+     .update = [](I& instrument) { return instrument.UpdateInterval(); },
+     .gate = EGate::SAMPLING},
+    Alone<&I::UpdateIntegrationTime>(Number<&I::IntegrationTime, &I::SetIntegrationTime>(
+                                         "IntegrationTime", SAMPLING, "Integration time", kSeconds,
+                                         I::MinIntegrationTime(), I::MaxIntegrationTime()),
+                                     EGate::SAMPLING),
+    Alone<&I::UpdateConversionTime>(Number<&I::ConversionTime, &I::SetConversionTime>(
+                                        "ConversionTime", SAMPLING, "Conversion time", kSeconds,
+                                        I::MinConversionTime(), I::MaxConversionTime()),
+                                    EGate::SAMPLING),
+    Alone<&I::UpdateResolution>(
+        Number<&I::Resolution, &I::SetResolution>("Resolution", SAMPLING, "Temperature resolution",
+                                                  kDigits, I::MinResolution(), I::MaxResolution())),
+    Alone<&I::UpdateResistanceResolution>(
+        Number<&I::ResistanceResolution, &I::SetResistanceResolution>(
+            "ResistanceResolution", SAMPLING, "Resistance resolution", kDigits,
+            I::MinResistanceResolution(), I::MaxResistanceResolution())),
+    Alone<&I::UpdateRatioResolution>(Number<&I::RatioResolution, &I::SetRatioResolution>(
+        "RatioResolution", SAMPLING, "Ratio resolution", kDigits, I::MinRatioResolution(),
+        I::MaxRatioResolution())),
+
+    Alone<&I::UpdateChannelMode>(Choice<ChannelModeWords, &I::ChannelMode, &I::SetChannelMode>(
+        "ChannelMode", MEASUREMENT, "Channel mode")),
+    Alone<&I::UpdateRepetitions>(Number<&I::Repetitions, &I::SetRepetitions>(
+        "Repetitions", MEASUREMENT, "Repetitions", {}, I::MinRepetitions(), I::MaxRepetitions())),
+
+    Alone<&I::UpdateScanChannel>(Number<&I::ScanChannel, &I::SetScanChannel>(
+        "ScanChannel", SCAN, "Scanner channel", {}, 1, kScannerChannels)),
+    Alone<&I::UpdateScannerScanMode>(
+        Choice<ScanModeWords, &I::ScannerScanMode, &I::SetScannerScanMode>(
+            "ScannerScanMode", SCAN, "Scanner sequence mode")),
+    Alone<&I::UpdateScanSeqChannels>(Number<&I::ScanSeqChannels, &I::SetScanSeqChannels>(
+        "ScanSeqChannels", SCAN, "Sequence channels", {}, 1, kScannerChannels)),
+    // The number of steps is that of the sequence, which writes it.
+    {.name = "ScanSeqSteps",
+     .group = SCAN,
+     .words = "User-defined steps",
+     .unit = {},
+     .get = Value<&I::ScanSeqSteps>},
+    {.name = "ScanChannels",
+     .group = SCAN,
+     .words = "User-defined sequence",
+     .unit = {},
+     .get = Value<&I::ScanChannels>,
+     .set = Store<std::string, &I::SetScanChannels>,
+     .update = [](I& instrument) { return instrument.UpdateScanChannelList(); }},
+
+    // The names count as the parameters do. The external resistor goes with the conversions.
+    Behind(EGate::CONVERSION, CalParam<CP_EXTERNAL>("CalParams0", "External resistor")),
+    Behind(EGate::CALIBRATION, CalParam<CP_1_OHM>("CalParams1", "1 Ohm resistor")),
+    Behind(EGate::CALIBRATION, CalParam<CP_10_OHM>("CalParams2", "10 Ohm resistor")),
+    Behind(EGate::CALIBRATION, CalParam<CP_100_OHM>("CalParams3", "100 Ohm resistor")),
+    Behind(EGate::CALIBRATION, CalParam<CP_10K_OHM>("CalParams4", "10K Ohm resistor")),
+    Behind(EGate::CALIBRATION,
+           Number<&I::ADC, &I::SetADC>("ADC", CALIBRATION, "ADC", {}, I::MinADC(), I::MaxADC())),
+    Behind(EGate::CALIBRATION,
+           Choice<OvenWords, &I::Oven, &I::SetOven>("Oven", CALIBRATION, "Oven")),
+
+    ReadOnly<&I::ProtectConversion>("ProtectConversion", PROTECTION, "Conversion"),
+    ReadOnly<&I::ProtectCalParams>("ProtectCalParams", PROTECTION, "Calibration"),
+    ReadOnly<&I::ProtectSampling>("ProtectSampling", PROTECTION, "Sampling"),
+    ReadOnly<&I::ProtectUnitsTime>("ProtectUnitsTime", PROTECTION, "Units and time"),
+};
+
+// A word as it is compared: in lower case, without the sign of degrees.
+std::string Folded(std::string_view text) {
+  constexpr std::string_view kDegree = "\u00B0";
+  if (text.starts_with(kDegree)) text.remove_prefix(kDegree.size());
+  std::string folded(text);
+  std::ranges::transform(folded, folded.begin(), [](char c) {
+    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+  });
+  return folded;
+}
+
+// Without an exponent, unlike other numbers: these are for comparing.
+std::string LimitText(double limit) {
+  std::array<char, 32> text;
+  const auto end =
+      std::to_chars(text.data(), text.data() + text.size(), limit, std::chars_format::fixed).ptr;
+  return WithUsersSeparator({text.data(), end});
+}
+
+std::optional<double> NumberOf(std::string_view text) {
+  double number = 0;
+  const auto [last, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+  if (error != std::errc() || last != text.data() + text.size()) return std::nullopt;
+  return number;
+}
+
+}  // namespace
+
+std::span<const PropertyGroupRow> PropertyGroups() { return kGroups; }
+
+std::span<const PropertyRow> InstrumentProperties() { return kProperties; }
+
+const PropertyRow* FindProperty(std::string_view name) {
+  for (const PropertyRow& row : kProperties) {
+    if (Folded(row.name) == Folded(name)) return &row;
+  }
+  return nullptr;
+}
+
+Json SettableValues(const CVaneT312B& instrument) {
+  Json values = Json::object();
+  for (const PropertyRow& row : kProperties) {
+    if (row.set == nullptr || !IsThere(row.group, instrument)) continue;
+    values[std::string(row.name)] = row.get(instrument);
+  }
+  return values;
+}
+
+bool IsThere(EPropertyGroup group, const CVaneT312B& instrument) {
+  return group != SCAN || instrument.HasScanners();
+}
+
+Json PropertyValue(const PropertyRow& row, const CVaneT312B& instrument) {
+  return IsThere(row.group, instrument) ? row.get(instrument) : Json();
+}
+
+std::string PropertyText(const PropertyRow& row, const Json& value) {
+  if (row.group == PROTECTION) return value.get<bool>() ? "protected" : "not protected";
+  std::string text = TextOf(value);
+  if (!row.unit.empty()) text += " " + std::string(row.unit);
+  return text;
+}
+
+std::optional<Json> PropertyValueOf(const PropertyRow& row, std::string_view text) {
+  if (row.choices != nullptr) {
+    for (std::string& word : row.choices()) {
+      if (Folded(word) == Folded(text)) return Json(std::move(word));
+    }
+    return std::nullopt;
+  }
+  if (!row.HasLimits()) return Json(text);
+  const std::optional<double> number = NumberOf(text);
+  if (!number || !(*number >= row.minimum && *number <= row.maximum)) return std::nullopt;
+  if (row.whole && std::trunc(*number) != *number) return std::nullopt;
+  return row.whole ? Json(static_cast<std::int32_t>(*number)) : Json(*number);
+}
+
+std::string AllowedText(const PropertyRow& row) {
+  if (row.choices != nullptr) {
+    std::string text;
+    for (const std::string& word : row.choices()) text += (text.empty() ? "" : ", ") + word;
+    return text;
+  }
+  if (!row.HasLimits()) return {};
+  return LimitText(row.minimum) + " to " + LimitText(row.maximum);
+}
+
+}  // namespace vane

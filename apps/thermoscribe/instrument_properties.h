@@ -1,0 +1,93 @@
+// The settings of the instrument as people and programs meet them on the command line: one row per
+// property, which every command on settings works from.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "apps/thermoscribe/output.h"
+#include "vane/instrument/t312b.h"
+
+namespace vane {
+
+enum class EPropertyGroup : std::int32_t {
+  READOUT,
+  FILTER,
+  SAMPLING,
+  MEASUREMENT,
+  SCAN,
+  CALIBRATION,
+  PROTECTION,
+};
+
+/// The group of the readout's passcode that a property belongs to.
+enum class EGate : std::int32_t { NONE, UNITS_TIME, SAMPLING, CALIBRATION, CONVERSION };
+
+struct PropertyGroupRow {
+  EPropertyGroup group;
+  std::string_view word;   ///< on the command line
+  std::string_view title;  ///< for people
+};
+
+/// All groups, in the order in which they are shown.
+std::span<const PropertyGroupRow> PropertyGroups();
+
+/// False for the scanner's properties where there is no scanner: nothing reads them then.
+bool IsThere(EPropertyGroup group, const CVaneT312B& instrument);
+
+struct PropertyRow {
+  std::string_view name;  ///< in JSON and on the command line
+  EPropertyGroup group;
+  std::string_view words;  ///< for people
+  std::string_view unit;   ///< empty: none
+
+  /// A number, a text, true or false; a member of an enumeration is its text.
+  Json (*get)(const CVaneT312B& instrument);
+
+  /// Takes what `get` gives, within the limits; null for what a host can't set.
+  void (*set)(CVaneT312B& instrument, const Json& value) = nullptr;
+
+  // Of a number that can be set; otherwise both limits are 0.
+  double minimum = 0;
+  double maximum = 0;
+  bool whole = false;
+
+  /// The texts that the property can have, in the order of the enumeration; null for any other.
+  std::vector<std::string> (*choices)() = nullptr;
+
+  /// The library's operation that writes it alone; null for what only the whole write can write.
+  bool (*update)(CVaneT312B& instrument) = nullptr;
+
+  EGate gate = EGate::NONE;
+
+  bool HasLimits() const { return minimum < maximum; }
+};
+
+/// All properties, by group.
+std::span<const PropertyRow> InstrumentProperties();
+
+/// Null for a name that none has. Letters count in either case.
+const PropertyRow* FindProperty(std::string_view name);
+
+/// The values of all properties that are there and can be set, by name.
+Json SettableValues(const CVaneT312B& instrument);
+
+/// What `get` gives; null for what is not there.
+Json PropertyValue(const PropertyRow& row, const CVaneT312B& instrument);
+
+/// A value of `row` for people, with its unit.
+std::string PropertyText(const PropertyRow& row, const Json& value);
+
+/// What `set` takes, out of what a person has typed: a choice in letters of either case and with or
+/// without the sign of degrees, a number within the limits. Nothing when it is none of these.
+std::optional<Json> PropertyValueOf(const PropertyRow& row, std::string_view text);
+
+/// "2 to 200", or "None, Average, Exponential"; empty for what can't be set or has no limits.
+std::string AllowedText(const PropertyRow& row);
+
+}  // namespace vane

@@ -1,0 +1,71 @@
+// thermoscribe protection: which settings are behind the readout's passcode, and whether the user
+// has it.
+
+#include <CLI/CLI.hpp>
+#include <string>
+
+#include "apps/thermoscribe/commands.h"
+#include "apps/thermoscribe/host.h"
+#include "apps/thermoscribe/instrument_properties.h"
+
+namespace vane {
+namespace {
+
+constexpr std::size_t kNameColumns = 16;
+
+EExitCode RunShow(CHost& host) {
+  if (const EExitCode code = host.ReadSettings(); code != EExitCode::DONE) return code;
+  Json members = Json::object();
+  std::string text;
+  for (const PropertyRow& row : InstrumentProperties()) {
+    if (row.group != EPropertyGroup::PROTECTION) continue;
+    const Json flag = row.get(host.Instrument());
+    members[std::string(row.name)] = flag;
+    text += (text.empty() ? "" : "\n") + Padded(std::string(row.words), kNameColumns) +
+            PropertyText(row, flag);
+  }
+  host.Output().Record("protection", members, text);
+  return EExitCode::DONE;
+}
+
+EExitCode RunUnlock(CHost& host) {
+  if (const EExitCode code = host.Connect(); code != EExitCode::DONE) return code;
+  if (!host.Instrument().ValidatePasscode(nullptr)) {
+    return host.IsInterrupted() ? EExitCode::ABORTED : EExitCode::NO_PASSCODE;
+  }
+  host.Output().Record("unlock", {{"unlocked", true}}, "The passcode is right.");
+  return EExitCode::DONE;
+}
+
+}  // namespace
+
+void AddProtection(CLI::App& program, CommandBody& chosen) {
+  CLI::App& group =
+      AddGroup(program, "protection", "Tell what the passcode protects, and check it");
+  CLI::App* const show = group.add_subcommand("show", "Show which groups are protected");
+  show->footer(
+      R"(Tells of each of the four groups whether the readout protects it:
+  Conversion      probes' conversions, the external resistor
+  Calibration     the internal resistors, ADC, oven
+  Sampling        sample interval, integration time, conversion time
+  Units and time  units
+
+Example:
+  thermoscribe protection show --port /dev/ttyUSB0)");
+  show->callback([&chosen] { chosen = RunShow; });
+
+  CLI::App* const unlock = group.add_subcommand("unlock", "Check a passcode against the readout's");
+  unlock->footer(
+      R"(Asks for the passcode, without showing it, until it is the readout's or you give up by an
+empty line, and exits with 0 when it was right, with 9 when not. Nothing stays open behind
+it: each command that changes what is protected asks for itself. A script gives the
+passcode by --passcode-file, once.
+
+Examples:
+  thermoscribe protection unlock --port /dev/ttyUSB0
+  thermoscribe protection unlock --passcode-file ~/.thermoscribe-passcode
+  thermoscribe protection unlock --passcode-file 3 3< <(pass show readout))");
+  unlock->callback([&chosen] { chosen = RunUnlock; });
+}
+
+}  // namespace vane

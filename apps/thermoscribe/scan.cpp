@@ -1,0 +1,138 @@
+// thermoscribe scan: what the readout measures and how it walks its channels.
+
+#include <CLI/CLI.hpp>
+#include <cstdint>
+#include <memory>
+#include <sstream>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "apps/thermoscribe/commands.h"
+#include "apps/thermoscribe/host.h"
+#include "apps/thermoscribe/settings_write.h"
+#include "vane/support/display_texts.h"
+#include "vane/topology/numbering.h"
+
+namespace vane {
+namespace {
+
+constexpr std::size_t kNameColumns = 24;
+
+Json Sequence(const CVaneT312B& instrument) {
+  Json steps = Json::array();
+  std::istringstream list(instrument.ScanChannels());
+  for (std::string item; std::getline(list, item, ',');) {
+    const auto channel = static_cast<std::int16_t>(std::stoi(item));
+    steps.push_back({{"step", steps.size() + 1},
+                     {"channel", channel},
+                     {"name", instrument.GetScanSeqChannelName(channel)}});
+  }
+  return steps;
+}
+
+Json ScanMembers(const CVaneT312B& instrument) {
+  const bool scanner = instrument.HasScanners();
+  const auto ifscanner = [scanner](Json value) { return scanner ? std::move(value) : Json(); };
+  return {{"scanner", scanner},
+          {"ChannelMode", ChannelModeText(instrument.ChannelMode())},
+          {"ScannerScanMode", ifscanner(ScannerScanModeText(instrument.ScannerScanMode()))},
+          {"ScanChannel", ifscanner(instrument.ScanChannel())},
+          {"ScanSeqChannels", ifscanner(instrument.ScanSeqChannels())},
+          {"ScanSeqSteps", ifscanner(instrument.ScanSeqSteps())},
+          {"sequence", ifscanner(Sequence(instrument))}};
+}
+
+std::string ScanText(const Json& members) {
+  std::string text = Padded("Channel mode", kNameColumns) + TextOf(members["ChannelMode"]);
+  if (!members["scanner"].get<bool>()) return text + "\nNo scanner is attached.";
+  const auto add = [&text](const char* name, const Json& value) {
+    text += "\n" + Padded(name, kNameColumns) + TextOf(value);
+  };
+  add("Scanner sequence mode", members["ScannerScanMode"]);
+  add("Scanner channel", members["ScanChannel"]);
+  add("Sequence channels", members["ScanSeqChannels"]);
+  add("User-defined steps", members["ScanSeqSteps"]);
+  for (const Json& step : members["sequence"]) {
+    const std::string number = TextOf(step["channel"]);
+    add(("  Step " + TextOf(step["step"])).c_str(),
+        (number.size() < 2 ? " " : "") + number + "  " + TextOf(step["name"]));
+  }
+  return text;
+}
+
+EExitCode RunScanShow(CHost& host) {
+  if (const EExitCode code = host.ReadSettings(); code != EExitCode::DONE) return code;
+  const Json members = ScanMembers(host.Instrument());
+  host.Output().Record("scan", members, ScanText(members));
+  return EExitCode::DONE;
+}
+
+// An option stands for a property.
+struct ScanOption {
+  const char* option;
+  const char* property;
+  const char* text;
+  const char* brief;
+};
+
+constexpr ScanOption kScanOptions[] = {
+    {"--mode", "ChannelMode", "MODE", "channel mode, such as \"Input 1\""},
+    {"--scanner-mode", "ScannerScanMode", "MODE", "scanner sequence mode"},
+    {"--channel", "ScanChannel", "N", "the single scanner channel, 1 to 10"},
+    {"--sequence-channels", "ScanSeqChannels", "N", "channels of a sequence, 1 to 10"},
+    {"--sequence", "ScanChannels", "LIST",
+     "the user-defined sequence: channels of the instrument\nfrom 2 on, such as 2,3,5"},
+};
+
+void AddScanSet(CLI::App& group, CommandBody& chosen) {
+  CLI::App* const command = group.add_subcommand("set", "Set the modes and the scan sequence");
+  std::vector<std::shared_ptr<std::string>> texts;
+  for (const ScanOption& option : kScanOptions) {
+    texts.push_back(std::make_shared<std::string>());
+    command->add_option(option.option, *texts.back(), option.brief)->option_text(option.text);
+  }
+  command->require_option(1, 0);
+  const auto dryrun = AddDryRun(*command);
+  command->footer(
+      R"(The modes are the words that "settings show" lists. A sequence is written step by step, its
+length with it. Behind the writing all settings are read again, and what has changed is
+shown.
+
+Examples:
+  thermoscribe scan set --mode "Scanner channel" --channel 4
+  thermoscribe scan set --scanner-mode "User-defined scanner sequence" --sequence 2,3,5)");
+  command->callback([&chosen, texts, dryrun] {
+    std::vector<Assignment> assignments;
+    for (std::size_t i = 0; i < texts.size(); ++i) {
+      if (texts[i]->empty()) continue;
+      try {
+        assignments.push_back(AssignmentOf(kScanOptions[i].property, *texts[i]));
+      } catch (const std::invalid_argument& error) {
+        throw CLI::ValidationError(error.what());
+      }
+    }
+    chosen = [assignments, dryrun](CHost& host) {
+      return WriteSettings(host, assignments, *dryrun);
+    };
+  });
+}
+
+}  // namespace
+
+void AddScan(CLI::App& program, CommandBody& chosen) {
+  CLI::App& group = AddGroup(program, "scan", "Tell and set how the readout walks its channels");
+  CLI::App* const show = group.add_subcommand("show", "Show the modes and the scan sequence");
+  show->footer(
+      R"(Tells what the readout measures (channel mode) and, with a scanner, how it scans: the mode,
+the single scanner channel, the number of channels of a sequence, and the user-defined
+sequence step by step, each with its channel's number on the instrument and its name.
+
+Examples:
+  thermoscribe scan show --port /dev/ttyUSB0
+  thermoscribe --simulate scan show --json)");
+  show->callback([&chosen] { chosen = RunScanShow; });
+  AddScanSet(group, chosen);
+}
+
+}  // namespace vane

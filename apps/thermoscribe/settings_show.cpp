@@ -1,0 +1,97 @@
+// thermoscribe settings show: every setting, for people in groups with unit and limits.
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "apps/thermoscribe/commands.h"
+#include "apps/thermoscribe/host.h"
+#include "apps/thermoscribe/instrument_properties.h"
+
+namespace vane {
+namespace {
+
+constexpr std::size_t kNameColumns = 26;
+constexpr std::size_t kValueColumns = 28;
+constexpr std::size_t kAllowedColumns = 46;
+
+// Lists longer than their column go on below their beginning.
+std::string Folded(std::string text) {
+  std::string folded;
+  while (text.size() > kAllowedColumns) {
+    const std::size_t cut = text.rfind(", ", kAllowedColumns - 1);
+    if (cut == text.npos) break;
+    folded += text.substr(0, cut + 1) + "\n" + std::string(kNameColumns + kValueColumns, ' ');
+    text.erase(0, cut + 2);
+  }
+  return folded + text;
+}
+
+std::string GroupText(const PropertyGroupRow& group, const CVaneT312B& instrument) {
+  std::string text(group.title);
+  if (!IsThere(group.group, instrument)) return text + "\n  No scanner is attached.";
+  for (const PropertyRow& row : InstrumentProperties()) {
+    if (row.group != group.group) continue;
+    const std::string value = PropertyText(row, row.get(instrument));
+    const std::string allowed = Folded(AllowedText(row));
+    text += "\n" + Padded("  " + std::string(row.words), kNameColumns);
+    text += allowed.empty() ? value : Padded(value, kValueColumns - 2) + "  " + allowed;
+  }
+  return text;
+}
+
+using ChosenGroup = std::optional<EPropertyGroup>;  // without a value, all
+
+EExitCode RunSettingsShow(CHost& host, ChosenGroup chosengroup) {
+  if (const EExitCode code = host.ReadSettings(); code != EExitCode::DONE) return code;
+  const CVaneT312B& instrument = host.Instrument();
+  const auto isshown = [&](EPropertyGroup group) { return !chosengroup || *chosengroup == group; };
+  Json members = Json::object();
+  for (const PropertyRow& row : InstrumentProperties()) {
+    if (isshown(row.group)) members[std::string(row.name)] = PropertyValue(row, instrument);
+  }
+  std::string text;
+  for (const PropertyGroupRow& group : PropertyGroups()) {
+    if (!isshown(group.group)) continue;
+    text += (text.empty() ? "" : "\n\n") + GroupText(group, instrument);
+  }
+  host.Output().Record("settings", members, text);
+  return EExitCode::DONE;
+}
+
+}  // namespace
+
+void AddSettingsShow(CLI::App& program, CommandBody& chosen) {
+  CLI::App* const command = program.add_subcommand("show", "Read and show every setting");
+  const auto group = std::make_shared<std::string>();
+  std::vector<std::string> words;
+  for (const PropertyGroupRow& row : PropertyGroups()) words.emplace_back(row.word);
+  command->add_option("--group", *group, "show one group only, see below")
+      ->option_text("GROUP")
+      ->check(CLI::IsMember(words).description(""));
+  command->footer(
+      R"(Reads all settings of the readout and its scanner and shows each with its unit and what it
+may be set to. With --json the members are the properties by their names, such as Units or
+FilterRespTime; those of a scanner that isn't there are null. With --progress the reading
+shows how far it is; Ctrl-C stops it between two settings.
+
+Groups:
+  )" + CLI::detail::join(words, ", ") +
+      R"(
+
+Examples:
+  thermoscribe settings show --port /dev/ttyUSB0
+  thermoscribe settings show --group sampling
+  thermoscribe --simulate settings show --json)");
+  command->callback([&chosen, group] {
+    ChosenGroup chosengroup;
+    const auto row = std::ranges::find(PropertyGroups(), *group, &PropertyGroupRow::word);
+    if (row != PropertyGroups().end()) chosengroup = row->group;
+    chosen = [chosengroup](CHost& host) { return RunSettingsShow(host, chosengroup); };
+  });
+}
+
+}  // namespace vane
