@@ -33,11 +33,12 @@ AddCommand AddSettings;
 AddCommand AddScan;
 AddCommand AddProtection;
 AddCommand AddClock;
+AddCommand AddDownload;
 
 /// In the order of the help.
 inline constexpr std::array kCommands = {AddPorts,      AddIdentify, AddChannels, AddMeasure,
                                          AddChannel,    AddProbe,    AddSettings, AddScan,
-                                         AddProtection, AddClock};
+                                         AddProtection, AddClock,    AddDownload};
 
 /// The commands of a group, in the order of its help.
 AddCommand AddSettingsShow;

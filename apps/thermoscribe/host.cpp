@@ -15,10 +15,45 @@
 #include "adapters/terminal/terminal_printer_choice.h"
 #include "adapters/terminal/terminal_progress.h"
 #include "vane/support/failure.h"
+#include "vane/support/paths.h"
 #include "vane/support/text_table.h"
 #include "vane/support/texts.h"
 
 namespace vane {
+namespace {
+
+// Both note how far the making of a file has come: the library's result doesn't tell.
+
+class CNotedFile final : public CColumnTextFile {
+ public:
+  CNotedFile(PrinterChoice printerchoice, WrittenFile& note)
+      : CColumnTextFile(std::move(printerchoice)), note_(note) {}
+
+  void Close(bool& success) override {
+    CColumnTextFile::Close(success);
+    if (success) note_.path = BuildFullPath(Folder(), FileName());
+  }
+
+ private:
+  WrittenFile& note_;
+};
+
+class CNotedDialog final : public CTerminalFileDialog {
+ public:
+  CNotedDialog(CInterrupts& interrupts, WrittenFile& note)
+      : CTerminalFileDialog(interrupts), note_(note) {}
+
+  void ShowSave() override {
+    note_.cancelled = true;
+    CTerminalFileDialog::ShowSave();
+    note_.cancelled = false;
+  }
+
+ private:
+  WrittenFile& note_;
+};
+
+}  // namespace
 
 std::unique_ptr<CVaneCommunications> CHostFactory::MakeCommunications() {
   return std::make_unique<CSerialCommunications>(line_);
@@ -37,13 +72,16 @@ std::unique_ptr<CVanePasscodeDialog> CHostFactory::MakePasscodeDialog() {
 }
 
 std::unique_ptr<CVaneOutputFile> CHostFactory::MakeOutputFile() {
-  return std::make_unique<CColumnTextFile>([this](const std::vector<std::string>& printers) {
-    return ChoosePrinter(interrupts_, printers);
-  });
+  latestfile_ = {};
+  return std::make_unique<CNotedFile>(
+      [this](const std::vector<std::string>& printers) {
+        return ChoosePrinter(interrupts_, printers);
+      },
+      latestfile_);
 }
 
 std::unique_ptr<CVaneFileDialog> CHostFactory::MakeFileDialog() {
-  return std::make_unique<CTerminalFileDialog>(interrupts_);
+  return std::make_unique<CNotedDialog>(interrupts_, latestfile_);
 }
 
 std::unique_ptr<CVaneTextFile> CHostFactory::CreateTextFile(const std::string& path) {

@@ -34,6 +34,12 @@ struct HostOptions {
   bool progress = false;
 };
 
+/// The latest text file of columns.
+struct WrittenFile {
+  std::string path;        ///< empty: none was finished
+  bool cancelled = false;  ///< whether the user gave up the question for its name
+};
+
 /// Makes what the library's operations need for themselves.
 class CHostFactory final : public CComponentFactory {
  public:
@@ -50,10 +56,13 @@ class CHostFactory final : public CComponentFactory {
   std::unique_ptr<CVaneTextFile> CreateTextFile(const std::string& path) override;
   std::unique_ptr<ui::CForm> MakeForm(const std::string& name) override;
 
+  const WrittenFile& LatestFile() const { return latestfile_; }
+
  private:
   std::shared_ptr<LineSettings> line_;
   CInterrupts& interrupts_;
   const std::string passcodefile_;
+  WrittenFile latestfile_;
 };
 
 /// One object per process, on the main thread. From its making on, Ctrl-C ends a wait of the
@@ -92,6 +101,8 @@ class CHost {
 
   /// True once the user has pressed Ctrl-C, from then on.
   bool IsInterrupted() const { return interrupts_.Pending(); }
+
+  const WrittenFile& LatestFile() const { return factory_.LatestFile(); }
 
   /// The latest exchange; number 0 when it went well.
   const LineFailure& LastFailure() const { return line_->lastfailure; }
