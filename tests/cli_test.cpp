@@ -7,6 +7,7 @@
 #include <pty.h>
 #include <signal.h>
 #include <sys/file.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <termios.h>
 #include <unistd.h>
@@ -173,10 +174,11 @@ class Cli : public testing::Test {
     EXPECT_THAT(answer, StartsWith("=")) << command;
   }
 
-  std::string Trace() const {
-    std::ifstream file(TraceFile());
+  std::string FileText(const char* name) const {
+    std::ifstream file(folder_ / name);
     return {std::istreambuf_iterator<char>(file), {}};
   }
+  std::string Trace() const { return FileText("trace"); }
 
   // The value of the answer that came last, as it stood on the line.
   std::string LastAnswer() const {
@@ -611,13 +613,92 @@ TEST_F(Cli, EndsAtOnceOnCtrlCWithEveryFinishedReadingPrinted) {
   }
 }
 
+TEST_F(Cli, TextFollowsTheUsersLocaleAndNothingElseDoes) {
+  setenv("LOCPATH", TEST_LOCALES, 1);
+  setenv("LC_ALL", "de_DE.UTF-8", 1);
+  StartSimulator();
+  EXPECT_THAT(Ask("settings show --group filter").out, HasSubstr(" 0,01   "));
+  EXPECT_THAT(Ask("settings show --group filter").out, HasSubstr("0,0001 to 1000000"));
+  EXPECT_EQ(JsonLines(Ask("settings show --json").out)[0]["FilterThreshold"], 0.01);
+  const std::string lines = Ask("settings set ADC=1.5 FilterRespTime=2.5 --dry-run").out;
+  EXPECT_THAT(lines, HasSubstr("CAL:ADC 1.50*"));
+  EXPECT_THAT(lines, HasSubstr("FILTER:RESPONSE 2.5*"));
+  EXPECT_THAT(lines, HasSubstr("CAL:PARAM 4 1.000037000E+04*"));
+  EXPECT_THAT(lines, Not(HasSubstr(",")));
+  EXPECT_EQ(Ask("download --readings 1 --resolution 1 --folder " + folder_.string()).exitcode, 0);
+  EXPECT_THAT(FileText("download.txt"), ContainsRegex("<no time>   [0-9]+,[0-9] °C"));
+  EXPECT_THAT(Ask("clock set --time 2026-02-03T15:07:09 --dry-run").out,
+              ContainsRegex("CLOCK:DATE 02-03-2026.*\n.*CLOCK:TIME 15:07:09\\*"));
+  setenv("LC_ALL", "en_US.UTF-8", 1);
+  EXPECT_THAT(Ask("clock set --time '2026-02-03T15:07' --dry-run").err, HasSubstr("no date"));
+  EXPECT_THAT(Ask("clock set --time 2026-02-03T15:07 --dry-run").out,
+              HasSubstr("CLOCK:TIME 3:07:00PM*"));
+  unsetenv("LOCPATH");
+}
+
+TEST_F(Cli, AFinishedDownloadIsOfferedAtTheTerminal) {
+  StartSimulator();
+  const std::string opened = folder_ / "opened";
+  for (const char* name : {"xdg-open", "lp", "lpstat"}) {
+    const std::string program = folder_ / name;
+    std::ofstream(program) << "#!/bin/sh\necho " << name << " \"$@\" >> " << opened << "\n";
+    chmod(program.c_str(), 0755);
+  }
+  const std::string path = std::getenv("PATH");
+  setenv("PATH", (folder_.string() + ":" + path).c_str(), 1);
+  int terminal = -1;
+  CProcess program(THERMOSCRIBE_PATH,
+                   OnPort("download --readings 4 --folder " + folder_.string() + " --csv " +
+                              (folder_ / "log.csv").string(),
+                          Port()),
+                   &terminal);
+  setenv("PATH", path.c_str(), 1);
+  std::string screen;
+  std::vector<std::string> typed = {"1\n", "2\n", "a\n", "1\n", "\n"};
+  for (char character = 0; read(terminal, &character, 1) == 1;) {
+    screen += character;
+    if (typed.empty() || !screen.ends_with("goes on: ")) continue;
+    dprintf(terminal, "%s", typed.front().c_str());
+    typed.erase(typed.begin());
+  }
+  close(terminal);
+  EXPECT_EQ(program.Wait().exitcode, 0) << screen;
+  EXPECT_THAT(screen, HasSubstr("There is no such choice."));
+  EXPECT_THAT(screen, HasSubstr("a  [x] Send"));
+  const std::string file = folder_ / "download.txt";
+  EXPECT_THAT(FileText("opened"), StartsWith("xdg-open " + file + "\n"));
+  EXPECT_THAT(FileText("opened"), ContainsRegex("\nlp .*" + file + "\n"));
+  EXPECT_EQ(Lines(FileText("download.txt")).size(), 3u + 4u);
+  EXPECT_THAT(FileText("log.csv"), ContainsRegex("^number,unit,third\r\n[0-9.]+,C,1\r\n"));
+}
+
 TEST_F(Cli, RefusesBadUsageBeforeItTouchesAnything) {
-  for (const std::string words :
-       {"", "nonsense", "identify channels", "identify --nonsense", "identify --baud 9601",
-        "identify --timeout 0", "identify --port /dev/x --simulate",
-        "identify --simulate=--nonsense", "measure --channel 0", "measure --channel 13",
-        "measure --count -1", "measure --every 1", "measure --start --stop",
-        "measure --start --count 2", "settings", "settings show --group all", "scan nonsense"}) {
+  for (const std::string words : {"",
+                                  "nonsense",
+                                  "identify channels",
+                                  "identify --nonsense",
+                                  "identify --baud 9601",
+                                  "identify --timeout 0",
+                                  "identify --port /dev/x --simulate",
+                                  "identify --simulate=--nonsense",
+                                  "measure --channel 0",
+                                  "measure --channel 13",
+                                  "measure --count -1",
+                                  "measure --every 1",
+                                  "measure --start --stop",
+                                  "measure --start --count 2",
+                                  "settings",
+                                  "settings show --group all",
+                                  "scan nonsense",
+                                  "settings set Interval=1",
+                                  "settings set Foo=1",
+                                  "settings set Units=X",
+                                  "settings set Units",
+                                  "scan set",
+                                  "scan set --channel 11",
+                                  "clock set --time 2026-02-30T00:00",
+                                  "download --log both",
+                                  "download --readings 0"}) {
     SCOPED_TRACE(words);
     const Outcome outcome = Run(Words(words));
     EXPECT_EQ(outcome.exitcode, 2);
