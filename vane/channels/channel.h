@@ -160,6 +160,15 @@ class CVaneT312BPRTTHRMChannel {
   bool Update3WireOffset(std::int16_t prbidx);
   bool UpdateConversionType(std::int16_t prbidx);
 
+  // A type of conversion that has values, and what reads and writes them.
+  struct ConversionRow {
+    EVaneConversionType type;
+    bool (CVaneT312BPRTTHRMChannel::*query)(std::int16_t prbidx, ui::CWindow* frm);
+    bool (CVaneT312BPRTTHRMChannel::*update)(std::int16_t prbidx, ui::CWindow* frm);
+  };
+  // Of the probe's conversion; null when that has none.
+  const ConversionRow* RowOfConversion() const;
+
   // The values of a conversion. These end at the user: false when he has been told.
   bool QueryCoefficients(std::int16_t prbidx, ui::CWindow* frm);
   bool QueryCVDCoefficients(std::int16_t prbidx, ui::CWindow* frm);

@@ -1,4 +1,6 @@
 // The conversion of a probe, read value by value.
+#include <algorithm>
+#include <iterator>
 #include <span>
 #include <string>
 
@@ -163,26 +165,27 @@ bool CVaneT312BPRTTHRMChannel::QuerySeries(const SeriesRow& series, std::int16_t
 
 // --- The conversions ---
 
+const CVaneT312BPRTTHRMChannel::ConversionRow* CVaneT312BPRTTHRMChannel::RowOfConversion() const {
+  using Self = CVaneT312BPRTTHRMChannel;
+  using enum EVaneConversionType;
+  static constexpr ConversionRow kRows[] = {
+      {CONV_ITS90, &Self::QueryITS90Coefficients, &Self::UpdateITS90Coefficients},
+      {CONV_IPTS68, &Self::QueryIPTS68Coefficients, &Self::UpdateIPTS68Coefficients},
+      {CONV_CVD, &Self::QueryCVDCoefficients, &Self::UpdateCVDCoefficients},
+      {CONV_POLYNOMIAL, &Self::QueryPOLYCoefficients, &Self::UpdatePOLYCoefficients},
+      {CONV_THERMISTOR_TR, &Self::QueryThermistorTRCoefficients,
+       &Self::UpdateThermistorTRCoefficients},
+      {CONV_THERMISTOR_RT, &Self::QueryThermistorRTCoefficients,
+       &Self::UpdateThermistorRTCoefficients},
+      {CONV_WT90, &Self::QueryWT90Coefficients, &Self::UpdateWT90Coefficients},
+  };
+  const auto row = std::ranges::find(kRows, probe_->ConversionType(), &ConversionRow::type);
+  return row != std::end(kRows) ? row : nullptr;
+}
+
 bool CVaneT312BPRTTHRMChannel::QueryCoefficients(std::int16_t prbidx, ui::CWindow* frm) {
-  switch (probe_->ConversionType()) {
-    using enum EVaneConversionType;
-    case CONV_ITS90:
-      return QueryITS90Coefficients(prbidx, frm);
-    case CONV_IPTS68:
-      return QueryIPTS68Coefficients(prbidx, frm);
-    case CONV_CVD:
-      return QueryCVDCoefficients(prbidx, frm);
-    case CONV_POLYNOMIAL:
-      return QueryPOLYCoefficients(prbidx, frm);
-    case CONV_THERMISTOR_TR:
-      return QueryThermistorTRCoefficients(prbidx, frm);
-    case CONV_THERMISTOR_RT:
-      return QueryThermistorRTCoefficients(prbidx, frm);
-    case CONV_WT90:
-      return QueryWT90Coefficients(prbidx, frm);
-    default:
-      return true;
-  }
+  const ConversionRow* const row = RowOfConversion();
+  return row == nullptr || (this->*row->query)(prbidx, frm);
 }
 
 bool CVaneT312BPRTTHRMChannel::QueryCVDCoefficients(std::int16_t prbidx, ui::CWindow* frm) {

@@ -122,25 +122,8 @@ bool CVaneT312BPRTTHRMChannel::UpdateSeries(const SeriesRow& series, std::int16_
 // --- The conversions ---
 
 bool CVaneT312BPRTTHRMChannel::UpdateCoefficients(std::int16_t prbidx, ui::CWindow* frm) {
-  switch (probe_->ConversionType()) {
-    using enum EVaneConversionType;
-    case CONV_ITS90:
-      return UpdateITS90Coefficients(prbidx, frm);
-    case CONV_IPTS68:
-      return UpdateIPTS68Coefficients(prbidx, frm);
-    case CONV_CVD:
-      return UpdateCVDCoefficients(prbidx, frm);
-    case CONV_POLYNOMIAL:
-      return UpdatePOLYCoefficients(prbidx, frm);
-    case CONV_THERMISTOR_TR:
-      return UpdateThermistorTRCoefficients(prbidx, frm);
-    case CONV_THERMISTOR_RT:
-      return UpdateThermistorRTCoefficients(prbidx, frm);
-    case CONV_WT90:
-      return UpdateWT90Coefficients(prbidx, frm);
-    default:
-      return true;
-  }
+  const ConversionRow* const row = RowOfConversion();
+  return row == nullptr || (this->*row->update)(prbidx, frm);
 }
 
 bool CVaneT312BPRTTHRMChannel::UpdateCVDCoefficients(std::int16_t prbidx, ui::CWindow* frm) {
