@@ -17,11 +17,7 @@
 #include <utility>
 #include <vector>
 
-#include "adapters/conversions/probe.h"
-#include "adapters/files/registry.h"
-#include "adapters/serial/serial_communications.h"
-#include "adapters/terminal/terminal_platform.h"
-#include "adapters/terminal/terminal_progress.h"
+#include "bench/measuring.h"
 #include "bench/responder.h"
 #include "protocol/framing.h"
 #include "vane/instrument/t312b.h"
@@ -30,28 +26,9 @@
 namespace vane::bench {
 namespace {
 
-using Clock = std::chrono::steady_clock;
-
 constexpr std::int32_t kRounds = 50;
 constexpr std::int32_t kExchanges = 600;  // a round
 constexpr std::int16_t kInput = 2;
-
-class CFactory : public CComponentFactory {
- public:
-  CFactory(CInterrupts& interrupts, std::shared_ptr<LineSettings> line)
-      : interrupts_(interrupts), line_(std::move(line)) {}
-  std::unique_ptr<CVaneCommunications> MakeCommunications() override {
-    return std::make_unique<CSerialCommunications>(line_);
-  }
-  std::unique_ptr<CVaneProbe> MakeProbe() override { return std::make_unique<CThermometerProbe>(); }
-  std::unique_ptr<CVaneProgress> MakeProgress() override {
-    return std::make_unique<CTerminalProgress>(interrupts_);
-  }
-
- private:
-  CInterrupts& interrupts_;
-  std::shared_ptr<LineSettings> line_;
-};
 
 // Counts what is sent.
 class CCountingTrace : public CLineTrace {
@@ -78,10 +55,6 @@ class CTimedPlatform : public CTerminalPlatform {
   Clock::duration paused_{};
 };
 
-double SecondsSince(Clock::time_point start) {
-  return std::chrono::duration<double>(Clock::now() - start).count();
-}
-
 // Of `body`, which does `exchanges` at a time.
 double RatePerSecond(std::int32_t exchanges, const std::function<void()>& body) {
   const std::int32_t times = kExchanges / exchanges;
@@ -101,11 +74,6 @@ void BareExchange(int line, std::string_view command) {
     if (count <= 0) throw std::runtime_error("The line is lost.");
     last = answer[static_cast<std::size_t>(count) - 1];
   }
-}
-
-double MedianOf(std::vector<double> numbers) {
-  std::ranges::sort(numbers);
-  return (numbers[(numbers.size() - 1) / 2] + numbers[numbers.size() / 2]) / 2;
 }
 
 struct Rates {
@@ -193,8 +161,7 @@ void Run() {
   const CInstalledComponents installed(components);
 
   CVaneT312B readout(components);
-  // A file that is not there: no setting of the user's changes what is measured.
-  readout.SetRegistry(std::make_shared<CConfigRegistry>([](const std::string&) {}, "/dev/null"));
+  readout.SetRegistry(EmptyRegistry());
   readout.InitializeCommunications();
   if (!readout.QueryChannelInfo()) throw std::runtime_error("The responder was not understood.");
 

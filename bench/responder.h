@@ -1,5 +1,6 @@
 // A readout with a scanner that answers at once and knows no more than it takes to be found,
-// measured and read: what is left of the time of an exchange is the line's and the library's own.
+// measured, read and asked for a log without an end: what is left of the time of an exchange is the
+// line's and the library's own.
 #pragma once
 
 #include <sys/types.h>
