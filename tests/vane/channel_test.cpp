@@ -22,20 +22,9 @@ TEST_F(Channel, IsMadeInOrderAndCountsAsChanged) {
   CVaneT312BPRTTHRMChannel channel(host_.components);
   EXPECT_EQ(host_.log.Text(),
             "probe HelpFile=VaneT312B.hlp\nprobe InputKind=2\nprobe FilePath=/opt/vane/lib\n");
-  EXPECT_TRUE(channel.Changed());
-  EXPECT_TRUE(channel.Probe()->Changed());
-  EXPECT_TRUE(channel.Enabled());
+  EXPECT_TRUE(channel.Changed() && channel.Probe()->Changed() && channel.Enabled());
   EXPECT_EQ(channel.ProbeIndex(), -1);
   EXPECT_EQ(channel.ProbeRefResistor(), ET312BProbeRefResistor::PRR_NONE);
-  EXPECT_EQ(channel.ProbeCurrentFormat() + channel.Probe3WireOffsetFormat(), "0.00000.000000");
-  EXPECT_EQ(channel.ActualChannel() + channel.ModuleChannel(), 0);
-  EXPECT_EQ(channel.Module(), nullptr);
-  EXPECT_EQ(channel.BaseUnit(), nullptr);
-  EXPECT_EQ(channel.MinProbeCurrent(), 0.0001);
-  EXPECT_EQ(channel.MaxProbeCurrent(), 21.0);
-  EXPECT_EQ(channel.MinProbe3WireOffset(), 0.0);
-  EXPECT_EQ(channel.MaxProbe3WireOffset(), 1000000.0);
-  EXPECT_EQ(channel.MaxSerialLength(), 8);
 }
 
 TEST_F(Channel, MarksItselfAndItsProbeTogether) {
@@ -53,12 +42,11 @@ TEST_F(Channel, MarksItselfAndItsProbeTogether) {
     EXPECT_TRUE(channel.Changed() && channel.Probe()->Changed());
     channel.SetChanged(false);
     set();
-    channel.SetEnabled(!channel.Enabled());
     EXPECT_FALSE(channel.Changed());
   }
-  EXPECT_EQ(channel.ProbeCurrent(), 25);
   channel.SetProbeCurrent(std::nan(""));
   EXPECT_EQ(channel.ProbeCurrent(), 25);
+  channel.SetEnabled(false);
   EXPECT_FALSE(channel.Changed());
   channel.Probe()->SetChanged(true);
   EXPECT_TRUE(channel.Changed());
@@ -74,16 +62,11 @@ TEST_F(Channel, KeepsTheRegistryThatItsProbeHandsBack) {
   EXPECT_EQ(channel.Registry(), probe.replacement);
 }
 
-TEST_F(Channel, CreationFailsUnderItsLabel) {
+TEST_F(Channel, CreationFailsUnderTheLabelOfWhatIsMade) {
   host_.probesfail = true;
-  const auto source = [](const std::function<void()>& make) {
-    return CTestHost::ErrorOf(make).Source();
-  };
-  EXPECT_EQ(source([&] { CVaneT312BPRTTHRMChannel channel(host_.components); }),
+  EXPECT_EQ(CTestHost::ErrorOf([&] { CVaneT312BPRTTHRMChannel made(host_.components); }).Source(),
             "CVaneT312BPRTTHRMChannel - Class_Initialize");
-  EXPECT_EQ(source([&] { CVaneT312BBaseModule md(host_.components); }),
-            "CVaneT312BBaseModule - Class_Initialize");
-  EXPECT_EQ(source([&] { CVaneM420Multiplexer md(host_.components); }),
+  EXPECT_EQ(CTestHost::ErrorOf([&] { CVaneM420Multiplexer made(host_.components); }).Source(),
             "CVaneM420Multiplexer - Class_Initialize");
 }
 
@@ -93,38 +76,26 @@ TEST_F(Channel, CannotReadWithoutAnInstrument) {
             "CVaneT312BPRTTHRMChannel - QueryProbeIndex");
 }
 
-TEST_F(Channel, ModulesOfBothKindsDifferInTheirFactsAlone) {
+TEST_F(Channel, ModulesRefuseAChannelThatTheyDoNotHave) {
   CVaneT312BBaseModule inputs(host_.components);
   CVaneM420Multiplexer scanner(host_.components);
   const struct {
     CModule& md;
-    const char* name;
-    std::int16_t channels;
+    int channels;
     const char* label;
-  } rows[] = {{inputs, "T312B", 2, "CVaneT312BBaseModule - Get Channels"},
-              {scanner, "M420", 10, "CVaneM420Multiplexer - Get Channels"}};
+  } rows[] = {{inputs, 2, "CVaneT312BBaseModule - Get Channels"},
+              {scanner, 10, "CVaneM420Multiplexer - Get Channels"}};
   for (const auto& row : rows) {
-    EXPECT_EQ(row.md.Model(), row.name);
-    EXPECT_EQ(row.md.ModuleName(), row.name);
-    EXPECT_EQ(row.md.NumChannels(), row.channels);
-    EXPECT_EQ(row.md.StartChannel(), -1);
-    EXPECT_EQ(row.md.ModuleNumber(), 0);
     EXPECT_FALSE(row.md.Changed());
-    for (std::int16_t i = 0; i < row.channels; ++i) {
-      EXPECT_EQ(row.md.Channels(i)->ModuleChannel(), i + 1);
-      EXPECT_EQ(row.md.Channels(i)->Module(), &row.md);
-      EXPECT_TRUE(row.md.Channels(i)->Changed());
-    }
-    for (const int outside : {-1, static_cast<int>(row.channels)}) {
+    EXPECT_EQ(row.md.Channels(static_cast<std::int16_t>(row.channels - 1))->ModuleChannel(),
+              row.channels);
+    for (const int outside : {-1, row.channels}) {
       const LibraryError error =
           CTestHost::ErrorOf([&] { row.md.Channels(static_cast<std::int16_t>(outside)); });
       EXPECT_EQ(error.Number(), static_cast<std::int32_t>(0x800403E9));
       EXPECT_EQ(error.Source(), row.label);
       EXPECT_EQ(error.Description(), "Invalid channel index");
     }
-    row.md.SetFilePath("/x");
-    const auto& probe = dynamic_cast<test::CFakeProbe&>(*row.md.Channels(1)->Probe());
-    EXPECT_EQ(row.md.Channels(1)->FilePath() + probe.filepath, "/x/x");
   }
 }
 
@@ -155,21 +126,19 @@ TEST_F(ProbeNumbers, AreReadByTheNumberThatTheCommandTakes) {
   EXPECT_EQ(it_.GetChannelReference(1)->ProbeIndex(), 2);
 }
 
-TEST_F(ProbeNumbers, OfAModuleAreReadUnderOneReporter) {
+TEST_F(ProbeNumbers, OfAModuleAreReadUnderOneReporterAndAnAbortCountsBehindTheLast) {
+  const std::string run =
+      "visible\nbusy on\nstart Reading probe indexes... 50\n"
+      "read 136 Channel=1\nstep\nread 136 Channel=2\nstep\n";
   test::CTestWindow window;
   EXPECT_TRUE(it_.Modules(0)->QueryInfo(&window));
-  EXPECT_EQ(host_.log.Text(),
-            "progress\nattach window\nvisible\nbusy on\nstart Reading probe indexes... 50\n"
-            "read 136 Channel=1\nstep\nread 136 Channel=2\nstep\nfinish\nrelease\nbusy off\n");
-}
-
-TEST_F(ProbeNumbers, OfAModuleStopAtAnAbortAlsoBehindTheLast) {
-  host_.abortat = 2;
+  EXPECT_EQ(host_.log.Text(), "progress\nattach window\n" + run + "finish\nrelease\nbusy off\n");
+  host_.log.Clear();
+  host_.abortat = host_.steps + 2;
   EXPECT_FALSE(it_.Modules(0)->QueryInfo());
-  EXPECT_EQ(host_.log.Text(),
-            "progress\nattach none\ninvisible\nbusy on\nstart Reading probe indexes... 50\n"
-            "read 136 Channel=1\nstep\nread 136 Channel=2\nstep\nhide\nbusy off\n"
-            "box 64 Corvane: Aborted querying information.\nfinish\nrelease\nbusy off\n");
+  EXPECT_EQ(host_.log.Text(), "progress\nattach none\nin" + run +
+                                  "hide\nbusy off\nbox 64 Corvane: Aborted querying information.\n"
+                                  "finish\nrelease\nbusy off\n");
   EXPECT_EQ(it_.GetChannelReference(2)->ProbeIndex(), 2);
 }
 
@@ -232,19 +201,6 @@ TEST_F(ConversionSetUp, SetsFormatsLimitsAndDefaultsInOrder) {
   EXPECT_EQ(
       SetTo(14),
       "probe ConversionType=14\nW(T90).RTPWFormat=##0.0###########\nW(T90).RTPW=25.5\n" + end);
-  std::string polynomial =
-      "probe ConversionType=4\npolynomial.Order=10\npolynomial.ValueFormat=0.0########E-00\n";
-  for (int i = 0; i <= 10; ++i)
-    polynomial += "polynomial.Coefficients(" + std::to_string(i) + ")=0\n";
-  EXPECT_EQ(SetTo(4), polynomial + end);
-  for (const auto& [ct, name] : {std::pair(5, "T(R)"), std::pair(6, "R(T)")}) {
-    std::string thermistor = "probe ConversionType=" + std::to_string(ct) + "\n" + name +
-                             ".ValueFormat=0.0#######E-00\n";
-    for (int i = 0; i < 4; ++i) {
-      thermistor += std::string(name) + ".Coefficients(" + std::to_string(i) + ")=0\n";
-    }
-    EXPECT_EQ(SetTo(ct), thermistor + end);
-  }
   EXPECT_EQ(SetTo(10), "probe ConversionType=10\n" + end);
   EXPECT_EQ(SetTo(15), "probe ConversionType=15\n" + end);
   EXPECT_EQ(SetTo(3), "probe ConversionType=-1\n" + end);

@@ -184,9 +184,89 @@ TEST_F(ChannelWrite, SubrangesSendTheCoefficientsThatTheyHave) {
                                 "212 Probe=4 Range=2; 214 Probe=4 Range=2; "
                                 "216 Probe=4 Range=2 Index=1; 216 Probe=4 Range=2 Index=2; "
                                 "216 Probe=4 Range=2 Index=3; 218 Probe=4 Range=10; ");
+  for (std::int32_t i = 0; i < 7; ++i) its90.LowRange().SetCoefficients(i, i + 1);
+  for (std::int32_t i = 0; i < 4; ++i) its90.HighRange().SetCoefficients(i, -i - 1);
+  written(1, 6);
+  EXPECT_EQ(host_.log.Only({"write 21", "write 22"}),
+            "write 210 Probe=4 value=25.0\nwrite 212 Probe=4 Range=1 value=1.0E00\n"
+            "write 214 Probe=4 Range=1 value=2.0E00\n"
+            "write 216 Probe=4 Range=1 Index=1 value=3.0E00\n"
+            "write 216 Probe=4 Range=1 Index=2 value=4.0E00\n"
+            "write 216 Probe=4 Range=1 Index=3 value=5.0E00\n"
+            "write 216 Probe=4 Range=1 Index=4 value=6.0E00\n"
+            "write 216 Probe=4 Range=1 Index=5 value=7.0E00\n"
+            "write 218 Probe=4 Range=6 value=-1.0E00\nwrite 220 Probe=4 Range=6 value=-2.0E00\n"
+            "write 222 Probe=4 Range=6 value=-3.0E00\nwrite 224 Probe=4 value=-4.0E00\n");
+  written(2, 10);
   // The run of the conversion leaves the pauses to its ranges.
   EXPECT_EQ(host_.log.Count("queue 300"), 5u + 3u + 6u);
   EXPECT_EQ(host_.log.Count("step"), 5u + 3u + 6u + 2u);
+}
+
+TEST_F(ChannelWrite, EveryConversionNamesItsStepsAndWindows) {
+  const struct {
+    EVaneConversionType type;
+    const char* starts;
+    std::vector<std::string> steps;  // of the exchanges behind the type
+  } rows[] = {
+      {CONV_IPTS68,
+       "start Updating IPTS-68 coefficients... 16.666666666666668\n",
+       {"IPTS-68 scale", "IPTS-68 R0", "IPTS-68 ALPHA", "IPTS-68 DELTA", "IPTS-68 A4",
+        "IPTS-68 C4"}},
+      {CONV_WT90, "start Updating W(T90) coefficients... 100\n", {"W(T90) RTPW"}},
+      {CONV_POLYNOMIAL,
+       "start Updating Polynomial coefficients... 9.090909090909092\n",
+       {"0", "1", "2", "3", "4", "5", "6", "7", "8", "9", "10"}},
+      {CONV_THERMISTOR_RT,
+       "start Updating Thermistor R(T) coefficients... 25\n",
+       {"0", "1", "2", "3"}},
+      {CONV_ITS90,
+       "start Updating ITS-90 coefficients... 33.333333333333336\n"
+       "start Updating low range coefficients... 14.285714285714286\n"
+       "start Updating high range coefficients... 25\n",
+       {"ITS-90 RTPW", "low range", "high range", "low range coefficients",
+        "low range coefficients", "high range coefficients"}},
+  };
+  test::CTestWindow window;
+  for (const auto& row : rows) {
+    channel_.SetConversionType(row.type);
+    if (row.type == CONV_ITS90) {
+      auto& its90 = dynamic_cast<CITS90Settings&>(*channel_.Probe()->Conversion().Settings());
+      its90.LowRange().SetRange(5);
+      its90.HighRange().SetRange(11);
+    }
+    Reset();
+    EXPECT_TRUE(channel_.UpdateProbeInfo(4, &window));
+    const std::string starts = host_.log.Only({"start"});
+    EXPECT_EQ(starts.substr(starts.find('\n') + 1), row.starts);
+    EXPECT_EQ(host_.log.Count("attach window"), host_.log.Count("progress"));
+    for (std::size_t i = 0; i < row.steps.size(); ++i) {
+      Reset();
+      host_.script.failat = 6 + i;
+      EXPECT_FALSE(channel_.UpdateProbeInfo(4));
+      EXPECT_NE(host_.log.Only({"box"}).find("attempting to update '" + row.steps[i] + "'."),
+                std::string::npos)
+          << host_.log.Only({"box"});
+      EXPECT_EQ(host_.script.exchanges, 6 + i);
+    }
+  }
+  // Stopped behind the values, the whole of them stay.
+  Reset();
+  host_.instrument->SetConvPasscodeState(ET312BPasscodeState::PS_DISABLED);
+  EXPECT_TRUE(channel_.UpdateProbeInfo(4));
+  EXPECT_EQ(host_.script.exchanges, 4u);
+}
+
+TEST_F(ChannelWrite, AStopKeepsWhatIsWrittenAndItsFormatsAreTheChannels) {
+  Use<CPolynomialSettings>(CONV_POLYNOMIAL);
+  channel_.SetProbeCurrentFormat("0.0");
+  channel_.SetProbe3WireOffsetFormat("0.00");
+  host_.abortat = 5 + 5;
+  EXPECT_FALSE(channel_.UpdateProbeInfo(4));
+  EXPECT_EQ(host_.log.Only({"write 141", "write 143"}),
+            "write 141 Probe=4 value=1.5\nwrite 143 Probe=4 value=-0.25\n");
+  EXPECT_EQ(host_.log.Count("write 262 Probe=4 Index=4 value=0.0E00"), 1u);
+  EXPECT_EQ(host_.log.Count("write 262 Probe=4 Index=5 value=0.0E00"), 0u);
 }
 
 TEST_F(ChannelWrite, TheSequenceFormShowsAnErrorAndOnlyReleasesItsReporter) {

@@ -63,6 +63,15 @@ TEST_F(FieldEditing, NumbersAreWrittenAsTheirPatternHasThem) {
       {1e300, "0.0########E-00", "1.0E300"},
       {5e-324, "0.0#######E-00", "5.0E-324"},
       {1.7976931348623157e308, "0.000000000E+00", "1.797693135E+308"},
+      {-0.5, "0.00000000000", "-0.50000000000"},
+      {0, "0.00000000000", "0.00000000000"},
+      {0.999999999996, "0.00000000000", "1.00000000000"},
+      {1e-7, "0.000000000E+00", "1.000000000E-07"},
+      {-9.9999999999, "0.000000000E+00", "-1.000000000E+01"},
+      {-0.99999999999999, "##0.0############", "-1.0"},
+      {-9.99999999996, "0.0########E-00", "-1.0E01"},
+      {-1e-9, "#0.0", "0.0"},
+      {1e15, "###0.000", "1000000000000000.000"},
       {0.1, "", "0.1"},
       {1000000, "", "1000000"},
       {1e15, "", "1E+15"},
@@ -74,7 +83,8 @@ TEST_F(FieldEditing, NumbersAreWrittenAsTheirPatternHasThem) {
     EXPECT_EQ(FormatNumber(row.value, row.pattern), row.text) << row.value << " " << row.pattern;
   }
   for (const double value : {std::nan(""), HUGE_VAL, -HUGE_VAL}) {
-    for (const char* pattern : {"", "0.00", "0.0########E-00"}) {
+    for (const char* pattern :
+         {"", "0.00", "0.0########E-00", "##0.0############", "0.000000000E+00"}) {
       EXPECT_EQ(CTestHost::ErrorOf([&] { FormatNumber(value, pattern); }).Number(),
                 ERR_PLATFORM_OVERFLOW);
     }

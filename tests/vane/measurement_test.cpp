@@ -7,7 +7,6 @@ namespace vane {
 namespace {
 
 using test::CTestHost;
-using test::kLineError;
 
 class Measurement : public testing::Test {
  protected:
@@ -44,8 +43,6 @@ TEST_F(Measurement, AChannelThatIsNotThereIsRefusedBeforeAnyExchange) {
     const LibraryError error =
         CTestHost::ErrorOf([&] { it_.QueryMeasurement(static_cast<std::int16_t>(chan)); });
     EXPECT_EQ(error.Number(), ERR_INVALID_CHANNEL) << chan;
-    EXPECT_EQ(error.Source(), "CVaneT312B - QueryMeasurement");
-    EXPECT_EQ(error.Description(), "Invalid channel index");
     EXPECT_EQ(error.HelpFile(), "");
   }
   EXPECT_EQ(host_.log.Text(), "");
@@ -57,16 +54,15 @@ TEST_F(Measurement, EveryFailureOfAReadingIsOneErrorWhateverFailed) {
   const auto check = [&](std::int16_t chan, bool wait) {
     const LibraryError error = CTestHost::ErrorOf([&] { it_.QueryMeasurement(chan, wait); });
     EXPECT_EQ(error.Number(), static_cast<std::int32_t>(0x800403EC));
-    EXPECT_EQ(error.Source(), "CVaneT312B - QueryMeasurement");
-    EXPECT_EQ(error.Description(), "Unable to successfully query measurement.");
+    EXPECT_EQ(error.Source() + error.Description(),
+              "CVaneT312B - QueryMeasurementUnable to successfully query measurement.");
     EXPECT_EQ(error.HelpFile() + std::to_string(error.HelpContext()), "mine.hlp5");
   };
-  host_.script.silent = {"read 12", "read 103"};
-  check(1, false);
-  check(3, false);
-  host_.script.silent = {"read 15"};
-  check(1, true);
-  check(3, true);
+  host_.script.silent = {"read 12", "read 103", "read 15"};
+  for (const bool wait : {false, true}) {
+    check(1, wait);
+    check(3, wait);
+  }
   // A selected channel behind the last one is refused by the scanner's own check, within the trap.
   host_.script.silent.clear();
   it_.SetSelectedChannel(6);
@@ -117,25 +113,14 @@ TEST_F(Measurement, TheHostCanCancelAWaitAtOnceAndMeasureAgain) {
 
 TEST_F(Measurement, MeasuringIsSwitchedAndAFailureIsShown) {
   EXPECT_TRUE(it_.StartMeasure());
-  EXPECT_TRUE(it_.StopMeasure());
-  EXPECT_EQ(host_.log.Text(), "write 10\nwrite 11\n");
-  host_.log.Clear();
   host_.script.silent = {"write 10", "write 11"};
   EXPECT_FALSE(it_.StartMeasure());
   EXPECT_FALSE(it_.StopMeasure());
-  EXPECT_EQ(host_.log.Only({"box"}),
-            "box 16 Corvane: An error occurred while attempting to update 'Start Measure'.//Error: "
-            "4711 - No answer/(line)\n"
-            "box 16 Corvane: An error occurred while attempting to update 'Stop Measure'.//Error: "
-            "4711 - No answer/(line)\n");
-}
-
-TEST(MeasurementWithoutALine, FailsLikeAnyOther) {
-  CTestHost host;
-  EXPECT_FALSE(host.instrument->StartMeasure());
-  EXPECT_EQ(host.log.Only({"box"}),
-            "box 16 Corvane: An error occurred while attempting to update 'Start Measure'.//Error: "
-            "5 - Communications have not been initialized.\n");
+  const std::string box = "box 16 Corvane: An error occurred while attempting to update '";
+  const std::string reason = "'.//Error: 4711 - No answer/(line)\n";
+  EXPECT_EQ(host_.log.Only({"write", "box"}), "write 10\nwrite 10\n" + box + "Start Measure" +
+                                                  reason + "write 11\n" + box + "Stop Measure" +
+                                                  reason);
 }
 
 }  // namespace

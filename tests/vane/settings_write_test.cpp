@@ -128,8 +128,24 @@ TEST_F(SettingsWrite, EveryExchangeThatFailsFinishesTheRunAndClimbs) {
     const std::string end = host_.log.Text();
     EXPECT_TRUE(end.ends_with("finish\nrelease\nbusy off\n")) << exchange;
     EXPECT_EQ(host_.log.Only({"box"}), "");
-    // The scanner's stretch alone hides its display, for the sequence.
-    EXPECT_EQ(host_.log.Count("hide"), exchange <= 5 ? 0u : 1u) << exchange;
+    // The display hides for the sequence, and that of the sequence for its own error.
+    EXPECT_EQ(host_.log.Count("hide"), exchange <= 5 ? 0u : exchange <= 8 ? 2u : 1u) << exchange;
+  }
+}
+
+TEST_F(SettingsWrite, AFailedInitializationIsToldAndStopsNothing) {
+  Attach(false);
+  it_.SetCalParamPasscodeState(ET312BPasscodeState::PS_DISABLED);
+  host_.script.failat = 1;
+  EXPECT_TRUE(it_.UpdateInfo());
+  EXPECT_EQ(host_.log.Count("write 55 value=1"), 1u);
+  EXPECT_NE(host_.log.Only({"box"}).find("4711"), std::string::npos);
+  for (std::size_t step = 1; step <= 14; ++step) {
+    Reset();
+    host_.script.failat.reset();
+    host_.abortat = step;
+    EXPECT_FALSE(it_.UpdateInfo()) << step;
+    EXPECT_EQ(host_.script.exchanges, 2 + step);
   }
 }
 
@@ -230,6 +246,16 @@ TEST_F(SettingsWrite, TheClockFollowsTheUsersClock) {
                 std::string("write 288 value=02-03-2026\nwrite 290 value=") + row.sent + "\n");
     }
   }
+  // Nothing of an earlier command goes along, and a failure in between leaves the date set.
+  host_.platform.longtime = "15:07:09";
+  it_.SetSystemClock(DateOf(local_days{850y / March / 4}));
+  it_.Communications()->params().Probe = "7";
+  Reset();
+  host_.script.failat = 2;
+  EXPECT_EQ(CTestHost::ErrorOf([&] { it_.UpdateSystemClock(nullptr); }).Number(), kLineError);
+  EXPECT_EQ(host_.log.Text(), "write 288 value=03-04-0850\nwrite 290 value=00:00:00\n");
+  host_.script.failat.reset();
+
   EXPECT_EQ(MomentOf(-1.25), local_seconds{local_days{1899y / December / 29} + 6h});
   EXPECT_EQ(DateOf(MomentOf(-1.25)), -1.25);
   EXPECT_EQ(MomentOf(0.99999999), local_seconds{local_days{1899y / December / 31}});

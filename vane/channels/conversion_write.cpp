@@ -59,33 +59,34 @@ bool CVaneT312BPRTTHRMChannel::UpdateRange(const RangeWalk& walk, std::int16_t p
     return (SettingsOf<CITS90Settings>(*probe_).*walk.range)();
   };
   const std::string name = ResourceText(walk.coefficientsname);
-  return AtBoundary(
-      [&] { return SubstituteParams(ResourceText(113), name); },
-      [&] {
-        if (range().NumCoefficients() <= 0) return true;
-        return RunLong(
-            components_, kRangeWriteRun, frm,
-            [&](CLongRun& run) {
-              run.Start(SubstituteParams(ResourceText(122), ResourceText(walk.rangename)),
-                        PercentShare(range().NumCoefficients()));
-              const std::int32_t subrange = range().Range();
-              if (subrange == kNoRange) return true;
-              const std::string number = std::to_string(ToInteger(subrange));
-              for (const RangeRow& row : walk.rows) {
-                if (subrange < row.lowest || subrange > row.highest) return true;
-                const auto value = [&] {
-                  return ValueText(range().Coefficients(row.place), range().ValueFormat());
-                };
-                const auto write = [&] {
-                  return Update(row.operation, row.readid + 1, prbidx, value,
-                                row.sendsrange ? number : std::string(), row.index);
-                };
-                if (!run.Step({name, write})) return false;
-              }
-              return true;
-            },
-            name);
-      });
+  return AtBoundary([&] { return SubstituteParams(ResourceText(113), name); },
+                    [&] {
+                      if (range().NumCoefficients() <= 0) return true;
+                      return RunLong(
+                          components_, kRangeWriteRun, frm,
+                          [&](CLongRun& run) {
+                            run.Start(
+                                SubstituteParams(ResourceText(122), ResourceText(walk.rangename)),
+                                PercentShare(range().NumCoefficients()));
+                            const std::int32_t subrange = range().Range();
+                            if (subrange == kNoRange) return true;
+                            const std::string number = std::to_string(ToInteger(subrange));
+                            for (const RangeRow& row : walk.rows) {
+                              if (subrange < row.lowest || subrange > row.highest) return true;
+                              const auto write = [&] {
+                                const double value = range().Coefficients(row.place);
+                                const std::string format = range().ValueFormat();
+                                return Update(
+                                    row.operation, row.readid + 1, prbidx,
+                                    [&] { return ValueText(value, format); },
+                                    row.sendsrange ? number : std::string(), row.index);
+                              };
+                              if (!run.Step({name, write})) return false;
+                            }
+                            return true;
+                          },
+                          name);
+                    });
 }
 
 bool CVaneT312BPRTTHRMChannel::UpdateSeries(const SeriesRow& series, std::int16_t prbidx,
@@ -93,30 +94,32 @@ bool CVaneT312BPRTTHRMChannel::UpdateSeries(const SeriesRow& series, std::int16_
   const auto settings = [&]() -> CThermistorSettings& {
     return SettingsOf<CThermistorSettings>(*probe_);
   };
-  return AtBoundary(
-      [] { return SubstituteParams(ResourceText(113), "0"); },
-      [&] {
-        // Unlike a read, which takes what the instrument has, there may be nothing to write.
-        if (settings().NumCoefficients() <= 0) return true;
-        return RunLong(
-            components_, kSeriesWriteRun, frm,
-            [&](CLongRun& run) {
-              run.Start(SubstituteParams(ResourceText(122), series.name),
-                        PercentShare(settings().NumCoefficients()));
-              for (std::int32_t index = 0; index < settings().NumCoefficients(); ++index) {
-                const std::string number = std::to_string(index);
-                const auto value = [&] {
-                  return ValueText(settings().Coefficients(index), settings().ValueFormat());
-                };
-                const auto write = [&] {
-                  return Update(series.operation, series.readid + 1, prbidx, value, {}, number);
-                };
-                if (!run.Step({number, write})) return false;
-              }
-              return true;
-            },
-            "0");
-      });
+  return AtBoundary([] { return SubstituteParams(ResourceText(113), "0"); },
+                    [&] {
+                      // Unlike a read, which takes what the instrument has, there may be nothing to
+                      // write.
+                      if (settings().NumCoefficients() <= 0) return true;
+                      return RunLong(
+                          components_, kSeriesWriteRun, frm,
+                          [&](CLongRun& run) {
+                            run.Start(SubstituteParams(ResourceText(122), series.name),
+                                      PercentShare(settings().NumCoefficients()));
+                            for (std::int32_t index = 0; index < settings().NumCoefficients();
+                                 ++index) {
+                              const std::string number = std::to_string(index);
+                              const auto write = [&] {
+                                const double value = settings().Coefficients(index);
+                                const std::string format = settings().ValueFormat();
+                                return Update(
+                                    series.operation, series.readid + 1, prbidx,
+                                    [&] { return ValueText(value, format); }, {}, number);
+                              };
+                              if (!run.Step({number, write})) return false;
+                            }
+                            return true;
+                          },
+                          "0");
+                    });
 }
 
 // --- The conversions ---

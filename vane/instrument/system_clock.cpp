@@ -33,6 +33,16 @@ std::string DateText(local_seconds moment) {
               static_cast<unsigned>(date.day()), static_cast<int>(date.year()));
 }
 
+// Characters of UTF-8; those behind the first byte of one begin with the bits 10.
+std::string LastCharacters(const std::string& text, int count) {
+  std::size_t start = text.size();
+  while (start > 0 && count > 0) {
+    --start;
+    if ((static_cast<unsigned char>(text[start]) & 0xC0) != 0x80) --count;
+  }
+  return text.substr(start);
+}
+
 // On a clock of 12 hours noon and midnight are hour 0, and the marker of the half day is the one
 // that the user's own clock has.
 std::string TimeText(local_seconds moment, const std::string& usersclock) {
@@ -41,8 +51,7 @@ std::string TimeText(local_seconds moment, const std::string& usersclock) {
   const auto minutes = static_cast<int>(time.minutes().count());
   const auto seconds = static_cast<int>(time.seconds().count());
   if (!Contains(usersclock, "M")) return Text("%02d:%02d:%02d", hours, minutes, seconds);
-  const std::size_t marker = usersclock.size() < 2 ? 0 : usersclock.size() - 2;
-  return Text("%d:%02d:%02d", hours % 12, minutes, seconds) + usersclock.substr(marker);
+  return Text("%d:%02d:%02d", hours % 12, minutes, seconds) + LastCharacters(usersclock, 2);
 }
 
 }  // namespace

@@ -103,12 +103,9 @@ inline constexpr RunPolicy kRangeWriteRun{.failedtext = 0,
                                           .pause = kWritePause};
 
 /// The steps of a scan sequence, within the run of the settings or alone. Who stops this one gets a
-/// shorter list and is told nothing; an error leaves the display to the reporter's release.
-inline constexpr RunPolicy kScanSequenceRun{.failedtext = 0,
-                                            .abortedtext = 0,
-                                            .hidesonerror = false,
-                                            .raisesbusycursor = false,
-                                            .clearsbusycursor = false};
+/// shorter list and is told nothing.
+inline constexpr RunPolicy kScanSequenceRun{
+    .failedtext = 0, .abortedtext = 0, .raisesbusycursor = false, .clearsbusycursor = false};
 
 /// A step gives false when it could not do its work without raising an error.
 struct RunStep {

@@ -163,6 +163,7 @@ std::string PlainNumberText(double value) {
 const std::string& GetDecimalSeparator() {
   if (g_decimalseparator.empty()) {
     g_decimalseparator = InstalledComponents().platform.DecimalSeparator();
+    if (g_decimalseparator.empty()) g_decimalseparator = ".";
   }
   return g_decimalseparator;
 }
