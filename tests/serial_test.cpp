@@ -5,7 +5,6 @@
 #include <termios.h>
 #include <unistd.h>
 
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <functional>
@@ -18,6 +17,7 @@
 #include "adapters/serial/serial_communications.h"
 #include "adapters/serial/serial_ports.h"
 #include "protocol/framing.h"
+#include "tests/support/host_machine.h"
 
 namespace vane {
 namespace {
@@ -167,20 +167,6 @@ struct Line {
   std::string source;
 };
 
-class CTemporaryFolder {
- public:
-  CTemporaryFolder() {
-    std::string name = (fs::temp_directory_path() / "serial_test.XXXXXX").string();
-    EXPECT_NE(mkdtemp(name.data()), nullptr);
-    path_ = name;
-  }
-  ~CTemporaryFolder() { fs::remove_all(path_); }
-  fs::path operator/(const std::string& name) const { return path_ / name; }
-
- private:
-  fs::path path_;
-};
-
 TEST(SerialCommunications, TakesTheAnswerThatBelongsToTheCommand) {
   const std::string noise(protocol::kMaxLineLength + 1, 'x');
   const struct {
@@ -255,60 +241,47 @@ TEST(SerialCommunications, WriteSendsItsFieldsAndWantsAnEmptyAnswer) {
 TEST(SerialCommunications, WhatCannotBeSentFailsBeforeAnythingIsSent) {
   CScriptedReadout readout({"{=1}"});
   Line line(readout.Path());
+  line.settings->devices[EVanePortNumber::PORT_2] = "/dev/null";
   CVaneCOMPort& port = line.communications.COMPort();
-  EXPECT_EQ(line.ReadError(999), ERR_LINE_UNKNOWN_COMMAND);
-  EXPECT_EQ(line.ReadError(33), ERR_LINE_UNKNOWN_COMMAND);
   EXPECT_EQ(line.ErrorOf([&] { line.communications.WriteSetting(-1); }), ERR_LINE_UNKNOWN_COMMAND);
-  EXPECT_EQ(line.ReadError(12), ERR_LINE_BAD_FIELD);
-  line.communications.params().Channel = "1\r\nINIT";
-  EXPECT_EQ(line.ReadError(12), ERR_LINE_BAD_FIELD);
-  line.communications.params().Channel = std::string(protocol::kMaxLineLength, '1');
-  EXPECT_EQ(line.ReadError(12), ERR_LINE_BAD_FIELD);
-  EXPECT_EQ(line.ReadError(-1, "PC?\n"), ERR_LINE_BAD_FIELD);
-  EXPECT_EQ(line.ReadError(-1), ERR_LINE_BAD_FIELD);
+  for (const int id : {999, 33}) EXPECT_EQ(line.ReadError(id), ERR_LINE_UNKNOWN_COMMAND);
+  for (const std::string& text : {std::string(), std::string("PC?\n")}) {
+    EXPECT_EQ(line.ReadError(-1, text), ERR_LINE_BAD_FIELD);
+  }
+  for (const std::string& channel :
+       {std::string(), std::string("1\r\nINIT"), std::string(protocol::kMaxLineLength, '1')}) {
+    line.communications.params().Channel = channel;
+    EXPECT_EQ(line.ReadError(12), ERR_LINE_BAD_FIELD);
+  }
   line.communications.SetInstrumentKind(3);
   EXPECT_EQ(line.ReadError(18), ERR_LINE_INSTRUMENT_KIND);
   line.communications.SetInstrumentKind(9);
   port.SetBaudRate(EVaneBaudRate::BR_INFRARED);
   EXPECT_EQ(line.ReadError(18), ERR_LINE_BAUD_RATE);
   port.SetBaudRate(EVaneBaudRate::BR_9600);
-  for (const auto number : {EVanePortNumber::PORT_NONE, EVanePortNumber{30000}}) {
+  const std::pair<EVanePortNumber, std::int32_t> ports[] = {
+      {EVanePortNumber::PORT_NONE, ERR_LINE_NO_PORT},
+      {EVanePortNumber{30000}, ERR_LINE_NO_PORT},
+      {EVanePortNumber::PORT_2, ERR_LINE_CANNOT_OPEN},
+      {EVanePortNumber::PORT_1, 0}};
+  for (const auto& [number, error] : ports) {
     port.SetPortNumber(number);
-    EXPECT_EQ(line.ReadError(18), ERR_LINE_NO_PORT);
+    EXPECT_EQ(line.ReadError(18), error);
   }
-  line.settings->devices[EVanePortNumber::PORT_2] = "/dev/null";
-  port.SetPortNumber(EVanePortNumber::PORT_2);
-  EXPECT_EQ(line.ReadError(18), ERR_LINE_CANNOT_OPEN);
-  port.SetPortNumber(EVanePortNumber::PORT_1);
-  EXPECT_EQ(line.ReadError(18), 0);
   EXPECT_EQ(readout.Commands(), std::vector<std::string>{"ID?"});
 }
 
 TEST(SerialCommunications, OpensAgainAtTheNextExchangeAfterALoss) {
-  CTemporaryFolder folder;
+  test::CTemporaryFolder folder;
   const fs::path link = folder / "readout";
   Line line(link.string());
-  const auto connect = [&](const CScriptedReadout& readout) {
+  for (const std::string number : {"1", "2"}) {
+    EXPECT_EQ(line.ReadError(32), number == "1" ? ERR_LINE_NO_PORT : ERR_LINE_LOST);
+    CScriptedReadout readout({"{=" + number + "}"});
     fs::remove(link);
     fs::create_symlink(readout.Path(), link);
-  };
-  EXPECT_EQ(line.ReadError(18), ERR_LINE_NO_PORT);
-  {
-    CScriptedReadout readout({"{=1}", kHangUp});
-    connect(readout);
-    EXPECT_EQ(line.communications.ReadSetting(32), "1");
-    EXPECT_EQ(line.ReadError(32), ERR_LINE_LOST);
-    EXPECT_EQ(line.ReadError(32), ERR_LINE_NO_PORT);
+    EXPECT_EQ(line.communications.ReadSetting(32), number);
   }
-  {
-    CScriptedReadout readout({"{=2}"});
-    connect(readout);
-    EXPECT_EQ(line.communications.ReadSetting(32), "2");
-  }
-  EXPECT_EQ(line.ReadError(32), ERR_LINE_LOST);
-  CScriptedReadout readout({"{=3}"});
-  connect(readout);
-  EXPECT_EQ(line.communications.ReadSetting(32), "3");
 }
 
 TEST(SerialCommunications, HoldsThePortForItselfUntilItIsClosed) {
@@ -316,39 +289,41 @@ TEST(SerialCommunications, HoldsThePortForItselfUntilItIsClosed) {
   Line one(readout.Path(), kShort);
   Line other(readout.Path());
   CVaneCOMPort& port = one.communications.COMPort();
+  const auto takes = [&] {  // and gives the port back
+    const std::int32_t error = other.ReadError(32);
+    other.communications.COMPort().SetPortNumber(EVanePortNumber::PORT_2);
+    other.communications.COMPort().SetPortNumber(EVanePortNumber::PORT_1);
+    return error;
+  };
   EXPECT_EQ(one.ReadError(32), 0);
-  EXPECT_EQ(other.ReadError(32), ERR_LINE_IN_USE);
-  EXPECT_EQ(other.settings->lastfailure.description,
-            readout.Path() + " is in use by another program. Close that program and try again.");
-
+  EXPECT_EQ(takes(), ERR_LINE_IN_USE);
   port.SetBaudRate(port.BaudRate());
-  EXPECT_EQ(other.ReadError(32), ERR_LINE_IN_USE);
+  EXPECT_EQ(takes(), ERR_LINE_IN_USE);
   port.SetBaudRate(EVaneBaudRate::BR_300);
-  EXPECT_EQ(other.ReadError(32), 0);
-  other.communications.COMPort().SetPortNumber(EVanePortNumber::PORT_2);
+  EXPECT_EQ(takes(), 0);
 
   port.SetBaudRate(EVaneBaudRate::BR_115200);
   port.SetAutoClose(true);
   EXPECT_EQ(one.ReadError(32), ERR_LINE_OVERLONG);
-  other.communications.COMPort().SetPortNumber(EVanePortNumber::PORT_1);
-  EXPECT_EQ(other.ReadError(32), 0);
-  other.communications.COMPort().SetPortNumber(EVanePortNumber::PORT_2);
+  EXPECT_EQ(takes(), 0);
   EXPECT_EQ(one.ReadError(32), 0);
 }
 
 TEST(SerialCommunications, EveryRateReachesTheDevice) {
-  constexpr std::int32_t kBits[] = {300, 600, 1200, 2400, 4800, 9600, 19200, 38400, 57600, 115200};
-  CScriptedReadout readout(std::vector<Step>(std::size(kBits), "{=}"));
+  constexpr std::pair<std::int32_t, speed_t> kRates[] = {
+      {300, B300},   {600, B600},     {1200, B1200},   {2400, B2400},   {4800, B4800},
+      {9600, B9600}, {19200, B19200}, {38400, B38400}, {57600, B57600}, {115200, B115200}};
+  CScriptedReadout readout(std::vector<Step>(std::size(kRates), "{=}"));
   Line line(readout.Path());
-  for (std::size_t i = 0; i < std::size(kBits); ++i) {
+  for (std::size_t i = 0; i < std::size(kRates); ++i) {
     line.communications.COMPort().SetBaudRate(static_cast<EVaneBaudRate>(i + 1));
     EXPECT_EQ(line.ReadError(32), 0);
     termios settings{};
     ASSERT_EQ(tcgetattr(readout.Slave(), &settings), 0);
-    EXPECT_EQ(cfgetospeed(&settings), BaudRates()[i].speed);
-    EXPECT_EQ(BaudRates()[i].bits, kBits[i]);
+    EXPECT_EQ(cfgetospeed(&settings), kRates[i].second);
     EXPECT_EQ(settings.c_lflag & (ICANON | ECHO | ISIG), 0u);
-    EXPECT_NE(line.trace->log.find("at " + std::to_string(kBits[i]) + " bit/s"), std::string::npos);
+    EXPECT_NE(line.trace->log.find("at " + std::to_string(kRates[i].first) + " bit/s"),
+              std::string::npos);
   }
 }
 
@@ -408,28 +383,8 @@ TEST(LineTrace, ShowsEveryLineButNoSecret) {
 )");
 }
 
-TEST(LineTrace, FileGetsOneFinishedLinePerRecord) {
-  CTemporaryFolder folder;
-  const std::string path = (folder / "trace").string();
-  CFileTrace trace(path);
-  trace.Record(ETraceMark::SENT, "#1A2B ID?*5D0E");
-  trace.Record(ETraceMark::RECEIVED, "\x07\\\xD9");
-  CFileTrace(path).Record(ETraceMark::NOTE, "no answer");
-  std::ifstream file(path);
-  for (const char* rest : {"> #1A2B ID?*5D0E", "< \\x07\\\\\\xD9", "- no answer"}) {
-    std::string line;
-    std::getline(file, line);
-    ASSERT_GT(line.size(), 24u);
-    for (std::size_t i = 0; i < 24; ++i) {
-      if (line[i] >= '0' && line[i] <= '9') line[i] = 'd';
-    }
-    EXPECT_EQ(line, "dddd-dd-dd dd:dd:dd.dddZ " + std::string(rest));
-  }
-  EXPECT_THROW(CFileTrace((folder / "none" / "trace").string()), LibraryError);
-}
-
 TEST(SerialPorts, ListHasWhatIsThereInNaturalOrder) {
-  CTemporaryFolder folder;
+  test::CTemporaryFolder folder;
   const auto write = [](const fs::path& file, const char* text) { std::ofstream(file) << text; };
   fs::create_directories(folder / "dev");
   fs::create_directories(folder / "sys/class/tty");

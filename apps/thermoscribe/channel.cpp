@@ -1,12 +1,18 @@
-// thermoscribe channel and thermoscribe probe: one channel's probe, or one probe, whole.
+// thermoscribe channel and thermoscribe probe: one channel's probe, or one probe, whole; and with
+// "set" the writing of it.
 
 #include <CLI/CLI.hpp>
 #include <cstdint>
 #include <memory>
+#include <stdexcept>
+#include <string>
+#include <vector>
 
 #include "apps/thermoscribe/commands.h"
 #include "apps/thermoscribe/host.h"
 #include "apps/thermoscribe/probe_record.h"
+#include "apps/thermoscribe/probe_set.h"
+#include "apps/thermoscribe/settings_write.h"
 #include "vane/support/failure.h"
 
 namespace vane {
@@ -44,20 +50,65 @@ EExitCode RunProbe(CHost& host, std::int16_t number) {
   return EExitCode::DONE;
 }
 
-using RunNumbered = EExitCode(CHost& host, std::int16_t number);
+constexpr const char* kSetHelp =
+    R"(The names are those of the record in JSON: serial, reference, current, offset3wire,
+conversion, lowrange, highrange, scale, and the coefficients of the conversion. A name or a
+value that can't be is refused before anything is sent, a coefficient that the conversion
+doesn't have before anything is written. A new conversion starts with default values. The
+passcode is asked for where the readout protects conversions and one is touched; otherwise
+the conversion is not written. Behind the writing the record is read again, and what has
+changed is shown.
+)";
 
-// A command with one number behind it, from 1 to `maximum`.
-void AddNumbered(CLI::App& program, CommandBody& chosen, const char* name, const char* brief,
-                 const char* footer, std::int16_t maximum, const char* meaning, RunNumbered* run) {
-  CLI::App* const command = program.add_subcommand(name, brief);
+// A command with a number behind it, from 1 to `maximum`, which reads, and with "set" behind the
+// number writes.
+struct NumberedCommand {
+  const char* name;
+  const char* brief;
+  std::string footer;
+  std::int16_t maximum;
+  const char* meaning;
+  EExitCode (*read)(CHost& host, std::int16_t number);
+
+  const char* setbrief;
+  const char* setexamples;
+  EExitCode (*write)(CHost& host, std::int16_t number, const Json& values, bool dryrun);
+  bool takesprobe;  // an assignment of a probe too
+};
+
+void AddNumberedSet(CLI::App& command, CommandBody& chosen, const NumberedCommand& row,
+                    const std::shared_ptr<std::int16_t>& number) {
+  CLI::App* const set = command.add_subcommand("set", row.setbrief);
+  const auto texts = std::make_shared<std::vector<std::string>>();
+  set->add_option("assignments", *texts, "a member of the record and its new value")
+      ->required()
+      ->option_text("NAME=VALUE ...");
+  const auto dryrun = AddDryRun(*set);
+  set->footer(kSetHelp + std::string(row.setexamples));
+  set->callback([&chosen, texts, dryrun, number, write = row.write, takesprobe = row.takesprobe] {
+    Json values;
+    try {
+      values = ProbeAssignments(*texts, takesprobe);
+    } catch (const std::invalid_argument& error) {
+      throw CLI::ValidationError(error.what());
+    }
+    chosen = [=](CHost& host) { return write(host, *number, values, *dryrun); };
+  });
+}
+
+void AddNumbered(CLI::App& program, CommandBody& chosen, const NumberedCommand& row) {
+  CLI::App* const command = program.add_subcommand(row.name, row.brief);
+  command->require_subcommand(0, 1);
   const auto number = std::make_shared<std::int16_t>();
-  command->add_option("number", *number, meaning)
+  command->add_option("number", *number, row.meaning)
       ->required()
       ->option_text("N")
-      ->check(CLI::Range(std::int16_t{1}, maximum).description(""));
-  command->footer(footer);
-  command->callback([&chosen, number, run] {
-    chosen = [number, run](CHost& host) { return run(host, *number); };
+      ->check(CLI::Range(std::int16_t{1}, row.maximum).description(""));
+  command->footer(row.footer);
+  AddNumberedSet(*command, chosen, row, number);
+  command->callback([&chosen, command, number, read = row.read] {
+    if (!command->get_subcommands().empty()) return;
+    chosen = [number, read](CHost& host) { return read(host, *number); };
   });
 }
 
@@ -70,28 +121,52 @@ two values.)";
 }  // namespace
 
 void AddChannel(CLI::App& program, CommandBody& chosen) {
-  static const std::string footer =
-      std::string(R"(Tells which probe the channel has, and the probe's record:
+  AddNumbered(
+      program, chosen,
+      {.name = "channel",
+       .brief = "Read one channel's probe with its whole record, or set it",
+       .footer = std::string(R"(Tells which probe the channel has, and the probe's record:
 )") + kRecordHelp +
-      R"(
+                 R"(
 
 Examples:
   thermoscribe channel 3
-  thermoscribe --simulate channel 1 --json)";
-  AddNumbered(program, chosen, "channel", "Read one channel's probe with its whole record",
-              footer.c_str(), kMaxChannel, "channel of the instrument, 1 to 12", RunChannel);
+  thermoscribe --simulate channel 1 --json)",
+       .maximum = kMaxChannel,
+       .meaning = "channel of the instrument, 1 to 12",
+       .read = RunChannel,
+       .setbrief = "Assign a probe, and write values of its record",
+       .setexamples = R"(probe=K assigns probe K to the channel, and other values go to that probe.
+
+Examples:
+  thermoscribe channel 3 set probe=12
+  thermoscribe channel 3 set serial=SP-4107 current=1.414)",
+       .write = WriteChannel,
+       .takesprobe = true});
 }
 
 void AddProbe(CLI::App& program, CommandBody& chosen) {
-  static const std::string footer =
-      std::string(R"(Tells the record of a probe, whether a channel has it or not:
+  AddNumbered(
+      program, chosen,
+      {.name = "probe",
+       .brief = "Read the whole record of one probe, or set it",
+       .footer = std::string(R"(Tells the record of a probe, whether a channel has it or not:
 )") + kRecordHelp +
-      R"(
+                 R"(
 
 Example:
-  thermoscribe probe 12)";
-  AddNumbered(program, chosen, "probe", "Read the whole record of one probe", footer.c_str(),
-              CVaneT312B::NumProbes(), "probe in the readout's memory, 1 to 16", RunProbe);
+  thermoscribe probe 12)",
+       .maximum = CVaneT312B::NumProbes(),
+       .meaning = "probe in the readout's memory, 1 to 16",
+       .read = RunProbe,
+       .setbrief = "Write values of the record",
+       .setexamples = R"(
+Examples:
+  thermoscribe probe 12 set current=1 reference="100 Ohm"
+  thermoscribe probe 12 set conversion=ITS-90 lowrange=4 RTPW=25.5098764 a4=-1.257e-4
+  thermoscribe probe 12 set conversion=Ratio --dry-run)",
+       .write = WriteProbe,
+       .takesprobe = false});
 }
 
 }  // namespace vane

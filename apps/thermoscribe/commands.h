@@ -43,6 +43,9 @@ inline constexpr std::array kCommands = {AddPorts,      AddIdentify, AddChannels
 /// The commands of a group, in the order of its help.
 AddCommand AddSettingsShow;
 AddCommand AddSettingsSet;
+AddCommand AddSettingsSave;
+AddCommand AddSettingsRestore;
+AddCommand AddSettingsDiff;
 
 /// Adds a command that is a group of others, one of which must follow it.
 CLI::App& AddGroup(CLI::App& program, const char* name, const char* brief);

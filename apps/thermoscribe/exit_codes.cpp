@@ -25,6 +25,7 @@ constexpr std::array kRows = {
                 "Check the cable and --baud; --trace FILE records what comes over the line."},
     ExitCodeRow{EExitCode::NO_PASSCODE, "the passcode is wrong, or none was given",
                 "Give it at a terminal, or by --passcode-file in a script."},
+    ExitCodeRow{EExitCode::DIFFERS, "the settings differ", ""},
 };
 
 constexpr bool InOrder() {

@@ -18,6 +18,7 @@ enum class EExitCode : std::int32_t {
   ABORTED = 7,
   LINE_DAMAGED = 8,
   NO_PASSCODE = 9,
+  DIFFERS = 10,
 };
 
 struct ExitCodeRow {

@@ -1,10 +1,5 @@
 #include "apps/thermoscribe/instrument_properties.h"
 
-#include <algorithm>
-#include <array>
-#include <charconv>
-#include <cmath>
-#include <system_error>
 #include <type_traits>
 
 #include "vane/support/display_texts.h"
@@ -234,32 +229,6 @@ const PropertyRow kProperties[] = {
     ReadOnly<&I::ProtectUnitsTime>("ProtectUnitsTime", PROTECTION, "Units and time"),
 };
 
-// A word as it is compared: in lower case, without the sign of degrees.
-std::string Folded(std::string_view text) {
-  constexpr std::string_view kDegree = "\u00B0";
-  if (text.starts_with(kDegree)) text.remove_prefix(kDegree.size());
-  std::string folded(text);
-  std::ranges::transform(folded, folded.begin(), [](char c) {
-    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-  });
-  return folded;
-}
-
-// Without an exponent, unlike other numbers: these are for comparing.
-std::string LimitText(double limit) {
-  std::array<char, 32> text;
-  const auto end =
-      std::to_chars(text.data(), text.data() + text.size(), limit, std::chars_format::fixed).ptr;
-  return WithUsersSeparator({text.data(), end});
-}
-
-std::optional<double> NumberOf(std::string_view text) {
-  double number = 0;
-  const auto [last, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-  if (error != std::errc() || last != text.data() + text.size()) return std::nullopt;
-  return number;
-}
-
 }  // namespace
 
 std::span<const PropertyGroupRow> PropertyGroups() { return kGroups; }
@@ -295,30 +264,6 @@ std::string PropertyText(const PropertyRow& row, const Json& value) {
   std::string text = TextOf(value);
   if (!row.unit.empty()) text += " " + std::string(row.unit);
   return text;
-}
-
-std::optional<Json> PropertyValueOf(const PropertyRow& row, std::string_view text) {
-  if (row.choices != nullptr) {
-    for (std::string& word : row.choices()) {
-      if (Folded(word) == Folded(text)) return Json(std::move(word));
-    }
-    return std::nullopt;
-  }
-  if (!row.HasLimits()) return Json(text);
-  const std::optional<double> number = NumberOf(text);
-  if (!number || !(*number >= row.minimum && *number <= row.maximum)) return std::nullopt;
-  if (row.whole && std::trunc(*number) != *number) return std::nullopt;
-  return row.whole ? Json(static_cast<std::int32_t>(*number)) : Json(*number);
-}
-
-std::string AllowedText(const PropertyRow& row) {
-  if (row.choices != nullptr) {
-    std::string text;
-    for (const std::string& word : row.choices()) text += (text.empty() ? "" : ", ") + word;
-    return text;
-  }
-  if (!row.HasLimits()) return {};
-  return LimitText(row.minimum) + " to " + LimitText(row.maximum);
 }
 
 }  // namespace vane

@@ -4,13 +4,13 @@
 
 #include <array>
 #include <cstdint>
-#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "apps/thermoscribe/output.h"
+#include "apps/thermoscribe/value_rule.h"
 #include "vane/instrument/t312b.h"
 
 namespace vane {
@@ -65,7 +65,7 @@ struct PropertyRow {
 
   EGate gate = EGate::NONE;
 
-  bool HasLimits() const { return minimum < maximum; }
+  ValueRule Rule() const { return {minimum, maximum, whole, choices}; }
 };
 
 /// All properties, by group.
@@ -82,12 +82,5 @@ Json PropertyValue(const PropertyRow& row, const CVaneT312B& instrument);
 
 /// A value of `row` for people, with its unit.
 std::string PropertyText(const PropertyRow& row, const Json& value);
-
-/// What `set` takes, out of what a person has typed: a choice in letters of either case and with or
-/// without the sign of degrees, a number within the limits. Nothing when it is none of these.
-std::optional<Json> PropertyValueOf(const PropertyRow& row, std::string_view text);
-
-/// "2 to 200", or "None, Average, Exponential"; empty for what can't be set or has no limits.
-std::string AllowedText(const PropertyRow& row);
 
 }  // namespace vane

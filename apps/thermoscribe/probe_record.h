@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <string>
+#include <vector>
 
 #include "apps/thermoscribe/output.h"
 #include "vane/channels/channel.h"
@@ -14,7 +15,18 @@ namespace vane {
 /// their names in the field.
 Json ProbeRecord(const CVaneT312BPRTTHRMChannel& channel, std::int16_t number);
 
-/// The same for people, one line per value, with its head in `title`.
+/// Puts those members of a record that `values` holds into `channel`: the inverse of `ProbeRecord`.
+/// A new conversion starts with the library's defaults. What null, or a word that a record shows
+/// for something unknown, can't say is left as it is or becomes the library's code for none. Raises
+/// `std::invalid_argument`, with a text for the user, for a member or a coefficient that the
+/// conversion doesn't have.
+void StoreProbeRecord(CVaneT312BPRTTHRMChannel& channel, const Json& values);
+
+/// The words of "reference" and "conversion" that can be written.
+std::vector<std::string> ReferenceWords();
+std::vector<std::string> ConversionWords();
+
+/// A record for people, one line per value.
 std::string ProbeRecordText(const Json& record);
 
 }  // namespace vane

@@ -10,6 +10,9 @@ void AddSettings(CLI::App& program, CommandBody& chosen) {
   CLI::App& group = AddGroup(program, "settings", "Read and write the settings of the readout");
   AddSettingsShow(group, chosen);
   AddSettingsSet(group, chosen);
+  AddSettingsSave(group, chosen);
+  AddSettingsRestore(group, chosen);
+  AddSettingsDiff(group, chosen);
 }
 
 }  // namespace vane

@@ -19,7 +19,7 @@ constexpr std::size_t kValueColumns = 28;
 constexpr std::size_t kAllowedColumns = 46;
 
 // Lists longer than their column go on below their beginning.
-std::string Folded(std::string text) {
+std::string InColumn(std::string text) {
   std::string folded;
   while (text.size() > kAllowedColumns) {
     const std::size_t cut = text.rfind(", ", kAllowedColumns - 1);
@@ -36,7 +36,7 @@ std::string GroupText(const PropertyGroupRow& group, const CVaneT312B& instrumen
   for (const PropertyRow& row : InstrumentProperties()) {
     if (row.group != group.group) continue;
     const std::string value = PropertyText(row, row.get(instrument));
-    const std::string allowed = Folded(AllowedText(row));
+    const std::string allowed = InColumn(AllowedText(row.Rule()));
     text += "\n" + Padded("  " + std::string(row.words), kNameColumns);
     text += allowed.empty() ? value : Padded(value, kValueColumns - 2) + "  " + allowed;
   }

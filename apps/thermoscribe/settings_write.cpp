@@ -11,20 +11,7 @@
 namespace vane {
 namespace {
 
-// The sequence is a list of channels that a step can take.
-bool IsSequence(const std::string& list, const CVaneT312B& instrument) {
-  std::istringstream items(list);
-  std::size_t count = 0;
-  for (std::string item; std::getline(items, item, ',');) {
-    const bool digits =
-        !item.empty() && item.size() <= 2 && item.find_first_not_of("0123456789") == item.npos;
-    if (!digits) return false;
-    const int channel = std::stoi(item);
-    if (channel < kNumInputs || channel > instrument.NumChannels()) return false;
-    ++count;
-  }
-  return count > 0 && list.back() != ',';
-}
+constexpr std::size_t kMaxSteps = 100;  // of a scan sequence
 
 // What can only be judged once the instrument is known. Empty: nothing is wrong.
 std::string ProblemOf(const Assignment& assignment, const CVaneT312B& instrument) {
@@ -32,7 +19,8 @@ std::string ProblemOf(const Assignment& assignment, const CVaneT312B& instrument
   if (!IsThere(assignment.row->group, instrument)) {
     return name + " can't be set: no scanner is attached.";
   }
-  if (name == "ScanChannels" && !IsSequence(assignment.value.get<std::string>(), instrument)) {
+  if (name == "ScanChannels" &&
+      !IsScanSequence(assignment.value.get<std::string>(), instrument.NumChannels())) {
     return name + " is a list of channels from " + std::to_string(kNumInputs) + " to " +
            std::to_string(instrument.NumChannels()) + ", with \",\" between them.";
   }
@@ -46,7 +34,7 @@ bool IsCalibration(const Assignment& assignment) {
 // The scanner's come first, as in a write of everything.
 bool Write(CHost& host, std::vector<Assignment> assignments) {
   CVaneT312B& instrument = host.Instrument();
-  std::ranges::stable_partition(assignments, [](const Assignment& assignment) {
+  std::stable_partition(assignments.begin(), assignments.end(), [](const Assignment& assignment) {
     return assignment.row->group == EPropertyGroup::SCAN;
   });
   for (const auto& [row, value] : assignments) row->set(instrument, value);
@@ -91,6 +79,20 @@ EExitCode ShowChanges(CHost& host, const std::vector<Assignment>& assignments, c
 
 }  // namespace
 
+bool IsScanSequence(const std::string& list, std::int32_t highest) {
+  std::istringstream items(list);
+  std::size_t count = 0;
+  for (std::string item; std::getline(items, item, ',');) {
+    const bool digits =
+        !item.empty() && item.size() <= 2 && item.find_first_not_of("0123456789") == item.npos;
+    if (!digits) return false;
+    const int channel = std::stoi(item);
+    if (channel < kNumInputs || channel > highest) return false;
+    ++count;
+  }
+  return count > 0 && count <= kMaxSteps && list.back() != ',';
+}
+
 Assignment AssignmentOf(std::string_view name, std::string_view text) {
   const PropertyRow* const row = FindProperty(name);
   if (row == nullptr || row->set == nullptr) {
@@ -102,12 +104,10 @@ Assignment AssignmentOf(std::string_view name, std::string_view text) {
                                 (row == nullptr ? " is no setting" : " can't be set") +
                                 ". The settings are " + known + ".");
   }
-  std::optional<Json> value = PropertyValueOf(*row, text);
+  std::optional<Json> value = ValueOf(row->Rule(), text);
   if (!value) {
     throw std::invalid_argument(std::string(row->name) + " can't be \"" + std::string(text) +
-                                "\". It is " + (row->whole ? "a whole number, " : "") +
-                                (row->choices != nullptr ? "one of " : "") + AllowedText(*row) +
-                                ".");
+                                "\". It is " + ExpectedText(row->Rule()) + ".");
   }
   return {row, std::move(*value)};
 }

@@ -1,6 +1,7 @@
 // Writing properties of the instrument: what `settings set` and `scan set` share.
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -25,6 +26,9 @@ struct Assignment {
 /// An assignment of what a person has typed. Raises `std::invalid_argument` with a text for the
 /// user, which tells what is allowed, for an unknown name or a value that can't be.
 Assignment AssignmentOf(std::string_view name, std::string_view text);
+
+/// Whether `list` names, with "," between, channels of the instrument from Input 2 to `highest`.
+bool IsScanSequence(const std::string& list, std::int32_t highest);
 
 /// Adds `--dry-run`; the result becomes true when the user gives it.
 std::shared_ptr<bool> AddDryRun(CLI::App& command);

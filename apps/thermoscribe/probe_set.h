@@ -1,0 +1,26 @@
+// Writing a probe's record: what `channel N set` and `probe N set` share.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "apps/thermoscribe/exit_codes.h"
+#include "apps/thermoscribe/output.h"
+
+namespace vane {
+
+class CHost;
+
+/// Members of a probe's record out of "NAME=VALUE" texts; with `takesprobe`, "probe" as well, the
+/// number of the probe to be assigned. Raises `std::invalid_argument` with a text for the user.
+Json ProbeAssignments(const std::vector<std::string>& texts, bool takesprobe);
+
+/// Reads the probe's record, asks for the passcode where it takes one, writes the record with
+/// `values` in it, reads it again and shows what has changed. A value that did not arrive is told.
+EExitCode WriteProbe(CHost& host, std::int16_t number, const Json& values, bool dryrun);
+
+/// The same with the probe of a channel; `values` may assign another.
+EExitCode WriteChannel(CHost& host, std::int16_t number, const Json& values, bool dryrun);
+
+}  // namespace vane

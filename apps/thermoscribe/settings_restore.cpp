@@ -1,0 +1,309 @@
+// thermoscribe settings restore: a file's settings back into the readout, as far as they differ.
+
+#include <unistd.h>
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "apps/thermoscribe/commands.h"
+#include "apps/thermoscribe/host.h"
+#include "apps/thermoscribe/probe_record.h"
+#include "apps/thermoscribe/settings_write.h"
+#include "apps/thermoscribe/snapshot.h"
+#include "vane/components/components.h"
+#include "vane/support/display_texts.h"
+#include "vane/support/texts.h"
+
+namespace vane {
+namespace {
+
+// What is written in one go.
+struct Stage {
+  std::string name;
+  std::function<bool()> write;
+};
+
+bool IsIn(const Difference& difference, const std::string& place) {
+  return difference.place == place || difference.place.starts_with(place + ".");
+}
+
+bool IsPlain(const std::string& member) {
+  return member == "serial" || member == "reference" || member == "current" ||
+         member == "offset3wire";
+}
+
+// The part of a record that is behind the passcode.
+bool IsConversion(const Difference& difference) {
+  return difference.place.starts_with("probe ") &&
+         !IsPlain(difference.place.substr(difference.place.find('.') + 1));
+}
+
+const PropertyRow* PropertyOf(const Difference& difference) {
+  constexpr std::string_view kSettings = "settings.";
+  if (!difference.place.starts_with(kSettings)) return nullptr;
+  return FindProperty(difference.place.substr(kSettings.size()));
+}
+
+class CRestore {
+ public:
+  CRestore(CHost& host, const Json& file) : host_(host), file_(file) {}
+
+  EExitCode Run(bool yes, bool dryrun);
+
+ private:
+  std::string WhyImpossible(const Difference& difference) const;
+  bool Differs(const std::string& place) const;
+  EExitCode AskUser() const;
+  EExitCode OpenGates();
+  std::vector<Stage> Stages();
+  bool WriteSettings();
+  bool WriteProbe(std::int16_t number);
+  bool WriteChannels();
+  EExitCode WriteStages();
+  EExitCode Verify();
+
+  CHost& host_;
+  const Json& file_;
+  Json before_;
+  std::vector<Difference> wanted_;      // what can be written
+  std::vector<Difference> impossible_;  // what the readout can't have
+};
+
+// Empty: it can be written.
+std::string CRestore::WhyImpossible(const Difference& difference) const {
+  if (difference.left.is_null()) {
+    const bool isrange = difference.place.ends_with("range");
+    const bool isold = difference.place.starts_with("probe ") && !isrange &&
+                       !difference.place.ends_with(".scale") &&
+                       !difference.place.ends_with(".conversion");
+    // What only the older conversion has goes with it.
+    if (isrange || isold) return {};
+    return "the file has no value for it";
+  }
+  if (host_.Instrument().HasScanners()) return {};
+  const PropertyRow* const row = PropertyOf(difference);
+  const bool isscanners =
+      (row != nullptr && row->group == EPropertyGroup::SCAN) ||
+      (difference.place.starts_with("channel ") && difference.right.is_null()) ||
+      (row != nullptr && row->name == "ChannelMode" &&
+       (difference.left == ChannelModeText(ET312BChannelMode::CM_SCANNER_CHANNEL) ||
+        difference.left == ChannelModeText(ET312BChannelMode::CM_SCANNER_SEQUENCE)));
+  return isscanners ? "no scanner is attached" : "";
+}
+
+bool CRestore::Differs(const std::string& place) const {
+  return std::ranges::any_of(wanted_, [&](const Difference& one) { return IsIn(one, place); });
+}
+
+EExitCode CRestore::AskUser() const {
+  if (isatty(STDIN_FILENO) == 0 || isatty(STDERR_FILENO) == 0) {
+    CHost::Say("Nothing was written: there is no terminal to ask on. --yes answers.");
+    return EExitCode::USAGE;
+  }
+  const std::string question =
+      "Write these " + std::to_string(wanted_.size()) + " values of the file into the readout?";
+  const EBoxButton answer = InstalledComponents().platform.MessageBox(
+      question, kCompanyName, kBoxQuestion + kBoxYesNo, {}, 0);
+  if (answer == EBoxButton::kYes) return EExitCode::DONE;
+  CHost::Say("Nothing was written.");
+  return EExitCode::ABORTED;
+}
+
+EExitCode CRestore::OpenGates() {
+  std::vector<EGate> gates;
+  for (const Difference& difference : wanted_) {
+    if (const PropertyRow* const row = PropertyOf(difference)) {
+      gates.push_back(row->gate);
+      // The whole write takes the calibration as one group, the external resistor with it.
+      if (row->group == EPropertyGroup::CALIBRATION) gates.push_back(EGate::CALIBRATION);
+    }
+    if (IsConversion(difference)) gates.push_back(EGate::CONVERSION);
+  }
+  return host_.OpenGates(gates);
+}
+
+bool CRestore::WriteSettings() {
+  CVaneT312B& instrument = host_.Instrument();
+  bool calibrates = false;
+  for (const Difference& difference : wanted_) {
+    const PropertyRow* const row = PropertyOf(difference);
+    if (row == nullptr) continue;
+    row->set(instrument, difference.left);
+    calibrates = calibrates || row->group == EPropertyGroup::CALIBRATION;
+  }
+  // Calibration is written with the digits of its formats; nothing of it may change unasked.
+  if (!calibrates) instrument.SetCalParamPasscodeState(ET312BPasscodeState::PS_DISABLED);
+  return instrument.UpdateInfo(host_.ProgressWindow());
+}
+
+bool CRestore::WriteProbe(std::int16_t number) {
+  CVaneT312B& instrument = host_.Instrument();
+  CVaneT312BPRTTHRMChannel& carrier = *instrument.GetChannelReference(1);
+  const std::string place = "probe " + std::to_string(number);
+  const bool converts = std::ranges::any_of(
+      wanted_, [&](const Difference& one) { return IsIn(one, place) && IsConversion(one); });
+  instrument.SetConvPasscodeState(converts ? ET312BPasscodeState::PS_ENABLED
+                                           : ET312BPasscodeState::PS_DISABLED);
+  const auto index = static_cast<std::size_t>(number - 1);
+  // What the file doesn't know stays as the readout has it.
+  StoreProbeRecord(carrier, before_["probes"][index]);
+  Json record = file_["probes"][index];
+  if (record["conversion"].is_null())
+    record = Json{{"serial", record["serial"]},
+                  {"reference", record["reference"]},
+                  {"current", record["current"]},
+                  {"offset3wire", record["offset3wire"]}};
+  StoreProbeRecord(carrier, record);
+  return carrier.UpdateProbeInfo(number, host_.ProgressWindow());
+}
+
+bool CRestore::WriteChannels() {
+  CVaneT312B& instrument = host_.Instrument();
+  // With its assignment a channel writes its probe's record, but not the conversion.
+  instrument.SetConvPasscodeState(ET312BPasscodeState::PS_DISABLED);
+  for (const Json& entry : file_["channels"]) {
+    const auto number = entry["channel"].get<std::int16_t>();
+    if (!Differs("channel " + std::to_string(number))) continue;
+    CVaneT312BPRTTHRMChannel& channel = *instrument.GetChannelReference(number);
+    const auto probe = entry["probe"].get<std::int16_t>();
+    if (!channel.QueryProbeInfo(probe, host_.ProgressWindow())) return false;
+    channel.SetProbeIndex(probe);
+    if (!channel.UpdateInfo(host_.ProgressWindow())) return false;
+  }
+  return true;
+}
+
+std::vector<Stage> CRestore::Stages() {
+  std::vector<Stage> stages;
+  if (Differs("settings")) {
+    stages.push_back({host_.Instrument().HasScanners() ? "scanner and settings" : "settings",
+                      [this] { return WriteSettings(); }});
+  }
+  for (std::int16_t number = 1; number <= CVaneT312B::NumProbes(); ++number) {
+    const std::string name = "probe " + std::to_string(number);
+    if (Differs(name)) stages.push_back({name, [this, number] { return WriteProbe(number); }});
+  }
+  const bool assigns = std::ranges::any_of(
+      wanted_, [](const Difference& one) { return one.place.starts_with("channel "); });
+  if (assigns) stages.push_back({"channel assignments", [this] { return WriteChannels(); }});
+  return stages;
+}
+
+EExitCode CRestore::WriteStages() {
+  const std::vector<Stage> stages = Stages();
+  std::size_t written = 0;
+  EExitCode code = EExitCode::DONE;
+  try {
+    while (written < stages.size() && stages[written].write()) ++written;
+    if (written < stages.size()) code = host_.CodeOfStoppedRun();
+  } catch (...) {
+    code = host_.ReportFailure("restoring the " + stages[written].name);
+  }
+  if (written == stages.size()) return EExitCode::DONE;
+  const auto names = [&](std::size_t first, std::size_t last) {
+    std::string text;
+    for (std::size_t i = first; i < last; ++i) text += (text.empty() ? "" : ", ") + stages[i].name;
+    return text.empty() ? "nothing" : text;
+  };
+  CHost::Say(
+      "Written: " + names(0, written) + ". Written in part at most: " + stages[written].name +
+      ". Not written: " + names(written + 1, stages.size()) + ". Restore again to complete it.");
+  return code;
+}
+
+EExitCode CRestore::Verify() {
+  Json after;
+  if (const EExitCode code = TakeSnapshot(host_, after, false); code != EExitCode::DONE) {
+    CHost::Say("Everything was written, but could not be read back.");
+    return code;
+  }
+  Json missing = Json::array();
+  const auto tell = [&](const Difference& difference, const std::string& reason) {
+    missing.push_back({{"place", difference.place},
+                       {"file", difference.left},
+                       {"readout", difference.right},
+                       {"reason", reason}});
+    CHost::Say(difference.place + ": " + TextOf(difference.left) +
+               " did not arrive, the readout has " + TextOf(difference.right) + ": " + reason +
+               ".");
+  };
+  for (const Difference& difference : Differences(file_, after)) {
+    const std::string impossible = WhyImpossible(difference);
+    const auto old = std::ranges::find(wanted_, difference.place, &Difference::place);
+    tell(difference, !impossible.empty()
+                         ? impossible
+                         : WhyNotArrived(difference.left, difference.right,
+                                         old == wanted_.end() ? Json() : old->right));
+  }
+  host_.Output().Record("restored", {{"values", wanted_.size()}, {"missing", missing}},
+                        "Restored " + std::to_string(wanted_.size()) + " values.");
+  return missing.empty() ? EExitCode::DONE : EExitCode::FAILED;
+}
+
+EExitCode CRestore::Run(bool yes, bool dryrun) {
+  if (const EExitCode code = TakeSnapshot(host_, before_); code != EExitCode::DONE) return code;
+  const std::vector<Difference> differences = Differences(file_, before_);
+  for (const Difference& difference : differences) {
+    (WhyImpossible(difference).empty() ? wanted_ : impossible_).push_back(difference);
+  }
+  ShowDifferences(host_, differences, "File", "Readout");
+  const bool scanner = host_.Instrument().HasScanners();
+  if (!scanner && !file_["settings"]["ScanChannels"].is_null()) {
+    CHost::Say(
+        "The file has a scanner's settings, and no scanner is attached: the rest is restored.");
+  }
+  if (wanted_.empty()) {
+    if (impossible_.empty()) return EExitCode::DONE;
+    return dryrun ? EExitCode::DONE : Verify();
+  }
+  if (!yes && !dryrun) {
+    if (const EExitCode code = AskUser(); code != EExitCode::DONE) return code;
+  }
+  if (const EExitCode code = OpenGates(); code != EExitCode::DONE) return code;
+  if (dryrun) host_.StartDryRun();
+  if (const EExitCode code = WriteStages(); code != EExitCode::DONE) return code;
+  return dryrun ? EExitCode::DONE : Verify();
+}
+
+EExitCode RunRestore(CHost& host, const std::string& path, bool yes, bool dryrun) {
+  Json file;
+  try {
+    file = ReadSnapshotFile(path);
+  } catch (const std::runtime_error& error) {
+    CHost::Say(error.what());
+    return EExitCode::FAILED;
+  }
+  return CRestore(host, file).Run(yes, dryrun);
+}
+
+}  // namespace
+
+void AddSettingsRestore(CLI::App& program, CommandBody& chosen) {
+  CLI::App* const command =
+      program.add_subcommand("restore", "Write what a file has and the readout has otherwise");
+  const auto path = std::make_shared<std::string>();
+  const auto yes = std::make_shared<bool>(false);
+  command->add_option("file", *path, "file of \"settings save\"")->required()->option_text("FILE");
+  command->add_flag("--yes", *yes, "write without asking");
+  const auto dryrun = AddDryRun(*command);
+  command->footer(
+      R"(Checks the whole file first, shows what differs, asks, and writes what differs: the settings,
+each probe's record, the probes of the channels. Then everything is read again, and each
+value that did not arrive is told. The passcode is asked for where the readout protects what
+differs. When it stops half way, the message says what was written; restoring again
+completes it.
+
+Examples:
+  thermoscribe settings restore bath.json --port /dev/ttyUSB0
+  thermoscribe settings restore bath.json --yes --passcode-file ~/.thermoscribe-passcode
+  thermoscribe settings restore bath.json --dry-run)");
+  command->callback([&chosen, path, yes, dryrun] {
+    chosen = [path, yes, dryrun](CHost& host) { return RunRestore(host, *path, *yes, *dryrun); };
+  });
+}
+
+}  // namespace vane

@@ -1,0 +1,42 @@
+// thermoscribe settings save: everything that the readout keeps, into a file.
+
+#include <CLI/CLI.hpp>
+#include <memory>
+#include <string>
+
+#include "apps/thermoscribe/commands.h"
+#include "apps/thermoscribe/host.h"
+#include "apps/thermoscribe/snapshot.h"
+
+namespace vane {
+namespace {
+
+EExitCode RunSave(CHost& host, const std::string& path) {
+  Json snapshot;
+  if (const EExitCode code = TakeSnapshot(host, snapshot); code != EExitCode::DONE) return code;
+  WriteSnapshotFile(path, snapshot);
+  host.Output().Record("saved", {{"file", path}, {"taken", snapshot["taken"]}},
+                       "The settings were saved in " + path + ".");
+  return EExitCode::DONE;
+}
+
+}  // namespace
+
+void AddSettingsSave(CLI::App& program, CommandBody& chosen) {
+  CLI::App* const command =
+      program.add_subcommand("save", "Save all settings, channels and probes in a file");
+  const auto path = std::make_shared<std::string>();
+  command->add_option("file", *path, "file to be written; an older one is replaced")
+      ->required()
+      ->option_text("FILE");
+  command->footer(
+      R"(Reads all settings, the probe of each channel and the records of all 16 probes, and writes
+them as indented JSON with all their digits. The file is there as a whole or not at all.
+
+Example:
+  thermoscribe settings save bath.json --port /dev/ttyUSB0)");
+  command->callback(
+      [&chosen, path] { chosen = [path](CHost& host) { return RunSave(host, *path); }; });
+}
+
+}  // namespace vane

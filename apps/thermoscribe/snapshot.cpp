@@ -1,0 +1,235 @@
+#include "apps/thermoscribe/snapshot.h"
+
+#include <algorithm>
+#include <chrono>
+#include <cmath>
+#include <cstdio>
+#include <fstream>
+#include <iterator>
+#include <stdexcept>
+#include <utility>
+
+#include "adapters/files/atomic_file.h"
+#include "apps/thermoscribe/host.h"
+#include "apps/thermoscribe/instrument_properties.h"
+#include "apps/thermoscribe/probe_members.h"
+#include "apps/thermoscribe/probe_record.h"
+#include "apps/thermoscribe/settings_write.h"
+#include "vane/support/texts.h"
+
+namespace vane {
+namespace {
+
+constexpr const char* kFormat = "thermoscribe settings";
+constexpr int kVersion = 1;
+constexpr std::int32_t kHighestChannel = 12;
+constexpr mode_t kPermissions = 0644;
+
+std::string Now(CHost& host) {
+  using namespace std::chrono;
+  const local_seconds now = host.LocalTime();
+  const local_days day = floor<days>(now);
+  const year_month_day date(day);
+  const hh_mm_ss time(now - day);
+  char text[48];
+  std::snprintf(text, sizeof text, "%04d-%02u-%02uT%02d:%02d:%02d", static_cast<int>(date.year()),
+                static_cast<unsigned>(date.month()), static_cast<unsigned>(date.day()),
+                static_cast<int>(time.hours().count()), static_cast<int>(time.minutes().count()),
+                static_cast<int>(time.seconds().count()));
+  return text;
+}
+
+[[noreturn]] void Damaged(const std::string& place, const std::string& trouble) {
+  throw std::runtime_error(place + ": " + trouble + ".");
+}
+
+// The part of `whole` that lies under `name`.
+const Json& Part(const Json& whole, const std::string& name, bool isarray) {
+  const auto part = whole.find(name);
+  if (part == whole.end() || !(isarray ? part->is_array() : part->is_object())) {
+    Damaged(name, isarray ? "missing or no array" : "missing or no object");
+  }
+  return *part;
+}
+
+void CheckSettings(const Json& settings) {
+  for (const PropertyRow& row : InstrumentProperties()) {
+    if (row.set == nullptr) continue;
+    const std::string name(row.name);
+    const std::string place = "settings." + name;
+    if (!settings.contains(name)) Damaged(place, "missing");
+    const Json& value = settings[name];
+    if (row.group == EPropertyGroup::SCAN && value.is_null()) continue;
+    if (!Allows(row.Rule(), value)) {
+      Damaged(place, value.dump() + " is not " + ExpectedText(row.Rule()));
+    }
+    if (name == "ScanChannels" && !IsScanSequence(value.get<std::string>(), kHighestChannel)) {
+      Damaged(place, value.dump() + " is no list of channels from 2 to 12");
+    }
+  }
+}
+
+bool IsWhole(const Json& object, const char* name, int minimum, int maximum) {
+  if (!object.is_object() || !object.contains(name)) return false;
+  const ValueRule rule{static_cast<double>(minimum), static_cast<double>(maximum), true};
+  return Allows(rule, object[name]);
+}
+
+void Check(const Json& file) {
+  if (!file.is_object() || !file.contains("format") || file["format"] != kFormat) {
+    Damaged("format", "the file is no settings of a readout, \"" + std::string(kFormat) + "\"");
+  }
+  if (!file.contains("version") || file["version"] != kVersion) {
+    Damaged("version", "this program reads version " + std::to_string(kVersion));
+  }
+  const Json& readout = Part(file, "readout", false);
+  if (!readout.contains("Model") || readout["Model"] != kReadoutModel) {
+    Damaged("readout.Model", "the settings are of another model");
+  }
+  CheckSettings(Part(file, "settings", false));
+  const Json& channels = Part(file, "channels", true);
+  for (std::size_t i = 0; i < channels.size(); ++i) {
+    const std::string place = "channels[" + std::to_string(i) + "]";
+    const int number = static_cast<int>(i) + 1;
+    if (number > kHighestChannel || !IsWhole(channels[i], "channel", number, number + 1) ||
+        channels[i]["channel"] != number) {
+      Damaged(place + ".channel", "not " + std::to_string(number));
+    }
+    if (!IsWhole(channels[i], "probe", 1, CVaneT312B::NumProbes())) {
+      Damaged(place + ".probe", "not a whole number, 1 to 16");
+    }
+  }
+  const Json& probes = Part(file, "probes", true);
+  if (std::ssize(probes) != CVaneT312B::NumProbes()) Damaged("probes", "not 16");
+  for (std::size_t i = 0; i < probes.size(); ++i) {
+    const std::string place = "probe " + std::to_string(i + 1);
+    if (!probes[i].is_object() || !probes[i].contains("probe") || probes[i]["probe"] != i + 1) {
+      Damaged(place, "missing, or not at its place");
+    }
+    if (const std::string problem = ProblemOfRecord(probes[i]); !problem.empty()) {
+      Damaged(place, problem.back() == '.' ? problem.substr(0, problem.size() - 1) : problem);
+    }
+  }
+}
+
+// The members of both, in the order of the left.
+void Compare(std::vector<Difference>& differences, const std::string& place, const Json& left,
+             const Json& right) {
+  if (left.is_object() && right.is_object()) {
+    const std::string begin = place + (place.empty() ? "" : ".");
+    for (const auto& [name, value] : left.items()) {
+      Compare(differences, begin + name, value, right.contains(name) ? right[name] : Json());
+    }
+    for (const auto& [name, value] : right.items()) {
+      if (!left.contains(name)) Compare(differences, begin + name, nullptr, value);
+    }
+  } else if (left != right) {
+    differences.push_back({place, left, right});
+  }
+}
+
+}  // namespace
+
+EExitCode TakeSnapshot(CHost& host, Json& snapshot, bool connect) {
+  CVaneT312B& instrument = host.Instrument();
+  if (connect) {
+    if (const EExitCode code = host.ReadSettings(); code != EExitCode::DONE) return code;
+  } else if (!instrument.QueryInfo(host.ProgressWindow(), false)) {
+    return host.CodeOfStoppedRun();
+  }
+  snapshot = {{"format", kFormat}, {"version", kVersion}, {"taken", Now(host)}};
+  Json readout = Json::object();
+  Json settings = Json::object();
+  for (const PropertyRow& row : InstrumentProperties()) {
+    const bool isreadout =
+        row.group == EPropertyGroup::READOUT || row.group == EPropertyGroup::PROTECTION;
+    if (!isreadout && row.set == nullptr) continue;
+    (isreadout ? readout : settings)[std::string(row.name)] = PropertyValue(row, instrument);
+  }
+  Json channels = Json::array();
+  for (std::int16_t number = 1; number <= instrument.NumChannels(); ++number) {
+    CVaneT312BPRTTHRMChannel* const channel = instrument.GetChannelReference(number);
+    if (channel == nullptr) break;
+    channel->QueryProbeIndex();
+    channels.push_back({{"channel", number},
+                        {"name", instrument.GetScanSeqChannelName(number)},
+                        {"probe", channel->ProbeIndex()}});
+  }
+  Json probes = Json::array();
+  CVaneT312BPRTTHRMChannel* const carrier = instrument.GetChannelReference(1);
+  if (carrier == nullptr) {
+    CHost::Say("The readout reports no channels.");
+    return EExitCode::FAILED;
+  }
+  for (std::int16_t number = 1; number <= CVaneT312B::NumProbes(); ++number) {
+    if (!carrier->QueryProbeInfo(number, host.ProgressWindow())) return host.CodeOfStoppedRun();
+    probes.push_back(ProbeRecord(*carrier, number));
+  }
+  snapshot["readout"] = std::move(readout);
+  snapshot["settings"] = std::move(settings);
+  snapshot["channels"] = std::move(channels);
+  snapshot["probes"] = std::move(probes);
+  return EExitCode::DONE;
+}
+
+Json ReadSnapshotFile(const std::string& path) {
+  std::ifstream stream(path, std::ios::binary);
+  const std::string text{std::istreambuf_iterator<char>(stream), {}};
+  if (!stream) throw std::runtime_error(path + " can't be read.");
+  Json file;
+  try {
+    file = Json::parse(text);
+  } catch (const Json::exception& error) {
+    throw std::runtime_error(path + " is no JSON that can be read: " + error.what());
+  }
+  try {
+    Check(file);
+  } catch (const std::runtime_error& error) {
+    throw std::runtime_error(path + ": " + error.what());
+  }
+  return file;
+}
+
+void WriteSnapshotFile(const std::string& path, const Json& snapshot) {
+  // An instrument may send any byte; one that is no UTF-8 must not spoil the file.
+  WriteFileAtomically(path, snapshot.dump(2, ' ', false, Json::error_handler_t::replace) + "\n",
+                      kPermissions);
+}
+
+std::vector<Difference> Differences(const Json& left, const Json& right) {
+  std::vector<Difference> differences;
+  Compare(differences, "settings", left["settings"], right["settings"]);
+  const Json& leftchannels = left["channels"];
+  const Json& rightchannels = right["channels"];
+  for (std::size_t i = 0; i < std::max(leftchannels.size(), rightchannels.size()); ++i) {
+    const auto probe = [i](const Json& channels) {
+      return i < channels.size() ? channels[i]["probe"] : Json();
+    };
+    Compare(differences, "channel " + std::to_string(i + 1), probe(leftchannels),
+            probe(rightchannels));
+  }
+  for (std::size_t i = 0; i < left["probes"].size(); ++i) {
+    Compare(differences, "probe " + std::to_string(i + 1), left["probes"][i], right["probes"][i]);
+  }
+  return differences;
+}
+
+void ShowDifferences(CHost& host, const std::vector<Difference>& differences, const char* lefttitle,
+                     const char* righttitle) {
+  std::vector<Row> rows;
+  for (const auto& [place, left, right] : differences) rows.push_back({place, left, right});
+  host.Output().Table("difference",
+                      {{"place", "Place"}, {"left", lefttitle}, {"right", righttitle}}, rows,
+                      "Nothing differs.");
+}
+
+std::string WhyNotArrived(const Json& wanted, const Json& now, const Json& before) {
+  if (wanted.is_null()) return "what the file doesn't know can't be written";
+  if (!wanted.is_number() || !now.is_number()) return "the readout did not take it";
+  constexpr double kLastDigit = 1e-5;
+  const double distance = std::abs(wanted.get<double>() - now.get<double>());
+  const bool isrounded = distance <= kLastDigit * std::abs(wanted.get<double>()) || now != before;
+  return isrounded ? "it keeps fewer digits" : "the readout did not take it";
+}
+
+}  // namespace vane

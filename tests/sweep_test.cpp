@@ -1,0 +1,163 @@
+// Every setting that can be written, on the simulated readout: one instrument object writes it, a
+// fresh one reads it back.
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <memory>
+
+#include "adapters/conversions/probe.h"
+#include "adapters/serial/serial_communications.h"
+#include "adapters/terminal/interrupts.h"
+#include "adapters/terminal/terminal_platform.h"
+#include "adapters/terminal/terminal_progress.h"
+#include "apps/thermoscribe/instrument_properties.h"
+#include "apps/thermoscribe/probe_record.h"
+#include "simulator/line_server.h"
+
+namespace vane {
+namespace {
+
+class CEmptyRegistry final : public CVaneRegistry {
+ public:
+  std::int32_t ReadBoolean(const std::string&, bool fallback, std::uint32_t,
+                           const std::string&) override {
+    return fallback ? 1 : 0;
+  }
+  std::string ReadText(const std::string&, const std::string& fallback, std::uint32_t,
+                       const std::string&) override {
+    return fallback;
+  }
+  void RestoreFormPlacement(ui::CWindow&, std::int32_t, bool) override {}
+  void SaveFormPlacement(ui::CWindow&, std::int32_t, bool) override {}
+};
+
+class CFactory final : public CComponentFactory {
+ public:
+  CFactory(std::shared_ptr<LineSettings> line, CInterrupts& interrupts)
+      : line_(std::move(line)), interrupts_(interrupts) {}
+  std::unique_ptr<CVaneCommunications> MakeCommunications() override {
+    return std::make_unique<CSerialCommunications>(line_);
+  }
+  std::unique_ptr<CVaneProbe> MakeProbe() override { return std::make_unique<CThermometerProbe>(); }
+  std::unique_ptr<CVaneProgress> MakeProgress() override {
+    return std::make_unique<CTerminalProgress>(interrupts_);
+  }
+
+ private:
+  std::shared_ptr<LineSettings> line_;
+  CInterrupts& interrupts_;
+};
+
+class Sweep : public testing::Test {
+ protected:
+  Sweep() {
+    platform_.SkipWaits();
+    readout_.Start();
+    line_->devices[EVanePortNumber::PORT_1] = readout_.Path();
+  }
+
+  // An object that knows nothing but the readout's channels and settings.
+  std::unique_ptr<CVaneT312B> Fresh() const {
+    auto instrument = std::make_unique<CVaneT312B>(components_);
+    instrument->SetRegistry(std::make_shared<CEmptyRegistry>());
+    instrument->InitializeCommunications();
+    EXPECT_TRUE(instrument->QueryChannelInfo() && instrument->QueryInfo());
+    return instrument;
+  }
+
+  CInterrupts interrupts_;
+  CTerminalPlatform platform_{interrupts_};
+  std::shared_ptr<LineSettings> line_ = std::make_shared<LineSettings>();
+  CFactory factory_{line_, interrupts_};
+  const Components components_{platform_, factory_};
+  CInstalledComponents installed_{components_};
+  simulator::CSimulatedLine readout_{simulator::ParseOptions("")};
+};
+
+constexpr std::size_t kPasses = 6;  // as many as the longest list of words has members
+
+// The lowest, the highest and an odd one between; or each word in turn.
+Json SettingValue(const PropertyRow& row, std::size_t pass) {
+  if (row.choices != nullptr) return row.choices()[pass % row.choices().size()];
+  if (row.name == "ScanChannels") {
+    std::string longest = "12";
+    for (int step = 2; step <= 100; ++step) longest += "," + std::to_string(2 + step % 11);
+    return std::vector<std::string>{"2", longest, "12,2,7"}[pass % 3];
+  }
+  const double odd = row.minimum + (row.maximum - row.minimum) / 3;
+  const double values[] = {row.minimum, row.maximum,
+                           row.whole ? std::floor(odd) : std::round(odd * 100) / 100};
+  return row.whole ? Json(static_cast<std::int32_t>(values[pass % 3])) : Json(values[pass % 3]);
+}
+
+TEST_F(Sweep, EverySettingComesBackAsItWasWritten) {
+  for (std::size_t pass = 0; pass < kPasses; ++pass) {
+    auto writer = Fresh();
+    for (const PropertyRow& row : InstrumentProperties()) {
+      if (row.set != nullptr) row.set(*writer, SettingValue(row, pass));
+    }
+    ASSERT_TRUE(writer->UpdateInfo());
+    writer.reset();  // the port is one object's at a time
+    const auto reader = Fresh();
+    for (const PropertyRow& row : InstrumentProperties()) {
+      if (row.set == nullptr) continue;
+      EXPECT_EQ(row.get(*reader), SettingValue(row, pass)) << row.name << " in pass " << pass;
+    }
+  }
+}
+
+// One probe has each type, in each scale or subrange.
+Json RecordOf(std::size_t probe, std::size_t pass) {
+  const Json current[] = {0.0001, 21.0, 1.2345};
+  const Json offset[] = {0.0, 1000000.0, 0.000125};
+  const char* const serial[] = {"A", "Z-123456", "0-9"};
+  Json record = {{"serial", serial[pass]},
+                 {"reference", ReferenceWords()[(probe + pass) % ReferenceWords().size()]},
+                 {"current", current[pass]},
+                 {"offset3wire", offset[pass]}};
+  const std::size_t type = probe < 7 ? 0 : probe == 15 ? 1 : probe - 6;
+  record["conversion"] = ConversionWords()[type];
+  if (type == 0) {
+    record["lowrange"] = probe % 6 == 0 ? Json() : Json(probe % 6);
+    record["highrange"] = probe == 0 ? Json() : Json(probe + 5);
+  }
+  if (type == 1) record["scale"] = probe == 15 ? 90 : 68;
+  return record;
+}
+
+TEST_F(Sweep, EveryChannelAndProbeComesBackAsItWasWritten) {
+  constexpr double kCoefficients[] = {-0.5, 12345.25, 0.03125};
+  for (std::size_t pass = 0; pass < 3; ++pass) {
+    auto writer = Fresh();
+    std::vector<Json> records;
+    for (std::size_t probe = 0; probe < 16; ++probe) {
+      const auto number = static_cast<std::int16_t>(probe + 1);
+      // The last four probes are of no channel.
+      const bool assigned = probe < 12;
+      const auto place = static_cast<std::int16_t>(assigned ? (probe + pass * 5) % 12 + 1 : 1);
+      CVaneT312BPRTTHRMChannel& channel = *writer->GetChannelReference(place);
+      StoreProbeRecord(channel, RecordOf(probe, pass));
+      Json coefficients = ProbeRecord(channel, number)["coefficients"];
+      double value = kCoefficients[pass];
+      for (auto& [name, coefficient] : coefficients.items()) coefficient = value++;
+      StoreProbeRecord(channel, {{"coefficients", coefficients}});
+      records.push_back(ProbeRecord(channel, number));
+      if (assigned) channel.SetProbeIndex(number);
+      ASSERT_TRUE(assigned ? channel.UpdateInfo() : channel.UpdateProbeInfo(number));
+    }
+    writer.reset();  // the port is one object's at a time
+    const auto reader = Fresh();
+    for (std::size_t probe = 0; probe < 16; ++probe) {
+      const auto number = static_cast<std::int16_t>(probe + 1);
+      CVaneT312BPRTTHRMChannel& channel = *reader->GetChannelReference(
+          static_cast<std::int16_t>(probe < 12 ? (probe + pass * 5) % 12 + 1 : 1));
+      ASSERT_TRUE(probe < 12 ? channel.QueryInfo() : channel.QueryProbeInfo(number));
+      EXPECT_EQ(probe < 12 ? channel.ProbeIndex() : number, number);
+      EXPECT_EQ(ProbeRecord(channel, number), records[probe]);
+    }
+  }
+}
+
+}  // namespace
+}  // namespace vane
