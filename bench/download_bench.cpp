@@ -2,7 +2,9 @@
 // its parsing costs beside `mawk` doing the same; and what it adds to the time of a slow line. With
 // the argument "faults": what becomes of downloads over a line with faults.
 #include <fcntl.h>
+#include <spawn.h>
 #include <sys/resource.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <array>
@@ -15,6 +17,7 @@
 #include <iterator>
 #include <stdexcept>
 #include <string_view>
+#include <system_error>
 
 #include "adapters/files/field_reader.h"
 #include "bench/measuring.h"
@@ -41,16 +44,14 @@ constexpr char kAwkProgram[] = R"(
 BEGIN {
   printf "\nThermometer Readout Model: T312B\n"
   printf "%-12s%-12s%-20s%-10s%-10s\n", "Date", "Time", "Reading", "Label", "Channel"
-  blanks = sprintf("%20s", "")
 }
 {
   unit = $2
-  if (index(unit, "C")) unit = "°C"
-  else if (index(unit, "F")) unit = "°F"
-  reading = sprintf("%.2f %s", $1, unit)
-  width = length(reading) - (unit == $2 ? 0 : 1)
-  printf "%-12s%-12s%s%s%-10s%s \n", "<no date>", "<no time>", reading, \
-         substr(blanks, 1, 20 - width), "<no label>", "<no channel>"
+  width = 20
+  if (index(unit, "C")) { unit = "°C"; width = 21 }
+  else if (index(unit, "F")) { unit = "°F"; width = 21 }
+  printf "<no date>   <no time>   %-*s<no label><no channel> \n", width, \
+         sprintf("%.2f %s", $1, unit)
 }
 )";
 
@@ -158,12 +159,12 @@ class CDownloader {
   }
 
   /// Whether it was done; else the last box says why not.
-  bool Try(std::int16_t readings) {
+  bool Try(std::int16_t readings, std::int16_t digits = kDigits) {
     factory_.Forms() = {};
     factory_.Forms().Expect("frmShowFiles", [](ui::CForm& form) { form.Hide(); });
     CFieldReader fields;
     return readout_.DownloadLog(fields, ET312BDownloadLogOption::DOWNLOAD_HISTORY_LOG,
-                                ET312BDownloadOption::DOWNLOAD_SINGLE_FILE, readings, kDigits);
+                                ET312BDownloadOption::DOWNLOAD_SINGLE_FILE, readings, digits);
   }
 
   double SecondsOf(std::int16_t readings) {
@@ -219,14 +220,30 @@ double BareSeconds(int line, const std::string& path) {
   return SecondsSince(start);
 }
 
+// Gives the status that the program ended with. No shell stands between.
+int RunToFile(const std::vector<const char*>& words, const std::string& out) {
+  posix_spawn_file_actions_t actions;
+  posix_spawn_file_actions_init(&actions);
+  posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, out.c_str(),
+                                   O_WRONLY | O_CREAT | O_TRUNC, 0600);
+  std::vector<char*> arguments;
+  for (const char* word : words) arguments.push_back(const_cast<char*>(word));
+  arguments.push_back(nullptr);
+  pid_t process = -1;
+  const int error =
+      posix_spawnp(&process, words.front(), &actions, nullptr, arguments.data(), environ);
+  posix_spawn_file_actions_destroy(&actions);
+  if (error != 0) throw std::system_error(error, std::generic_category(), words.front());
+  int status = -1;
+  waitpid(process, &status, 0);
+  return status;
+}
+
 double AwkSeconds(const CDownloader& downloader) {
-  const std::string program = downloader.Path("columns.awk");
-  std::ofstream(program) << kAwkProgram;
+  const std::string raw = downloader.Path("TMPDWNLD.LOG");
   const std::string out = downloader.Path("awk.txt");
-  const std::string command =
-      "mawk -f " + program + " RS='\\r\\n' " + downloader.Path("TMPDWNLD.LOG") + " > " + out;
   const Clock::time_point start = Clock::now();
-  const int status = std::system(command.c_str());
+  const int status = RunToFile({"mawk", kAwkProgram, raw.c_str()}, out);
   const double seconds = SecondsSince(start);
   if (status != 0) throw std::runtime_error("mawk failed.");
   if (Content(out) != downloader.File()) {
@@ -309,6 +326,7 @@ void MeasureSlowLine() {
 int CountFaults() {
   constexpr int kRuns = 50;
   constexpr std::int16_t kReadings = 100;
+  constexpr std::int16_t kAllDigits = -1;  // a change in any of them shows in the file
   constexpr char kFaults[] =
       " --fault p=0.01:drop --fault p=0.01:garble --fault p=0.01:late=0.15"
       " --fault p=0.01:identify";
@@ -322,7 +340,7 @@ int CountFaults() {
       line.Start();
       CDownloader downloader(line.Path());
       downloader.Line().timeout = std::chrono::milliseconds(100);
-      done = downloader.Try(kReadings);
+      done = downloader.Try(kReadings, kAllDigits);
       return downloader.File();
     };
     bool done = false;
