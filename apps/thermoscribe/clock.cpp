@@ -35,23 +35,11 @@ std::optional<local_seconds> MomentIn(const std::string& text) {
     std::sscanf(rest.c_str(), ":%2d%n", &second, &length);
     if (static_cast<std::size_t>(length) != rest.size()) return std::nullopt;
   }
-  const year_month_day date = year(y) / m / d;
+  const year_month_day date = year(y) / month(m) / day(d);
   const bool valid = date.ok() && y >= 100 && hour >= 0 && hour < 24 && minute >= 0 &&
                      minute < 60 && second >= 0 && second < 60;
   if (!valid) return std::nullopt;
   return local_days(date) + hours(hour) + minutes(minute) + seconds(second);
-}
-
-std::string TextOfMoment(local_seconds moment) {
-  const local_days day = floor<days>(moment);
-  const year_month_day date(day);
-  const hh_mm_ss time(moment - day);
-  char text[48];
-  std::snprintf(text, sizeof text, "%04d-%02u-%02uT%02d:%02d:%02d", static_cast<int>(date.year()),
-                static_cast<unsigned>(date.month()), static_cast<unsigned>(date.day()),
-                static_cast<int>(time.hours().count()), static_cast<int>(time.minutes().count()),
-                static_cast<int>(time.seconds().count()));
-  return text;
 }
 
 EExitCode RunClockSet(CHost& host, std::optional<local_seconds> moment, bool dryrun) {
@@ -64,7 +52,7 @@ EExitCode RunClockSet(CHost& host, std::optional<local_seconds> moment, bool dry
   host.Instrument().SetSystemClock(DateOf(sent));
   host.Instrument().UpdateSystemClock(nullptr);
   if (dryrun) return EExitCode::DONE;
-  const std::string text = TextOfMoment(sent);
+  const std::string text = MomentText(sent);
   host.Output().Record("clock", {{"time", text}}, "The clock was set to " + text + ".");
   return EExitCode::DONE;
 }

@@ -5,6 +5,7 @@
 #include <cerrno>
 #include <charconv>
 #include <cstddef>
+#include <cstdio>
 #include <system_error>
 
 #include "adapters/terminal/terminal_output.h"
@@ -59,6 +60,18 @@ std::string TextOf(const Json& value) {
   if (value.is_number_integer()) return NumberText(value.get<std::int64_t>());
   if (value.is_number()) return WithUsersSeparator(NumberText(value.get<double>()));
   return PrintableText(value.get<std::string>());
+}
+
+std::string MomentText(std::chrono::local_seconds moment) {
+  const auto midnight = std::chrono::floor<std::chrono::days>(moment);
+  const std::chrono::year_month_day date(midnight);
+  const std::chrono::hh_mm_ss time(moment - midnight);
+  std::array<char, 48> text;
+  std::snprintf(text.data(), text.size(), "%04d-%02u-%02uT%02d:%02d:%02d",
+                static_cast<int>(date.year()), static_cast<unsigned>(date.month()),
+                static_cast<unsigned>(date.day()), static_cast<int>(time.hours().count()),
+                static_cast<int>(time.minutes().count()), static_cast<int>(time.seconds().count()));
+  return text.data();
 }
 
 std::string Padded(const std::string& text, std::size_t columns) {

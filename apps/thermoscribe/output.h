@@ -4,6 +4,7 @@
 // The JSON form is a promise, see docs/command_line.md: members are added, never renamed.
 #pragma once
 
+#include <chrono>
 #include <nlohmann/json.hpp>
 #include <ostream>
 #include <string>
@@ -54,6 +55,9 @@ std::string WithUsersSeparator(std::string number);
 /// A value for people: a number as the shortest text that reads back equal, with the user's decimal
 /// separator; "yes", "no", and "-" for null. Control characters are replaced.
 std::string TextOf(const Json& value);
+
+/// "2026-11-24T15:07:09".
+std::string MomentText(std::chrono::local_seconds moment);
 
 /// `text` with blanks up to `columns` characters.
 std::string Padded(const std::string& text, std::size_t columns);

@@ -1,9 +1,7 @@
 #include "apps/thermoscribe/snapshot.h"
 
 #include <algorithm>
-#include <chrono>
 #include <cmath>
-#include <cstdio>
 #include <fstream>
 #include <iterator>
 #include <stdexcept>
@@ -24,20 +22,6 @@ constexpr const char* kFormat = "thermoscribe settings";
 constexpr int kVersion = 1;
 constexpr std::int32_t kHighestChannel = 12;
 constexpr mode_t kPermissions = 0644;
-
-std::string Now(CHost& host) {
-  using namespace std::chrono;
-  const local_seconds now = host.LocalTime();
-  const local_days day = floor<days>(now);
-  const year_month_day date(day);
-  const hh_mm_ss time(now - day);
-  char text[48];
-  std::snprintf(text, sizeof text, "%04d-%02u-%02uT%02d:%02d:%02d", static_cast<int>(date.year()),
-                static_cast<unsigned>(date.month()), static_cast<unsigned>(date.day()),
-                static_cast<int>(time.hours().count()), static_cast<int>(time.minutes().count()),
-                static_cast<int>(time.seconds().count()));
-  return text;
-}
 
 [[noreturn]] void Damaged(const std::string& place, const std::string& trouble) {
   throw std::runtime_error(place + ": " + trouble + ".");
@@ -137,7 +121,7 @@ EExitCode TakeSnapshot(CHost& host, Json& snapshot, bool connect) {
   } else if (!instrument.QueryInfo(host.ProgressWindow(), false)) {
     return host.CodeOfStoppedRun();
   }
-  snapshot = {{"format", kFormat}, {"version", kVersion}, {"taken", Now(host)}};
+  snapshot = {{"format", kFormat}, {"version", kVersion}, {"taken", MomentText(host.LocalTime())}};
   Json readout = Json::object();
   Json settings = Json::object();
   for (const PropertyRow& row : InstrumentProperties()) {
