@@ -4,15 +4,14 @@
 #include <CLI/CLI.hpp>
 #include <cstdint>
 #include <memory>
-#include <stdexcept>
 #include <string>
-#include <vector>
+#include <utility>
 
 #include "apps/thermoscribe/commands.h"
 #include "apps/thermoscribe/host.h"
+#include "apps/thermoscribe/probe_members.h"
 #include "apps/thermoscribe/probe_record.h"
 #include "apps/thermoscribe/probe_set.h"
-#include "apps/thermoscribe/settings_write.h"
 #include "vane/support/failure.h"
 
 namespace vane {
@@ -25,8 +24,7 @@ EExitCode RunChannel(CHost& host, std::int16_t number) {
   CVaneT312B& instrument = host.Instrument();
   CVaneT312BPRTTHRMChannel* const channel = instrument.GetChannelReference(number);
   if (channel == nullptr) {
-    CHost::Say("The readout has the channels 1 to " + std::to_string(instrument.NumChannels()) +
-               ".");
+    host.Say("The readout has the channels 1 to " + std::to_string(instrument.NumChannels()) + ".");
     return EExitCode::USAGE;
   }
   if (!channel->QueryInfo(host.ProgressWindow())) return host.CodeOfStoppedRun();
@@ -41,7 +39,7 @@ EExitCode RunProbe(CHost& host, std::int16_t number) {
   if (const EExitCode code = host.Connect(); code != EExitCode::DONE) return code;
   CVaneT312BPRTTHRMChannel* const channel = host.Instrument().GetChannelReference(1);
   if (channel == nullptr) {
-    CHost::Say("The readout reports no channels.");
+    host.Say("The readout reports no channels.");
     return EExitCode::FAILED;
   }
   if (!channel->QueryProbeInfo(number, host.ProgressWindow())) return host.CodeOfStoppedRun();
@@ -76,40 +74,37 @@ struct NumberedCommand {
   bool takesprobe;  // an assignment of a probe too
 };
 
-void AddNumberedSet(CLI::App& command, CommandBody& chosen, const NumberedCommand& row,
-                    const std::shared_ptr<std::int16_t>& number) {
-  CLI::App* const set = command.add_subcommand("set", row.setbrief);
-  const auto texts = std::make_shared<std::vector<std::string>>();
-  set->add_option("assignments", *texts, "a member of the record and its new value")
-      ->required()
-      ->option_text("NAME=VALUE ...");
-  const auto dryrun = AddDryRun(*set);
-  set->footer(kSetHelp + std::string(row.setexamples));
-  set->callback([&chosen, texts, dryrun, number, write = row.write, takesprobe = row.takesprobe] {
-    Json values;
-    try {
-      values = ProbeAssignments(*texts, takesprobe);
-    } catch (const std::invalid_argument& error) {
-      throw CLI::ValidationError(error.what());
-    }
-    chosen = [=](CHost& host) { return write(host, *number, values, *dryrun); };
-  });
-}
-
-void AddNumbered(CLI::App& program, CommandBody& chosen, const NumberedCommand& row) {
-  CLI::App* const command = program.add_subcommand(row.name, row.brief);
-  command->require_subcommand(0, 1);
-  const auto number = std::make_shared<std::int16_t>();
-  command->add_option("number", *number, row.meaning)
-      ->required()
-      ->option_text("N")
-      ->check(CLI::Range(std::int16_t{1}, row.maximum).description(""));
-  command->footer(row.footer);
-  AddNumberedSet(*command, chosen, row, number);
-  command->callback([&chosen, command, number, read = row.read] {
-    if (!command->get_subcommands().empty()) return;
-    chosen = [number, read](CHost& host) { return read(host, *number); };
-  });
+Command Numbered(const NumberedCommand& row) {
+  struct Options {
+    std::int16_t number = 0;
+    Json values = Json::object();
+    bool dryrun = false;
+  };
+  const auto options = std::make_shared<Options>();
+  Option assignments{
+      "assignments", "NAME=VALUE...", "a member of the record and its new value", {}};
+  assignments.take = [options, takesprobe = row.takesprobe](const std::string& text) {
+    AddProbeAssignment(options->values, text, takesprobe);
+  };
+  assignments.isrequired = true;
+  assignments.takesmany = true;
+  assignments.offer = EOffer::WORDS;
+  assignments.words = ProbeMemberWords(row.takesprobe);
+  Command set{.name = "set",
+              .brief = row.setbrief,
+              .footer = kSetHelp + std::string(row.setexamples),
+              .options = {std::move(assignments), DryRun(options->dryrun)},
+              .body = [options, write = row.write](CHost& host) {
+                return write(host, options->number, options->values, options->dryrun);
+              }};
+  Option number = WholeOption("number", "N", options->number, 1, row.maximum, row.meaning);
+  number.isrequired = true;
+  return {.name = row.name,
+          .brief = row.brief,
+          .footer = row.footer,
+          .options = {std::move(number)},
+          .members = {std::move(set)},
+          .body = [options, read = row.read](CHost& host) { return read(host, options->number); }};
 }
 
 constexpr const char* kRecordHelp =
@@ -120,9 +115,8 @@ two values.)";
 
 }  // namespace
 
-void AddChannel(CLI::App& program, CommandBody& chosen) {
-  AddNumbered(
-      program, chosen,
+Command ChannelCommand() {
+  return Numbered(
       {.name = "channel",
        .brief = "Read one channel's probe with its whole record, or set it",
        .footer = std::string(R"(Tells which probe the channel has, and the probe's record:
@@ -145,9 +139,8 @@ Examples:
        .takesprobe = true});
 }
 
-void AddProbe(CLI::App& program, CommandBody& chosen) {
-  AddNumbered(
-      program, chosen,
+Command ProbeCommand() {
+  return Numbered(
       {.name = "probe",
        .brief = "Read the whole record of one probe, or set it",
        .footer = std::string(R"(Tells the record of a probe, whether a channel has it or not:

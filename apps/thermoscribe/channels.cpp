@@ -1,6 +1,5 @@
 // thermoscribe channels: all channels with their numbers and probes.
 
-#include <CLI/CLI.hpp>
 #include <cstdint>
 #include <vector>
 
@@ -50,11 +49,12 @@ EExitCode RunChannels(CHost& host) {
 
 }  // namespace
 
-void AddChannels(CLI::App& program, CommandBody& chosen) {
-  CLI::App* const command =
-      program.add_subcommand("channels", "List the channels with their numbers and probes");
-  command->footer(
-      R"(Lists every channel with its name, its module, whether it is in use, the number of the
+Command ChannelsCommand() {
+  return {
+      .name = "channels",
+      .brief = "List the channels with their numbers and probes",
+      .footer =
+          R"(Lists every channel with its name, its module, whether it is in use, the number of the
 probe that is assigned to it, and its four numbers:
   Channel    on the instrument; what --channel of other commands takes
   In module  within its module, from 1
@@ -62,8 +62,8 @@ probe that is assigned to it, and its four numbers:
   Scan step  in the steps of a scan; Input 1 has none ("-")
 
 Example:
-  thermoscribe channels --port /dev/ttyUSB0 --json)");
-  command->callback([&chosen] { chosen = RunChannels; });
+  thermoscribe channels --port /dev/ttyUSB0 --json)",
+      .body = RunChannels};
 }
 
 }  // namespace vane

@@ -6,10 +6,10 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 
 #include "apps/thermoscribe/commands.h"
 #include "apps/thermoscribe/host.h"
-#include "apps/thermoscribe/settings_write.h"
 
 namespace vane {
 namespace {
@@ -59,32 +59,39 @@ EExitCode RunClockSet(CHost& host, std::optional<local_seconds> moment, bool dry
 
 }  // namespace
 
-void AddClock(CLI::App& program, CommandBody& chosen) {
-  CLI::App& group = AddGroup(program, "clock", "Set the readout's date and time");
-  CLI::App* const command = group.add_subcommand("set", "Set the date and the time");
-  const auto text = std::make_shared<std::string>();
-  command
-      ->add_option("--time", *text,
-                   "date and time of day, such as 2026-11-24T15:07:09;\n"
-                   "without it, the present moment")
-      ->option_text("ISO")
-      ->check([](const std::string& given) -> std::string {
-        if (MomentIn(given)) return {};
-        return "\"" + given + "\" is no date and time such as 2026-11-24T15:07:09.";
-      });
-  const auto dryrun = AddDryRun(*command);
-  command->footer(
-      R"(The time is that of the user's time zone. It goes out on a clock of 12 or 24 hours, as the
+Command ClockCommand() {
+  struct Options {
+    std::optional<local_seconds> moment;
+    bool dryrun = false;
+  };
+  const auto options = std::make_shared<Options>();
+  Option time{"--time",
+              "ISO",
+              "date and time of day, such as 2026-11-24T15:07:09;\n"
+              "without it, the present moment",
+              {}};
+  time.take = [options](const std::string& text) {
+    options->moment = MomentIn(text);
+    if (!options->moment) {
+      throw CUsageError("--time can't be \"" + text +
+                        "\". It is a date and time such as 2026-11-24T15:07:09.");
+    }
+  };
+  Command set{
+      .name = "set",
+      .brief = "Set the date and the time",
+      .footer =
+          R"(The time is that of the user's time zone. It goes out on a clock of 12 or 24 hours, as the
 user's locale has it. The readout doesn't tell its time, so it can't be read back.
 
 Examples:
   thermoscribe clock set
-  thermoscribe clock set --time 2026-11-24T15:07:09)");
-  command->callback([&chosen, text, dryrun] {
-    chosen = [text, dryrun](CHost& host) {
-      return RunClockSet(host, text->empty() ? std::nullopt : MomentIn(*text), *dryrun);
-    };
-  });
+  thermoscribe clock set --time 2026-11-24T15:07:09)",
+      .options = {std::move(time), DryRun(options->dryrun)},
+      .body = [options](CHost& host) {
+        return RunClockSet(host, options->moment, options->dryrun);
+      }};
+  return {.name = "clock", .brief = "Set the readout's date and time", .members = {std::move(set)}};
 }
 
 }  // namespace vane

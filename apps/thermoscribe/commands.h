@@ -1,53 +1,28 @@
-// The commands of the program. Each has a file of its own, which adds the command's name, options
-// and help to the parser; a new one needs that file and a line here.
+// The commands of the program. Each has a file of its own, which describes it; a new one needs that
+// file, a line here, and one in `Program`.
 #pragma once
 
-#include <array>
-#include <functional>
-
-#include "apps/thermoscribe/exit_codes.h"
-
-namespace CLI {
-class App;
-}
+#include "apps/thermoscribe/command.h"
 
 namespace vane {
 
-class CHost;
+Command PortsCommand();
+Command IdentifyCommand();
+Command ChannelsCommand();
+Command MeasureCommand();
+Command ChannelCommand();
+Command ProbeCommand();
+Command SettingsCommand();
+Command ScanCommand();
+Command ProtectionCommand();
+Command ClockCommand();
+Command DownloadCommand();
 
-/// Does the work of a command, on a host that is not connected yet. Failures that the user has not
-/// been told of are raised.
-using CommandBody = std::function<EExitCode(CHost& host)>;
-
-/// Adds one command to `program`; when the user gives it, `chosen` becomes what it does. `chosen`
-/// outlives the parsing.
-using AddCommand = void(CLI::App& program, CommandBody& chosen);
-
-AddCommand AddPorts;
-AddCommand AddIdentify;
-AddCommand AddChannels;
-AddCommand AddMeasure;
-AddCommand AddChannel;
-AddCommand AddProbe;
-AddCommand AddSettings;
-AddCommand AddScan;
-AddCommand AddProtection;
-AddCommand AddClock;
-AddCommand AddDownload;
-
-/// In the order of the help.
-inline constexpr std::array kCommands = {AddPorts,      AddIdentify, AddChannels, AddMeasure,
-                                         AddChannel,    AddProbe,    AddSettings, AddScan,
-                                         AddProtection, AddClock,    AddDownload};
-
-/// The commands of a group, in the order of its help.
-AddCommand AddSettingsShow;
-AddCommand AddSettingsSet;
-AddCommand AddSettingsSave;
-AddCommand AddSettingsRestore;
-AddCommand AddSettingsDiff;
-
-/// Adds a command that is a group of others, one of which must follow it.
-CLI::App& AddGroup(CLI::App& program, const char* name, const char* brief);
+/// The members of `settings`, in the order of its help.
+Command SettingsShowCommand();
+Command SettingsSetCommand();
+Command SettingsSaveCommand();
+Command SettingsRestoreCommand();
+Command SettingsDiffCommand();
 
 }  // namespace vane

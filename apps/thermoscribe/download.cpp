@@ -110,30 +110,19 @@ EExitCode RunDownload(CHost& host, const DownloadOptions& options) {
 
 }  // namespace
 
-void AddDownload(CLI::App& program, CommandBody& chosen) {
-  CLI::App* const command =
-      program.add_subcommand("download", "Write a log of the readout to a file");
+Command DownloadCommand() {
   const auto options = std::make_shared<DownloadOptions>();
-  command->add_option("--log", options->log, "history or memory (history)")
-      ->option_text("LOG")
-      ->check(CLI::IsMember({"history", "memory"}).description(""));
-  command->add_option("--readings", options->readings, "at most so many readings (100)")
-      ->option_text("N")
-      ->check(CLI::Range(std::int16_t{1}, kMaxReadings).description(""));
-  command
-      ->add_option("--resolution", options->resolution,
-                   "decimals of the readings; without it, all that\nthe readout sent")
-      ->option_text("D")
-      ->check(CLI::Range(std::int16_t{0}, kMaxResolution).description(""));
-  command->add_flag("--prompt", options->prompt, "ask for the name of the file");
-  command->add_option("--folder", options->folder, "folder of the file, see below")
-      ->option_text("DIR");
-  command
-      ->add_option("--csv", options->csv,
-                   "also write the readings as comma-separated\nvalues, as the readout sent them")
-      ->option_text("FILE");
-  command->footer(
-      R"(Fetches the log reading by reading and writes download.txt, a text file of columns. It goes
+  Option folder = TextOption("--folder", "DIR", options->folder, "folder of the file, see below");
+  folder.offer = EOffer::FOLDERS;
+  Option csv = TextOption("--csv", "FILE", options->csv,
+                          "also write the readings as comma-separated\nvalues, as the readout sent "
+                          "them");
+  csv.offer = EOffer::FILES;
+  return {
+      .name = "download",
+      .brief = "Write a log of the readout to a file",
+      .footer =
+          R"(Fetches the log reading by reading and writes download.txt, a text file of columns. It goes
 to --folder, else to the folder "DownloadFolder" of the configuration file, else to where
 you are; an older file of that name is replaced when the new one is whole. Ctrl-C stops:
 while the readings are fetched without a file, behind that with the rows so far.
@@ -144,10 +133,17 @@ files. The firmware must be 5.03 or higher.
 Examples:
   thermoscribe download --resolution 3
   thermoscribe download --log memory --readings 250 --folder ~/logs --csv memory.csv
-  thermoscribe --simulate download)");
-  command->callback([&chosen, options] {
-    chosen = [options](CHost& host) { return RunDownload(host, *options); };
-  });
+  thermoscribe --simulate download)",
+      .options = {WordOption("--log", "LOG", {"history", "memory"}, options->log,
+                             "history or memory (history)"),
+                  WholeOption("--readings", "N", options->readings, 1, kMaxReadings,
+                              "at most so many readings (100)"),
+                  WholeOption("--resolution", "D", options->resolution, 0, kMaxResolution,
+                              "decimals of the readings; without it, all that\n"
+                              "the readout sent"),
+                  Flag("--prompt", options->prompt, "ask for the name of the file"),
+                  std::move(folder), std::move(csv)},
+      .body = [options](CHost& host) { return RunDownload(host, *options); }};
 }
 
 }  // namespace vane

@@ -11,7 +11,7 @@ namespace {
 constexpr std::array kRows = {
     ExitCodeRow{EExitCode::DONE, "done", ""},
     ExitCodeRow{EExitCode::FAILED, "any other failure", ""},
-    ExitCodeRow{EExitCode::USAGE, "bad usage", "\"thermoscribe --help\" tells what can be asked."},
+    ExitCodeRow{EExitCode::USAGE, "bad usage", ""},
     ExitCodeRow{EExitCode::NO_PORT, "no serial port: none, can't be opened, in use",
                 "\"thermoscribe ports\" lists the ports of this machine, --port chooses one."},
     ExitCodeRow{EExitCode::NO_ANSWER, "no answer",
@@ -40,7 +40,15 @@ static_assert(InOrder());
 
 std::span<const ExitCodeRow> ExitCodes() { return kRows; }
 
-const char* Hint(EExitCode code) { return kRows[static_cast<std::size_t>(code)].hint; }
+std::string Hint(EExitCode code, const std::string& command) {
+  if (code == EExitCode::USAGE) {
+    return "\"thermoscribe " + command + (command.empty() ? "" : " ") +
+           "--help\" tells what can be asked.";
+  }
+  return kRows[static_cast<std::size_t>(code)].hint;
+}
+
+const char* MeaningOf(EExitCode code) { return kRows[static_cast<std::size_t>(code)].meaning; }
 
 EExitCode ExitCodeOfLine(std::int32_t number) {
   switch (number) {

@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <span>
+#include <string>
 
 namespace vane {
 
@@ -30,7 +31,10 @@ struct ExitCodeRow {
 /// All codes, in their order.
 std::span<const ExitCodeRow> ExitCodes();
 
-const char* Hint(EExitCode code);
+/// What to do next, by the pages of help of `command` for bad usage; empty where there is nothing.
+std::string Hint(EExitCode code, const std::string& command);
+
+const char* MeaningOf(EExitCode code);
 
 /// The code of an exchange that failed with the error `number`; `FAILED` for 0.
 EExitCode ExitCodeOfLine(std::int32_t number);

@@ -4,97 +4,32 @@
 #include <iostream>
 #include <utility>
 
-#include "adapters/conversions/probe.h"
-#include "adapters/files/column_file.h"
-#include "adapters/files/private_text_file.h"
 #include "adapters/files/registry.h"
-#include "adapters/terminal/terminal_file_dialog.h"
-#include "adapters/terminal/terminal_form.h"
 #include "adapters/terminal/terminal_output.h"
-#include "adapters/terminal/terminal_passcode.h"
-#include "adapters/terminal/terminal_printer_choice.h"
-#include "adapters/terminal/terminal_progress.h"
 #include "vane/support/failure.h"
-#include "vane/support/paths.h"
 #include "vane/support/text_table.h"
 #include "vane/support/texts.h"
 
 namespace vane {
-namespace {
 
-// Both note how far the making of a file has come: the library's result doesn't tell.
-
-class CNotedFile final : public CColumnTextFile {
- public:
-  CNotedFile(PrinterChoice printerchoice, WrittenFile& note)
-      : CColumnTextFile(std::move(printerchoice)), note_(note) {}
-
-  void Close(bool& success) override {
-    CColumnTextFile::Close(success);
-    if (success) note_.path = BuildFullPath(Folder(), FileName());
+// A box with nothing to answer is told like everything else; the error behind it is at hand here.
+EBoxButton CHostPlatform::MessageBox(const std::string& text, const std::string& title,
+                                     std::int32_t flags, const std::string& helpfile,
+                                     std::int32_t helpcontext) {
+  if (!notices_.IsJson() || (flags & kBoxYesNo) != 0) {
+    return CTerminalPlatform::MessageBox(text, title, flags, helpfile, helpcontext);
   }
-
- private:
-  WrittenFile& note_;
-};
-
-class CNotedDialog final : public CTerminalFileDialog {
- public:
-  CNotedDialog(CInterrupts& interrupts, WrittenFile& note)
-      : CTerminalFileDialog(interrupts), note_(note) {}
-
-  void ShowSave() override {
-    note_.cancelled = true;
-    CTerminalFileDialog::ShowSave();
-    note_.cancelled = false;
-  }
-
- private:
-  WrittenFile& note_;
-};
-
-}  // namespace
-
-std::unique_ptr<CVaneCommunications> CHostFactory::MakeCommunications() {
-  return std::make_unique<CSerialCommunications>(line_);
+  const LibraryError error = PendingError();
+  std::string lines = text;
+  std::ranges::replace(lines, '\r', '\n');
+  notices_.Tell(lines, error.Number(), error.Source());
+  return EBoxButton::kOk;
 }
 
-std::unique_ptr<CVaneProbe> CHostFactory::MakeProbe() {
-  return std::make_unique<CThermometerProbe>();
-}
-
-std::unique_ptr<CVaneProgress> CHostFactory::MakeProgress() {
-  return std::make_unique<CTerminalProgress>(interrupts_);
-}
-
-std::unique_ptr<CVanePasscodeDialog> CHostFactory::MakePasscodeDialog() {
-  return std::make_unique<CTerminalPasscodeDialog>(interrupts_, passcodefile_);
-}
-
-std::unique_ptr<CVaneOutputFile> CHostFactory::MakeOutputFile() {
-  latestfile_ = {};
-  return std::make_unique<CNotedFile>(
-      [this](const std::vector<std::string>& printers) {
-        return ChoosePrinter(interrupts_, printers);
-      },
-      latestfile_);
-}
-
-std::unique_ptr<CVaneFileDialog> CHostFactory::MakeFileDialog() {
-  return std::make_unique<CNotedDialog>(interrupts_, latestfile_);
-}
-
-std::unique_ptr<CVaneTextFile> CHostFactory::CreateTextFile(const std::string& path) {
-  return std::make_unique<CPrivateTextFile>(path);
-}
-
-std::unique_ptr<ui::CForm> CHostFactory::MakeForm(const std::string& name) {
-  return std::make_unique<CTerminalForm>(interrupts_, name);
-}
-
-CHost::CHost(HostOptions options)
+CHost::CHost(HostOptions options, CNotices& notices)
     : options_(std::move(options)),
-      platform_(interrupts_),
+      notices_(notices),
+      platform_(interrupts_, notices),
       line_(std::make_shared<LineSettings>()),
       factory_(line_, interrupts_, options_.passcodefile),
       components_{platform_, factory_},
@@ -213,8 +148,8 @@ std::string CHost::CauseOfNoReading(EExitCode code) const {
   return "The readout refused (number " + std::to_string(number) + "): " + description;
 }
 
-void CHost::Say(const std::string& text) {
-  WriteToTerminal(2, PrintableText("thermoscribe: " + text) + "\n");
+void CHost::Close(EExitCode code, const std::string& command) {
+  notices_.Close(code, Hint(code, command), LastFailure().number);
 }
 
 }  // namespace vane

@@ -13,7 +13,10 @@
 #include "adapters/terminal/interrupts.h"
 #include "adapters/terminal/terminal_platform.h"
 #include "apps/thermoscribe/exit_codes.h"
+#include "apps/thermoscribe/host_factory.h"
+#include "apps/thermoscribe/host_options.h"
 #include "apps/thermoscribe/instrument_properties.h"
+#include "apps/thermoscribe/notices.h"
 #include "apps/thermoscribe/output.h"
 #include "simulator/line_server.h"
 #include "vane/components/components.h"
@@ -22,54 +25,25 @@
 
 namespace vane {
 
-/// The options that every command takes.
-struct HostOptions {
-  std::string port;  ///< device path; empty: the first serial port of the machine
-  std::optional<simulator::Options> simulated;
-  EVaneBaudRate baud = EVaneBaudRate::BR_9600;
-  std::chrono::milliseconds timeout{1000};
-  std::string tracefile;     ///< empty: no trace
-  std::string passcodefile;  ///< path or number of a descriptor; empty: ask on the terminal
-  bool json = false;
-  bool progress = false;
-};
-
-/// The latest text file of columns.
-struct WrittenFile {
-  std::string path;        ///< empty: none was finished
-  bool cancelled = false;  ///< whether the user gave up the question for its name
-};
-
-/// Makes what the library's operations need for themselves.
-class CHostFactory final : public CComponentFactory {
+/// The terminal, or what stands for it in a program's own form.
+class CHostPlatform final : public CTerminalPlatform {
  public:
-  CHostFactory(std::shared_ptr<LineSettings> line, CInterrupts& interrupts,
-               std::string passcodefile)
-      : line_(std::move(line)), interrupts_(interrupts), passcodefile_(std::move(passcodefile)) {}
+  CHostPlatform(CInterrupts& interrupts, CNotices& notices)
+      : CTerminalPlatform(interrupts), notices_(notices) {}
 
-  std::unique_ptr<CVaneCommunications> MakeCommunications() override;
-  std::unique_ptr<CVaneProbe> MakeProbe() override;
-  std::unique_ptr<CVaneProgress> MakeProgress() override;
-  std::unique_ptr<CVanePasscodeDialog> MakePasscodeDialog() override;
-  std::unique_ptr<CVaneOutputFile> MakeOutputFile() override;
-  std::unique_ptr<CVaneFileDialog> MakeFileDialog() override;
-  std::unique_ptr<CVaneTextFile> CreateTextFile(const std::string& path) override;
-  std::unique_ptr<ui::CForm> MakeForm(const std::string& name) override;
-
-  const WrittenFile& LatestFile() const { return latestfile_; }
+  EBoxButton MessageBox(const std::string& text, const std::string& title, std::int32_t flags,
+                        const std::string& helpfile, std::int32_t helpcontext) override;
 
  private:
-  std::shared_ptr<LineSettings> line_;
-  CInterrupts& interrupts_;
-  const std::string passcodefile_;
-  WrittenFile latestfile_;
+  CNotices& notices_;
 };
 
 /// One object per process, on the main thread. From its making on, Ctrl-C ends a wait of the
 /// library and raises `IsInterrupted`, and nothing more.
 class CHost {
  public:
-  explicit CHost(HostOptions options);
+  /// `notices` outlives the host.
+  CHost(HostOptions options, CNotices& notices);
   CHost(const CHost&) = delete;
   CHost& operator=(const CHost&) = delete;
 
@@ -114,8 +88,12 @@ class CHost {
   /// The wall clock in the user's time zone.
   std::chrono::local_seconds LocalTime() { return platform_.LocalTime(); }
 
-  /// A line for the user on standard error.
-  static void Say(const std::string& text);
+  /// A line for the user on standard error: what went wrong, or what is good to know.
+  void Say(const std::string& text) { notices_.Tell(text); }
+  void Note(const std::string& text) { notices_.Note(text); }
+
+  /// The last word before the program ends with `code`.
+  void Close(EExitCode code, const std::string& command);
 
  private:
   std::string CauseOfNoReading(EExitCode code) const;
@@ -124,9 +102,10 @@ class CHost {
   class CTerminalWindow final : public ui::CWindow {};
 
   HostOptions options_;
+  CNotices& notices_;
   CTerminalWindow window_;
   CInterrupts interrupts_;
-  CTerminalPlatform platform_;
+  CHostPlatform platform_;
   std::shared_ptr<LineSettings> line_;
   CHostFactory factory_;
   const Components components_;

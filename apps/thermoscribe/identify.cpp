@@ -1,6 +1,5 @@
 // thermoscribe identify: who is on the line, and what hangs on it.
 
-#include <CLI/CLI.hpp>
 #include <cstdint>
 #include <string>
 
@@ -48,17 +47,17 @@ EExitCode RunIdentify(CHost& host) {
 
 }  // namespace
 
-void AddIdentify(CLI::App& program, CommandBody& chosen) {
-  CLI::App* const command =
-      program.add_subcommand("identify", "Tell the readout's model, firmware and modules");
-  command->footer(
-      R"(Tells the model, the firmware version and whether it is recent enough, the whole
+Command IdentifyCommand() {
+  return {.name = "identify",
+          .brief = "Tell the readout's model, firmware and modules",
+          .footer =
+              R"(Tells the model, the firmware version and whether it is recent enough, the whole
 identification as the readout sends it, and each module with its channels: module 0 is
 the readout with its two inputs, module 1 the scanner.
 
 Example:
-  thermoscribe identify --port /dev/ttyUSB0)");
-  command->callback([&chosen] { chosen = RunIdentify; });
+  thermoscribe identify --port /dev/ttyUSB0)",
+          .body = RunIdentify};
 }
 
 }  // namespace vane

@@ -7,7 +7,9 @@
 #include <cstdint>
 #include <cstdio>
 #include <memory>
+#include <optional>
 #include <string>
+#include <utility>
 
 #include "apps/thermoscribe/commands.h"
 #include "apps/thermoscribe/host.h"
@@ -29,9 +31,9 @@ constexpr std::size_t kChannelColumns = 2;
 struct MeasureOptions {
   std::int16_t channel = 0;  // 0: the first one in use
   bool waitfornew = false;
-  std::int64_t count = 1;  // 0: no end
-  double every = 0;        // s
-  double limit = 120;      // s
+  std::int64_t count = 1;       // 0: no end
+  std::optional<double> every;  // s
+  std::optional<double> limit;  // s
   bool start = false;
   bool stop = false;
 };
@@ -96,10 +98,11 @@ bool WaitUntil(std::chrono::steady_clock::time_point moment, const CHost& host) 
 
 EExitCode TakeReadings(CHost& host, const MeasureOptions& options) {
   CVaneT312B& instrument = host.Instrument();
-  instrument.SetNewDataLimit(static_cast<std::int32_t>(FromSeconds(options.limit).count()));
+  instrument.SetNewDataLimit(
+      static_cast<std::int32_t>(FromSeconds(options.limit.value_or(120)).count()));
   const std::int16_t channel =
       options.channel == 0 ? FirstEnabledChannel(instrument) : options.channel;
-  const Milliseconds every = FromSeconds(options.every);
+  const Milliseconds every = FromSeconds(options.every.value_or(0));
 
   std::int64_t taken = 0;
   auto next = std::chrono::steady_clock::now();
@@ -110,8 +113,8 @@ EExitCode TakeReadings(CHost& host, const MeasureOptions& options) {
     ++taken;
   }
   if (taken >= options.count) return EExitCode::DONE;
-  CHost::Say("Aborted after " + std::to_string(taken) + " of " + std::to_string(options.count) +
-             " readings.");
+  host.Say("Aborted after " + std::to_string(taken) + " of " + std::to_string(options.count) +
+           " readings.");
   return EExitCode::ABORTED;
 }
 
@@ -129,45 +132,22 @@ EExitCode RunMeasure(CHost& host, const MeasureOptions& options) {
 
 }  // namespace
 
-void AddMeasure(CLI::App& program, CommandBody& chosen) {
-  CLI::App* const command =
-      program.add_subcommand("measure", "Take readings, or switch measuring on and off");
+Command MeasureCommand() {
   const auto options = std::make_shared<MeasureOptions>();
-  command
-      ->add_option("--channel", options->channel,
-                   "instrument channel number, see \"thermoscribe\n"
-                   "channels\"; without it, the first one in use")
-      ->option_text("N")
-      ->check(CLI::Range(std::int16_t{1}, kMaxChannel).description(""));
-  command->add_flag("--new", options->waitfornew, "wait for a new reading each time");
-  command
-      ->add_option("--limit", options->limit, "longest wait for one new reading, in seconds (120)")
-      ->option_text("S")
-      ->check(CLI::Range(0.0, kDay).description(""));
-  CLI::Option* const count =
-      command->add_option("--count", options->count, "take N readings (1); 0: go on until Ctrl-C")
-          ->option_text("N")
-          ->check(CLI::Range(std::int64_t{0}, kMaxCount).description(""));
-  CLI::Option* const every = command
-                                 ->add_option("--every", options->every,
-                                              "seconds from the start of one reading to the\n"
-                                              "start of the next; without it, one follows the\n"
-                                              "other at once")
-                                 ->option_text("S")
-                                 ->check(CLI::Range(0.0, kDay).description(""))
-                                 ->needs(count);
-  CLI::Option* const start =
-      command->add_flag("--start", options->start, "switch measuring on, take no reading");
-  CLI::Option* const stop =
-      command->add_flag("--stop", options->stop, "switch measuring off, take no reading")
-          ->excludes(start);
-  for (const char* const name : {"--channel", "--new", "--limit", "--count"}) {
-    start->excludes(command->get_option(name));
-    stop->excludes(command->get_option(name));
-  }
-  every->excludes(start)->excludes(stop);
-  command->footer(
-      R"(Prints one line per reading: the local time with its distance from UTC, the channel's
+  Option every = RealOption("--every", "S", options->every, 0, kDay,
+                            "seconds from the start of one reading to the\n"
+                            "start of the next; without it, one follows the\n"
+                            "other at once");
+  every.needs = {"--count"};
+  Option start = Flag("--start", options->start, "switch measuring on, take no reading");
+  start.excludes = {"--stop", "--channel", "--new", "--limit", "--count", "--every"};
+  Option stop = Flag("--stop", options->stop, "switch measuring off, take no reading");
+  stop.excludes = {"--channel", "--new", "--limit", "--count", "--every"};
+  return {
+      .name = "measure",
+      .brief = "Take readings, or switch measuring on and off",
+      .footer =
+          R"(Prints one line per reading: the local time with its distance from UTC, the channel's
 number and name, and the reading in the readout's units, with all its digits. Each line
 is complete and on its way as soon as the reading is there.
 
@@ -178,10 +158,17 @@ Examples:
   thermoscribe measure --channel 2
   thermoscribe measure --new --count 10
   thermoscribe measure --count 0 --every 60 --json >> bath.jsonl
-  thermoscribe measure --start)");
-  command->callback([&chosen, options] {
-    chosen = [options](CHost& host) { return RunMeasure(host, *options); };
-  });
+  thermoscribe measure --start)",
+      .options = {WholeOption("--channel", "N", options->channel, 1, kMaxChannel,
+                              "instrument channel number, see \"thermoscribe\n"
+                              "channels\"; without it, the first one in use"),
+                  Flag("--new", options->waitfornew, "wait for a new reading each time"),
+                  RealOption("--limit", "S", options->limit, 0, kDay,
+                             "longest wait for one new reading, in seconds (120)"),
+                  WholeOption("--count", "N", options->count, 0, kMaxCount,
+                              "take N readings (1); 0: go on until Ctrl-C"),
+                  std::move(every), std::move(start), std::move(stop)},
+      .body = [options](CHost& host) { return RunMeasure(host, *options); }};
 }
 
 }  // namespace vane

@@ -48,6 +48,12 @@ bool IsNumeric(const std::vector<Row>& rows, std::size_t column) {
 
 }  // namespace
 
+std::string JsonLine(std::string_view kind, const Json& members) {
+  Json object = {{"version", kVersion}, {"kind", kind}};
+  object.update(members);
+  return object.dump(-1, ' ', false, Json::error_handler_t::replace);
+}
+
 std::string WithUsersSeparator(std::string number) {
   const std::size_t point = number.find('.');
   if (point != number.npos) number.replace(point, 1, GetDecimalSeparator());
@@ -83,10 +89,7 @@ void COutput::Record(std::string_view kind, const Json& members, std::string_vie
     WriteLine(text);
     return;
   }
-  Json object = {{"version", kVersion}, {"kind", kind}};
-  object.update(members);
-  // An instrument may send any byte; one that is no UTF-8 must not spoil the line.
-  WriteLine(object.dump(-1, ' ', false, Json::error_handler_t::replace));
+  WriteLine(JsonLine(kind, members));
 }
 
 void COutput::Table(std::string_view kind, const std::vector<Column>& columns,

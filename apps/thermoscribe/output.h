@@ -49,6 +49,10 @@ class COutput {
   bool json_;
 };
 
+/// One object with `members` behind its version and kind, as one line without an end. An instrument
+/// may send any byte; one that is no UTF-8 becomes U+FFFD.
+std::string JsonLine(std::string_view kind, const Json& members);
+
 /// `number` with the user's decimal separator in place of ".".
 std::string WithUsersSeparator(std::string number);
 

@@ -1,6 +1,5 @@
 // thermoscribe ports: what serial ports there are.
 
-#include <CLI/CLI.hpp>
 #include <string>
 #include <vector>
 
@@ -32,17 +31,18 @@ EExitCode RunPorts(CHost& host) {
 
 }  // namespace
 
-void AddPorts(CLI::App& program, CommandBody& chosen) {
-  CLI::App* const command =
-      program.add_subcommand("ports", "List the serial ports of this machine");
-  command->footer(
-      R"(Lists the serial ports, in the order in which they are counted, with what the system
+Command PortsCommand() {
+  return {
+      .name = "ports",
+      .brief = "List the serial ports of this machine",
+      .footer =
+          R"(Lists the serial ports, in the order in which they are counted, with what the system
 knows of them: the driver, and for a USB adapter its maker, product, serial number and
 id. Needs no readout. Without ports it says so and exits with 0.
 
 Example:
-  thermoscribe ports)");
-  command->callback([&chosen] { chosen = RunPorts; });
+  thermoscribe ports)",
+      .body = RunPorts};
 }
 
 }  // namespace vane

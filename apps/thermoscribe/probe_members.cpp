@@ -5,6 +5,7 @@
 #include <optional>
 #include <stdexcept>
 
+#include "apps/thermoscribe/command.h"
 #include "apps/thermoscribe/probe_record.h"
 #include "apps/thermoscribe/value_rule.h"
 #include "vane/components/components.h"
@@ -67,8 +68,7 @@ bool IsSerial(const std::string& text) {
 
 [[noreturn]] void Refuse(std::string_view name, const std::string& text,
                          const std::string& expected) {
-  throw std::invalid_argument(std::string(name) + " can't be \"" + text + "\". It is " + expected +
-                              ".");
+  throw CUsageError(std::string(name) + " can't be \"" + text + "\". It is " + expected + ".");
 }
 
 Json MemberValue(const MemberRow& row, const std::string& text) {
@@ -120,16 +120,29 @@ std::string ExpectedInFile(const MemberRow& row) {
 void AssignProbeMember(Json& values, const std::string& name, const std::string& text) {
   for (const MemberRow& row : kMembers) {
     if (Folded(row.name) != Folded(name)) continue;
+    if (values.contains(std::string(row.name))) {
+      throw CUsageError(std::string(row.name) + " is given twice.");
+    }
     values[std::string(row.name)] = MemberValue(row, text);
     return;
   }
   if (!IsCoefficient(Folded(name))) {
-    throw std::invalid_argument(name + " is nothing that a probe has. It has " + MemberNames() +
-                                ".");
+    throw CUsageError("\"" + name + "\" is nothing that a probe has. It has " + MemberNames() +
+                      ".");
   }
   const std::optional<double> number = NumberOf(text);
   if (!number || !std::isfinite(*number)) Refuse(name, text, "a number");
-  values["coefficients"][name] = *number;
+  Json& coefficients = values["coefficients"];
+  for (const auto& [other, value] : coefficients.items()) {
+    if (Folded(other) == Folded(name)) throw CUsageError(other + " is given twice.");
+  }
+  coefficients[name] = *number;
+}
+
+std::vector<std::string> ProbeMemberNames() {
+  std::vector<std::string> names;
+  for (const MemberRow& row : kMembers) names.emplace_back(row.name);
+  return names;
 }
 
 bool HoldsConversion(const Json& values) {

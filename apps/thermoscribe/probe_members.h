@@ -3,16 +3,20 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "apps/thermoscribe/output.h"
 
 namespace vane {
 
 /// Puts an assignment that a person has typed into `values`, whose members are those of a probe's
-/// record; a coefficient goes under "coefficients". Raises `std::invalid_argument` with a text for
-/// the user, which tells what is allowed. Whether the probe's conversion has the member remains to
-/// be seen.
+/// record; a coefficient goes under "coefficients". Raises `CUsageError` with a text that tells
+/// what is allowed, and for a member that is there already. Whether the probe's conversion has the
+/// member remains to be seen.
 void AssignProbeMember(Json& values, const std::string& name, const std::string& text);
+
+/// The names of the members but the coefficients.
+std::vector<std::string> ProbeMemberNames();
 
 /// Whether `values` touches the conversion, which may be behind the passcode.
 bool HoldsConversion(const Json& values);

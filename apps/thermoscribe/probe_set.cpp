@@ -2,16 +2,16 @@
 
 #include <stdexcept>
 
+#include "apps/thermoscribe/command.h"
 #include "apps/thermoscribe/host.h"
 #include "apps/thermoscribe/probe_members.h"
 #include "apps/thermoscribe/probe_record.h"
+#include "apps/thermoscribe/settings_write.h"
 #include "apps/thermoscribe/snapshot.h"
 #include "apps/thermoscribe/value_rule.h"
 
 namespace vane {
 namespace {
-
-constexpr ValueRule kProbeNumber{.minimum = 1, .maximum = CVaneT312B::NumProbes(), .whole = true};
 
 // With the coefficients beside the other members.
 Json Flat(const Json& record) {
@@ -54,8 +54,8 @@ EExitCode ShowChanges(CHost& host, const Json& values, const Json& before, const
   for (const auto& [name, value] : wanted.items()) {
     const Json now = ValueUnder(after, name);
     if (now == value) continue;
-    CHost::Say(name + ": " + TextOf(value) + " was written, but the readout has " + TextOf(now) +
-               ": " + WhyNotArrived(value, now, ValueUnder(before, name)) + ".");
+    host.Say(name + ": " + TextOf(value) + " was written, but the readout has " + TextOf(now) +
+             ": " + WhyNotArrived(value, now, ValueUnder(before, name)) + ".");
     code = EExitCode::FAILED;
   }
   return code;
@@ -79,7 +79,7 @@ EExitCode Write(CHost& host, CVaneT312BPRTTHRMChannel& channel, std::int16_t num
   try {
     StoreProbeRecord(channel, values);
   } catch (const std::invalid_argument& error) {
-    CHost::Say(error.what());
+    host.Say(error.what());
     return EExitCode::USAGE;
   }
   if (HoldsConversion(values)) {
@@ -106,32 +106,28 @@ EExitCode Write(CHost& host, CVaneT312BPRTTHRMChannel& channel, std::int16_t num
 
 }  // namespace
 
-Json ProbeAssignments(const std::vector<std::string>& texts, bool takesprobe) {
-  Json values = Json::object();
-  for (const std::string& text : texts) {
-    const std::size_t sign = text.find('=');
-    if (sign == text.npos) throw std::invalid_argument("\"" + text + "\" is not NAME=VALUE.");
-    const std::string name = text.substr(0, sign);
-    const std::string value = text.substr(sign + 1);
-    if (!takesprobe || Folded(name) != "probe") {
-      AssignProbeMember(values, name, value);
-      continue;
-    }
-    const std::optional<Json> probe = ValueOf(kProbeNumber, value);
-    if (!probe) {
-      throw std::invalid_argument("probe can't be \"" + value + "\". It is " +
-                                  ExpectedText(kProbeNumber) + ".");
-    }
-    values["probe"] = *probe;
+void AddProbeAssignment(Json& values, const std::string& text, bool takesprobe) {
+  const auto [name, value] = AssignmentIn(text);
+  if (!takesprobe || Folded(name) != "probe") {
+    AssignProbeMember(values, name, value);
+    return;
   }
-  return values;
+  if (values.contains("probe")) throw CUsageError("probe is given twice.");
+  values["probe"] = WholeNumberIn("probe", value, 1, CVaneT312B::NumProbes());
+}
+
+std::vector<std::string> ProbeMemberWords(bool takesprobe) {
+  std::vector<std::string> words = ProbeMemberNames();
+  if (takesprobe) words.insert(words.begin(), "probe");
+  for (std::string& word : words) word += "=";
+  return words;
 }
 
 EExitCode WriteProbe(CHost& host, std::int16_t number, const Json& values, bool dryrun) {
   if (const EExitCode code = host.ReadSettings(); code != EExitCode::DONE) return code;
   CVaneT312BPRTTHRMChannel* const channel = host.Instrument().GetChannelReference(1);
   if (channel == nullptr) {
-    CHost::Say("The readout reports no channels.");
+    host.Say("The readout reports no channels.");
     return EExitCode::FAILED;
   }
   return Write(host, *channel, number, false, values, dryrun);
@@ -141,8 +137,8 @@ EExitCode WriteChannel(CHost& host, std::int16_t number, const Json& values, boo
   if (const EExitCode code = host.ReadSettings(); code != EExitCode::DONE) return code;
   CVaneT312BPRTTHRMChannel* const channel = host.Instrument().GetChannelReference(number);
   if (channel == nullptr) {
-    CHost::Say("The readout has the channels 1 to " +
-               std::to_string(host.Instrument().NumChannels()) + ".");
+    host.Say("The readout has the channels 1 to " +
+             std::to_string(host.Instrument().NumChannels()) + ".");
     return EExitCode::USAGE;
   }
   return Write(host, *channel, number, true, values, dryrun);

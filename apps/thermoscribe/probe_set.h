@@ -12,9 +12,12 @@ namespace vane {
 
 class CHost;
 
-/// Members of a probe's record out of "NAME=VALUE" texts; with `takesprobe`, "probe" as well, the
-/// number of the probe to be assigned. Raises `std::invalid_argument` with a text for the user.
-Json ProbeAssignments(const std::vector<std::string>& texts, bool takesprobe);
+/// Adds a member of a probe's record out of a "NAME=VALUE" text; with `takesprobe`, "probe" as
+/// well, the number of the probe to be assigned. Raises `CUsageError`.
+void AddProbeAssignment(Json& values, const std::string& text, bool takesprobe);
+
+/// "serial=" and the other names that can be assigned, for a shell to offer.
+std::vector<std::string> ProbeMemberWords(bool takesprobe);
 
 /// Reads the probe's record, asks for the passcode where it takes one, writes the record with
 /// `values` in it, reads it again and shows what has changed. A value that did not arrive is told.

@@ -3,6 +3,7 @@
 
 #include <CLI/CLI.hpp>
 #include <string>
+#include <utility>
 
 #include "apps/thermoscribe/commands.h"
 #include "apps/thermoscribe/host.h"
@@ -39,24 +40,24 @@ EExitCode RunUnlock(CHost& host) {
 
 }  // namespace
 
-void AddProtection(CLI::App& program, CommandBody& chosen) {
-  CLI::App& group =
-      AddGroup(program, "protection", "Tell what the passcode protects, and check it");
-  CLI::App* const show = group.add_subcommand("show", "Show which groups are protected");
-  show->footer(
-      R"(Tells of each of the four groups whether the readout protects it:
+Command ProtectionCommand() {
+  Command show{.name = "show",
+               .brief = "Show which groups are protected",
+               .footer =
+                   R"(Tells of each of the four groups whether the readout protects it:
   Conversion      probes' conversions, the external resistor
   Calibration     the internal resistors, ADC, oven
   Sampling        sample interval, integration time, conversion time
   Units and time  units
 
 Example:
-  thermoscribe protection show --port /dev/ttyUSB0)");
-  show->callback([&chosen] { chosen = RunShow; });
-
-  CLI::App* const unlock = group.add_subcommand("unlock", "Check a passcode against the readout's");
-  unlock->footer(
-      R"(Asks for the passcode, without showing it, until it is the readout's or you give up by an
+  thermoscribe protection show --port /dev/ttyUSB0)",
+               .body = RunShow};
+  Command unlock{
+      .name = "unlock",
+      .brief = "Check a passcode against the readout's",
+      .footer =
+          R"(Asks for the passcode, without showing it, until it is the readout's or you give up by an
 empty line, and exits with 0 when it was right, with 9 when not. Nothing stays open behind
 it: each command that changes what is protected asks for itself. A script gives the
 passcode by --passcode-file, once.
@@ -64,8 +65,11 @@ passcode by --passcode-file, once.
 Examples:
   thermoscribe protection unlock --port /dev/ttyUSB0
   thermoscribe protection unlock --passcode-file ~/.thermoscribe-passcode
-  thermoscribe protection unlock --passcode-file 3 3< <(pass show readout))");
-  unlock->callback([&chosen] { chosen = RunUnlock; });
+  thermoscribe protection unlock --passcode-file 3 3< <(pass show readout))",
+      .body = RunUnlock};
+  return {.name = "protection",
+          .brief = "Tell what the passcode protects, and check it",
+          .members = {std::move(show), std::move(unlock)}};
 }
 
 }  // namespace vane

@@ -4,8 +4,8 @@
 #include <cstdint>
 #include <memory>
 #include <sstream>
-#include <stdexcept>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "apps/thermoscribe/commands.h"
@@ -85,54 +85,61 @@ constexpr ScanOption kScanOptions[] = {
      "the user-defined sequence: channels of the instrument\nfrom 2 on, such as 2,3,5"},
 };
 
-void AddScanSet(CLI::App& group, CommandBody& chosen) {
-  CLI::App* const command = group.add_subcommand("set", "Set the modes and the scan sequence");
-  std::vector<std::shared_ptr<std::string>> texts;
-  for (const ScanOption& option : kScanOptions) {
-    texts.push_back(std::make_shared<std::string>());
-    command->add_option(option.option, *texts.back(), option.brief)->option_text(option.text);
-  }
-  command->require_option(1, 0);
-  const auto dryrun = AddDryRun(*command);
-  command->footer(
-      R"(The modes are the words that "settings show" lists. A sequence is written step by step, its
+Command ScanSetCommand() {
+  struct Options {
+    std::vector<Assignment> assignments;
+    bool dryrun = false;
+  };
+  const auto options = std::make_shared<Options>();
+  Command command{
+      .name = "set",
+      .brief = "Set the modes and the scan sequence",
+      .footer =
+          R"(The modes are the words that "settings show" lists. A sequence is written step by step, its
 length with it. Behind the writing all settings are read again, and what has changed is
 shown.
 
 Examples:
   thermoscribe scan set --mode "Scanner channel" --channel 4
-  thermoscribe scan set --scanner-mode "User-defined scanner sequence" --sequence 2,3,5)");
-  command->callback([&chosen, texts, dryrun] {
-    std::vector<Assignment> assignments;
-    for (std::size_t i = 0; i < texts.size(); ++i) {
-      if (texts[i]->empty()) continue;
-      try {
-        assignments.push_back(AssignmentOf(kScanOptions[i].property, *texts[i]));
-      } catch (const std::invalid_argument& error) {
-        throw CLI::ValidationError(error.what());
-      }
-    }
-    chosen = [assignments, dryrun](CHost& host) {
-      return WriteSettings(host, assignments, *dryrun);
+  thermoscribe scan set --scanner-mode "User-defined scanner sequence" --sequence 2,3,5)",
+      .body =
+          [options](CHost& host) {
+            return WriteSettings(host, options->assignments, options->dryrun);
+          },
+      .needsoption = true};
+  for (const ScanOption& row : kScanOptions) {
+    Option option{row.option, row.text, row.brief, {}};
+    option.take = [options, row](const std::string& text) {
+      AddAssignment(options->assignments, row.property, text);
     };
-  });
+    if (const auto choices = FindProperty(row.property)->choices; choices != nullptr) {
+      option.offer = EOffer::WORDS;
+      option.words = choices();
+    }
+    command.options.push_back(std::move(option));
+  }
+  command.options.push_back(DryRun(options->dryrun));
+  return command;
 }
 
 }  // namespace
 
-void AddScan(CLI::App& program, CommandBody& chosen) {
-  CLI::App& group = AddGroup(program, "scan", "Tell and set how the readout walks its channels");
-  CLI::App* const show = group.add_subcommand("show", "Show the modes and the scan sequence");
-  show->footer(
-      R"(Tells what the readout measures (channel mode) and, with a scanner, how it scans: the mode,
+Command ScanCommand() {
+  Command show{
+      .name = "show",
+      .brief = "Show the modes and the scan sequence",
+      .footer =
+          R"(Tells what the readout measures (channel mode) and, with a scanner, how it scans: the mode,
 the single scanner channel, the number of channels of a sequence, and the user-defined
 sequence step by step, each with its channel's number on the instrument and its name.
 
 Examples:
   thermoscribe scan show --port /dev/ttyUSB0
-  thermoscribe --simulate scan show --json)");
-  show->callback([&chosen] { chosen = RunScanShow; });
-  AddScanSet(group, chosen);
+  thermoscribe --simulate scan show --json)",
+      .body = RunScanShow};
+  return {.name = "scan",
+          .brief = "Tell and set how the readout walks its channels",
+          .members = {std::move(show), ScanSetCommand()}};
 }
 
 }  // namespace vane

@@ -18,7 +18,7 @@ EExitCode RunDiff(CHost& host, const std::string& path, const std::string& other
     left = ReadSnapshotFile(path);
     if (!otherpath.empty()) right = ReadSnapshotFile(otherpath);
   } catch (const std::runtime_error& error) {
-    CHost::Say(error.what());
+    host.Say(error.what());
     return EExitCode::FAILED;
   }
   if (otherpath.empty()) {
@@ -31,25 +31,31 @@ EExitCode RunDiff(CHost& host, const std::string& path, const std::string& other
 
 }  // namespace
 
-void AddSettingsDiff(CLI::App& program, CommandBody& chosen) {
-  CLI::App* const command =
-      program.add_subcommand("diff", "Compare a file with the readout or with another file");
-  const auto path = std::make_shared<std::string>();
-  const auto otherpath = std::make_shared<std::string>();
-  command->add_option("file", *path, "file of \"settings save\"")->required()->option_text("FILE");
-  command->add_option("file2", *otherpath, "another one; without it, the readout")
-      ->option_text("[FILE2]");
-  command->footer(
-      R"(Shows each setting, channel and probe's value that differs, with its place and both values.
+Command SettingsDiffCommand() {
+  struct Paths {
+    std::string file;
+    std::string other;
+  };
+  const auto paths = std::make_shared<Paths>();
+  Option file = TextOption("file", "FILE", paths->file, "file of \"settings save\"");
+  file.isrequired = true;
+  file.offer = EOffer::FILES;
+  Option other =
+      TextOption("file2", "[FILE2]", paths->other, "another one; without it, the readout");
+  other.offer = EOffer::FILES;
+  return {
+      .name = "diff",
+      .brief = "Compare a file with the readout or with another file",
+      .footer =
+          R"(Shows each setting, channel and probe's value that differs, with its place and both values.
 The exit code is 10 when there is one. Comparing two files takes no readout. The time and
 what the readout says of itself are not compared.
 
 Examples:
   thermoscribe settings diff bath.json --port /dev/ttyUSB0
-  thermoscribe settings diff bath.json bath-new.json)");
-  command->callback([&chosen, path, otherpath] {
-    chosen = [path, otherpath](CHost& host) { return RunDiff(host, *path, *otherpath); };
-  });
+  thermoscribe settings diff bath.json bath-new.json)",
+      .options = {std::move(file), std::move(other)},
+      .body = [paths](CHost& host) { return RunDiff(host, paths->file, paths->other); }};
 }
 
 }  // namespace vane

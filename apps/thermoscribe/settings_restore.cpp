@@ -101,7 +101,7 @@ bool CRestore::Differs(const std::string& place) const {
 
 EExitCode CRestore::AskUser() const {
   if (isatty(STDIN_FILENO) == 0 || isatty(STDERR_FILENO) == 0) {
-    CHost::Say("Nothing was written: there is no terminal to ask on. --yes answers.");
+    host_.Say("Nothing was written: there is no terminal to ask on. --yes answers.");
     return EExitCode::USAGE;
   }
   const std::string question =
@@ -109,7 +109,7 @@ EExitCode CRestore::AskUser() const {
   const EBoxButton answer = InstalledComponents().platform.MessageBox(
       question, kCompanyName, kBoxQuestion + kBoxYesNo, {}, 0);
   if (answer == EBoxButton::kYes) return EExitCode::DONE;
-  CHost::Say("Nothing was written.");
+  host_.Say("Nothing was written.");
   return EExitCode::ABORTED;
 }
 
@@ -209,16 +209,16 @@ EExitCode CRestore::WriteStages() {
     for (std::size_t i = first; i < last; ++i) text += (text.empty() ? "" : ", ") + stages[i].name;
     return text.empty() ? "nothing" : text;
   };
-  CHost::Say(
-      "Written: " + names(0, written) + ". Written in part at most: " + stages[written].name +
-      ". Not written: " + names(written + 1, stages.size()) + ". Restore again to complete it.");
+  host_.Say("Written: " + names(0, written) + ". Written in part at most: " + stages[written].name +
+            ". Not written: " + names(written + 1, stages.size()) +
+            ". Restore again to complete it.");
   return code;
 }
 
 EExitCode CRestore::Verify() {
   Json after;
   if (const EExitCode code = TakeSnapshot(host_, after, false); code != EExitCode::DONE) {
-    CHost::Say("Everything was written, but could not be read back.");
+    host_.Say("Everything was written, but could not be read back.");
     return code;
   }
   Json missing = Json::array();
@@ -227,9 +227,8 @@ EExitCode CRestore::Verify() {
                        {"file", difference.left},
                        {"readout", difference.right},
                        {"reason", reason}});
-    CHost::Say(difference.place + ": " + TextOf(difference.left) +
-               " did not arrive, the readout has " + TextOf(difference.right) + ": " + reason +
-               ".");
+    host_.Say(difference.place + ": " + TextOf(difference.left) +
+              " did not arrive, the readout has " + TextOf(difference.right) + ": " + reason + ".");
   };
   for (const Difference& difference : Differences(file_, after)) {
     const std::string impossible = WhyImpossible(difference);
@@ -253,7 +252,7 @@ EExitCode CRestore::Run(bool yes, bool dryrun) {
   ShowDifferences(host_, differences, "File", "Readout");
   const bool scanner = host_.Instrument().HasScanners();
   if (!scanner && !file_["settings"]["ScanChannels"].is_null()) {
-    CHost::Say(
+    host_.Say(
         "The file has a scanner's settings, and no scanner is attached: the rest is restored.");
   }
   if (wanted_.empty()) {
@@ -274,7 +273,7 @@ EExitCode RunRestore(CHost& host, const std::string& path, bool yes, bool dryrun
   try {
     file = ReadSnapshotFile(path);
   } catch (const std::runtime_error& error) {
-    CHost::Say(error.what());
+    host.Say(error.what());
     return EExitCode::FAILED;
   }
   return CRestore(host, file).Run(yes, dryrun);
@@ -282,16 +281,21 @@ EExitCode RunRestore(CHost& host, const std::string& path, bool yes, bool dryrun
 
 }  // namespace
 
-void AddSettingsRestore(CLI::App& program, CommandBody& chosen) {
-  CLI::App* const command =
-      program.add_subcommand("restore", "Write what a file has and the readout has otherwise");
-  const auto path = std::make_shared<std::string>();
-  const auto yes = std::make_shared<bool>(false);
-  command->add_option("file", *path, "file of \"settings save\"")->required()->option_text("FILE");
-  command->add_flag("--yes", *yes, "write without asking");
-  const auto dryrun = AddDryRun(*command);
-  command->footer(
-      R"(Checks the whole file first, shows what differs, asks, and writes what differs: the settings,
+Command SettingsRestoreCommand() {
+  struct Options {
+    std::string path;
+    bool yes = false;
+    bool dryrun = false;
+  };
+  const auto options = std::make_shared<Options>();
+  Option file = TextOption("file", "FILE", options->path, "file of \"settings save\"");
+  file.isrequired = true;
+  file.offer = EOffer::FILES;
+  return {
+      .name = "restore",
+      .brief = "Write what a file has and the readout has otherwise",
+      .footer =
+          R"(Checks the whole file first, shows what differs, asks, and writes what differs: the settings,
 each probe's record, the probes of the channels. Then everything is read again, and each
 value that did not arrive is told. The passcode is asked for where the readout protects what
 differs. When it stops half way, the message says what was written; restoring again
@@ -300,10 +304,12 @@ completes it.
 Examples:
   thermoscribe settings restore bath.json --port /dev/ttyUSB0
   thermoscribe settings restore bath.json --yes --passcode-file ~/.thermoscribe-passcode
-  thermoscribe settings restore bath.json --dry-run)");
-  command->callback([&chosen, path, yes, dryrun] {
-    chosen = [path, yes, dryrun](CHost& host) { return RunRestore(host, *path, *yes, *dryrun); };
-  });
+  thermoscribe settings restore bath.json --dry-run)",
+      .options = {std::move(file), Flag("--yes", options->yes, "write without asking"),
+                  DryRun(options->dryrun)},
+      .body = [options](CHost& host) {
+        return RunRestore(host, options->path, options->yes, options->dryrun);
+      }};
 }
 
 }  // namespace vane

@@ -22,21 +22,22 @@ EExitCode RunSave(CHost& host, const std::string& path) {
 
 }  // namespace
 
-void AddSettingsSave(CLI::App& program, CommandBody& chosen) {
-  CLI::App* const command =
-      program.add_subcommand("save", "Save all settings, channels and probes in a file");
+Command SettingsSaveCommand() {
   const auto path = std::make_shared<std::string>();
-  command->add_option("file", *path, "file to be written; an older one is replaced")
-      ->required()
-      ->option_text("FILE");
-  command->footer(
-      R"(Reads all settings, the probe of each channel and the records of all 16 probes, and writes
+  Option file = TextOption("file", "FILE", *path, "file to be written; an older one is replaced");
+  file.isrequired = true;
+  file.offer = EOffer::FILES;
+  return {
+      .name = "save",
+      .brief = "Save all settings, channels and probes in a file",
+      .footer =
+          R"(Reads all settings, the probe of each channel and the records of all 16 probes, and writes
 them as indented JSON with all their digits. The file is there as a whole or not at all.
 
 Example:
-  thermoscribe settings save bath.json --port /dev/ttyUSB0)");
-  command->callback(
-      [&chosen, path] { chosen = [path](CHost& host) { return RunSave(host, *path); }; });
+  thermoscribe settings save bath.json --port /dev/ttyUSB0)",
+      .options = {std::move(file)},
+      .body = [path](CHost& host) { return RunSave(host, *path); }};
 }
 
 }  // namespace vane

@@ -1,9 +1,8 @@
 // thermoscribe settings set: settings by the names of their properties.
 
-#include <CLI/CLI.hpp>
 #include <memory>
-#include <stdexcept>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "apps/thermoscribe/commands.h"
@@ -11,15 +10,28 @@
 
 namespace vane {
 
-void AddSettingsSet(CLI::App& program, CommandBody& chosen) {
-  CLI::App* const command = program.add_subcommand("set", "Write settings and read them back");
-  const auto texts = std::make_shared<std::vector<std::string>>();
-  command->add_option("assignments", *texts, "a setting and its new value")
-      ->required()
-      ->option_text("NAME=VALUE ...");
-  const auto dryrun = AddDryRun(*command);
-  command->footer(
-      R"(The names are those of "settings show --json", in letters of either case; a value is a
+Command SettingsSetCommand() {
+  struct Options {
+    std::vector<Assignment> assignments;
+    bool dryrun = false;
+  };
+  const auto options = std::make_shared<Options>();
+  Option assignments{"assignments", "NAME=VALUE...", "a setting and its new value", {}};
+  assignments.take = [options](const std::string& text) {
+    const auto [name, value] = AssignmentIn(text);
+    AddAssignment(options->assignments, name, value);
+  };
+  assignments.isrequired = true;
+  assignments.takesmany = true;
+  assignments.offer = EOffer::WORDS;
+  for (const PropertyRow& row : InstrumentProperties()) {
+    if (row.set != nullptr) assignments.words.push_back(std::string(row.name) + "=");
+  }
+  return {
+      .name = "set",
+      .brief = "Write settings and read them back",
+      .footer =
+          R"(The names are those of "settings show --json", in letters of either case; a value is a
 number with "." or one of the words that "settings show" lists. A name or a value that can't
 be is refused before anything is sent. The passcode is asked for where the readout protects
 a setting. Behind the writing all settings are read again, and what has changed is shown.
@@ -31,22 +43,11 @@ Examples:
   thermoscribe settings set Units=K Interval=5
   thermoscribe settings set "SampleAction=Sample n" SampleN=100
   thermoscribe settings set ADC=0.15 --passcode-file ~/.thermoscribe-passcode
-  thermoscribe settings set Resolution=3 --dry-run)");
-  command->callback([&chosen, texts, dryrun] {
-    std::vector<Assignment> assignments;
-    for (const std::string& text : *texts) {
-      const std::size_t sign = text.find('=');
-      if (sign == text.npos) throw CLI::ValidationError("\"" + text + "\" is not NAME=VALUE.");
-      try {
-        assignments.push_back(AssignmentOf(text.substr(0, sign), text.substr(sign + 1)));
-      } catch (const std::invalid_argument& error) {
-        throw CLI::ValidationError(error.what());
-      }
-    }
-    chosen = [assignments, dryrun](CHost& host) {
-      return WriteSettings(host, assignments, *dryrun);
-    };
-  });
+  thermoscribe settings set Resolution=3 --dry-run)",
+      .options = {std::move(assignments), DryRun(options->dryrun)},
+      .body = [options](CHost& host) {
+        return WriteSettings(host, options->assignments, options->dryrun);
+      }};
 }
 
 }  // namespace vane

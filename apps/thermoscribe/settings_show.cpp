@@ -64,34 +64,33 @@ EExitCode RunSettingsShow(CHost& host, ChosenGroup chosengroup) {
 
 }  // namespace
 
-void AddSettingsShow(CLI::App& program, CommandBody& chosen) {
-  CLI::App* const command = program.add_subcommand("show", "Read and show every setting");
+Command SettingsShowCommand() {
   const auto group = std::make_shared<std::string>();
   std::vector<std::string> words;
   for (const PropertyGroupRow& row : PropertyGroups()) words.emplace_back(row.word);
-  command->add_option("--group", *group, "show one group only, see below")
-      ->option_text("GROUP")
-      ->check(CLI::IsMember(words).description(""));
-  command->footer(
-      R"(Reads all settings of the readout and its scanner and shows each with its unit and what it
+  return {
+      .name = "show",
+      .brief = "Read and show every setting",
+      .footer =
+          R"(Reads all settings of the readout and its scanner and shows each with its unit and what it
 may be set to. With --json the members are the properties by their names, such as Units or
 FilterRespTime; those of a scanner that isn't there are null. With --progress the reading
 shows how far it is; Ctrl-C stops it between two settings.
 
 Groups:
-  )" + CLI::detail::join(words, ", ") +
-      R"(
+  )" + Listed(words) +
+          R"(
 
 Examples:
   thermoscribe settings show --port /dev/ttyUSB0
   thermoscribe settings show --group sampling
-  thermoscribe --simulate settings show --json)");
-  command->callback([&chosen, group] {
-    ChosenGroup chosengroup;
-    const auto row = std::ranges::find(PropertyGroups(), *group, &PropertyGroupRow::word);
-    if (row != PropertyGroups().end()) chosengroup = row->group;
-    chosen = [chosengroup](CHost& host) { return RunSettingsShow(host, chosengroup); };
-  });
+  thermoscribe --simulate settings show --json)",
+      .options = {WordOption("--group", "GROUP", words, *group, "show one group only, see below")},
+      .body = [group](CHost& host) {
+        const auto row = std::ranges::find(PropertyGroups(), *group, &PropertyGroupRow::word);
+        return RunSettingsShow(
+            host, row == PropertyGroups().end() ? ChosenGroup() : ChosenGroup(row->group));
+      }};
 }
 
 }  // namespace vane

@@ -2,9 +2,10 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <optional>
 #include <sstream>
-#include <stdexcept>
 
+#include "apps/thermoscribe/command.h"
 #include "apps/thermoscribe/host.h"
 #include "vane/topology/numbering.h"
 
@@ -70,8 +71,8 @@ EExitCode ShowChanges(CHost& host, const std::vector<Assignment>& assignments, c
   for (const auto& [row, value] : assignments) {
     const std::string name(row->name);
     if (after[name] == value) continue;
-    CHost::Say(name + ": " + PropertyText(*row, value) + " was written, but the readout has " +
-               PropertyText(*row, after[name]) + ".");
+    host.Say(name + ": " + PropertyText(*row, value) + " was written, but the readout has " +
+             PropertyText(*row, after[name]) + ".");
     code = EExitCode::FAILED;
   }
   return code;
@@ -93,30 +94,33 @@ bool IsScanSequence(const std::string& list, std::int32_t highest) {
   return count > 0 && count <= kMaxSteps && list.back() != ',';
 }
 
-Assignment AssignmentOf(std::string_view name, std::string_view text) {
+std::pair<std::string, std::string> AssignmentIn(const std::string& text) {
+  const std::size_t sign = text.find('=');
+  if (sign == text.npos) throw CUsageError("\"" + text + "\" is not NAME=VALUE.");
+  return {text.substr(0, sign), text.substr(sign + 1)};
+}
+
+void AddAssignment(std::vector<Assignment>& assignments, std::string_view name,
+                   std::string_view text) {
   const PropertyRow* const row = FindProperty(name);
   if (row == nullptr || row->set == nullptr) {
     std::string known;
     for (const PropertyRow& other : InstrumentProperties()) {
       if (other.set != nullptr) known += (known.empty() ? "" : ", ") + std::string(other.name);
     }
-    throw std::invalid_argument(std::string(name) +
-                                (row == nullptr ? " is no setting" : " can't be set") +
-                                ". The settings are " + known + ".");
+    throw CUsageError((row == nullptr ? "\"" + std::string(name) + "\" is no setting"
+                                      : std::string(row->name) + " can't be set") +
+                      ". The settings are " + known + ".");
+  }
+  if (std::ranges::find(assignments, row, &Assignment::row) != assignments.end()) {
+    throw CUsageError(std::string(row->name) + " is given twice.");
   }
   std::optional<Json> value = ValueOf(row->Rule(), text);
   if (!value) {
-    throw std::invalid_argument(std::string(row->name) + " can't be \"" + std::string(text) +
-                                "\". It is " + ExpectedText(row->Rule()) + ".");
+    throw CUsageError(std::string(row->name) + " can't be \"" + std::string(text) + "\". It is " +
+                      ExpectedText(row->Rule()) + ".");
   }
-  return {row, std::move(*value)};
-}
-
-std::shared_ptr<bool> AddDryRun(CLI::App& command) {
-  auto dryrun = std::make_shared<bool>(false);
-  command.add_flag("--dry-run", *dryrun,
-                   "read, but write nothing: print the lines that\nwould go out, in their order");
-  return dryrun;
+  assignments.push_back({row, std::move(*value)});
 }
 
 EExitCode WriteSettings(CHost& host, const std::vector<Assignment>& assignments, bool dryrun) {
@@ -124,7 +128,7 @@ EExitCode WriteSettings(CHost& host, const std::vector<Assignment>& assignments,
   std::vector<EGate> gates;
   for (const Assignment& assignment : assignments) {
     if (std::string problem = ProblemOf(assignment, host.Instrument()); !problem.empty()) {
-      CHost::Say(problem);
+      host.Say(problem);
       return EExitCode::USAGE;
     }
     gates.push_back(assignment.row->gate);

@@ -2,17 +2,13 @@
 #pragma once
 
 #include <cstdint>
-#include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "apps/thermoscribe/exit_codes.h"
 #include "apps/thermoscribe/instrument_properties.h"
-
-namespace CLI {
-class App;
-}
 
 namespace vane {
 
@@ -23,15 +19,16 @@ struct Assignment {
   Json value;
 };
 
-/// An assignment of what a person has typed. Raises `std::invalid_argument` with a text for the
-/// user, which tells what is allowed, for an unknown name or a value that can't be.
-Assignment AssignmentOf(std::string_view name, std::string_view text);
+/// "NAME=VALUE" as a person types it, cut at the first "=". Raises `CUsageError` without one.
+std::pair<std::string, std::string> AssignmentIn(const std::string& text);
+
+/// Adds an assignment of what a person has typed. Raises `CUsageError`, with a text that tells what
+/// is allowed, for an unknown name, one that is there already, or a value that can't be.
+void AddAssignment(std::vector<Assignment>& assignments, std::string_view name,
+                   std::string_view text);
 
 /// Whether `list` names, with "," between, channels of the instrument from Input 2 to `highest`.
 bool IsScanSequence(const std::string& list, std::int32_t highest);
-
-/// Adds `--dry-run`; the result becomes true when the user gives it.
-std::shared_ptr<bool> AddDryRun(CLI::App& command);
 
 /// Reads all settings, asks for the passcode where it takes one, writes the assignments, reads all
 /// settings again, and shows what has changed. A value that did not arrive is told.

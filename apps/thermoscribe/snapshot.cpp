@@ -142,7 +142,7 @@ EExitCode TakeSnapshot(CHost& host, Json& snapshot, bool connect) {
   Json probes = Json::array();
   CVaneT312BPRTTHRMChannel* const carrier = instrument.GetChannelReference(1);
   if (carrier == nullptr) {
-    CHost::Say("The readout reports no channels.");
+    host.Say("The readout reports no channels.");
     return EExitCode::FAILED;
   }
   for (std::int16_t number = 1; number <= CVaneT312B::NumProbes(); ++number) {

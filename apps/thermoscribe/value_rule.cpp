@@ -46,7 +46,9 @@ std::string Folded(std::string_view text) {
 std::optional<double> NumberOf(std::string_view text) {
   double number = 0;
   const auto [last, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-  if (error != std::errc() || last != text.data() + text.size()) return std::nullopt;
+  if (error != std::errc() || last != text.data() + text.size() || !std::isfinite(number)) {
+    return std::nullopt;
+  }
   return number;
 }
 

@@ -23,7 +23,7 @@ struct ValueRule {
 /// A word as it is compared: in lower case, without the sign of degrees.
 std::string Folded(std::string_view text);
 
-/// All of `text` as a number with "."; nothing when it is none.
+/// All of `text` as a number with "."; nothing when it is none. Infinities are no numbers.
 std::optional<double> NumberOf(std::string_view text);
 
 /// The value that a person has typed: a choice in letters of either case and with or without the

@@ -1,0 +1,88 @@
+#include "apps/thermoscribe/host_factory.h"
+
+#include <utility>
+
+#include "adapters/conversions/probe.h"
+#include "adapters/files/column_file.h"
+#include "adapters/files/private_text_file.h"
+#include "adapters/terminal/terminal_file_dialog.h"
+#include "adapters/terminal/terminal_form.h"
+#include "adapters/terminal/terminal_passcode.h"
+#include "adapters/terminal/terminal_printer_choice.h"
+#include "adapters/terminal/terminal_progress.h"
+#include "vane/support/paths.h"
+
+namespace vane {
+namespace {
+
+// Both note how far the making of a file has come: the library's result doesn't tell.
+
+class CNotedFile final : public CColumnTextFile {
+ public:
+  CNotedFile(PrinterChoice printerchoice, WrittenFile& note)
+      : CColumnTextFile(std::move(printerchoice)), note_(note) {}
+
+  void Close(bool& success) override {
+    CColumnTextFile::Close(success);
+    if (success) note_.path = BuildFullPath(Folder(), FileName());
+  }
+
+ private:
+  WrittenFile& note_;
+};
+
+class CNotedDialog final : public CTerminalFileDialog {
+ public:
+  CNotedDialog(CInterrupts& interrupts, WrittenFile& note)
+      : CTerminalFileDialog(interrupts), note_(note) {}
+
+  void ShowSave() override {
+    note_.cancelled = true;
+    CTerminalFileDialog::ShowSave();
+    note_.cancelled = false;
+  }
+
+ private:
+  WrittenFile& note_;
+};
+
+}  // namespace
+
+std::unique_ptr<CVaneCommunications> CHostFactory::MakeCommunications() {
+  return std::make_unique<CSerialCommunications>(line_);
+}
+
+std::unique_ptr<CVaneProbe> CHostFactory::MakeProbe() {
+  return std::make_unique<CThermometerProbe>();
+}
+
+std::unique_ptr<CVaneProgress> CHostFactory::MakeProgress() {
+  return std::make_unique<CTerminalProgress>(interrupts_);
+}
+
+std::unique_ptr<CVanePasscodeDialog> CHostFactory::MakePasscodeDialog() {
+  return std::make_unique<CTerminalPasscodeDialog>(interrupts_, passcodefile_);
+}
+
+std::unique_ptr<CVaneOutputFile> CHostFactory::MakeOutputFile() {
+  latestfile_ = {};
+  return std::make_unique<CNotedFile>(
+      [this](const std::vector<std::string>& printers) {
+        return ChoosePrinter(interrupts_, printers);
+      },
+      latestfile_);
+}
+
+std::unique_ptr<CVaneFileDialog> CHostFactory::MakeFileDialog() {
+  return std::make_unique<CNotedDialog>(interrupts_, latestfile_);
+}
+
+std::unique_ptr<CVaneTextFile> CHostFactory::CreateTextFile(const std::string& path) {
+  return std::make_unique<CPrivateTextFile>(path);
+}
+
+std::unique_ptr<ui::CForm> CHostFactory::MakeForm(const std::string& name) {
+  return std::make_unique<CTerminalForm>(interrupts_, name);
+}
+
+}  // namespace vane

@@ -1,0 +1,26 @@
+// The options that every command takes.
+#pragma once
+
+#include <chrono>
+#include <optional>
+#include <string>
+
+#include "simulator/options.h"
+#include "vane/components/communications.h"
+
+namespace vane {
+
+struct HostOptions {
+  std::string port;  ///< device path; empty: the lone USB adapter of the machine
+  std::optional<simulator::Options> simulated;
+  EVaneBaudRate baud = EVaneBaudRate::BR_9600;
+  std::chrono::milliseconds timeout{1000};
+  std::string tracefile;     ///< empty: no trace
+  std::string passcodefile;  ///< path or number of a descriptor; empty: ask on the terminal
+  bool json = false;
+  bool progress = false;
+  bool quiet = false;    ///< answers and errors only
+  bool version = false;  ///< print the version, do nothing
+};
+
+}  // namespace vane

@@ -1,0 +1,178 @@
+#include "apps/thermoscribe/program.h"
+
+#include <fcntl.h>
+
+#include <algorithm>
+#include <chrono>
+#include <utility>
+
+#include "adapters/serial/baud_rates.h"
+#include "adapters/terminal/terminal_passcode.h"
+#include "apps/thermoscribe/commands.h"
+
+namespace vane {
+namespace {
+
+constexpr const char* kDescription =
+    "Reads a T312B thermometer readout and its M420 scanner over a serial port.";
+
+constexpr const char* kFooter =
+    R"(The options above may stand before or behind the command; "thermoscribe help COMMAND"
+tells the options of a command. Answers go to standard output, messages to standard
+error. --simulate needs no hardware; the options of the simulated readout are those of
+thermoscribe-sim, in one text.
+
+Examples:
+  thermoscribe ports
+  thermoscribe --port /dev/ttyUSB0 identify
+  thermoscribe measure --port /dev/ttyUSB0 --channel 3 --count 0 --every 10
+  thermoscribe --simulate='--no-scanner --seed 3' channels --json
+
+Exit codes:
+)";
+
+constexpr double kMinTimeout = 0.01;  // s
+constexpr double kMaxTimeout = 3600;
+
+std::string Footer() {
+  std::string footer = kFooter;
+  for (const ExitCodeRow& row : ExitCodes()) {
+    footer += "  " + std::to_string(static_cast<int>(row.code)) + "  " + row.meaning + "\n";
+  }
+  footer.pop_back();
+  return footer;
+}
+
+std::vector<std::string> BaudRateWords() {
+  std::vector<std::string> words;
+  for (const BaudRateRow& row : BaudRates()) words.push_back(std::to_string(row.bits));
+  return words;
+}
+
+Option Port(HostOptions& host) {
+  Option option = TextOption("--port", "DEVICE", host.port,
+                             "device of the serial port; without it, the USB\n"
+                             "adapter of the machine if there is only one");
+  option.take = [&host](const std::string& text) {
+    if (text.empty()) throw CUsageError("--port can't be empty.");
+    host.port = text;
+  };
+  option.excludes = {"--simulate"};
+  option.offer = EOffer::PORTS;
+  return option;
+}
+
+Option Simulate(HostOptions& host) {
+  Option option{"--simulate",
+                "OPTIONS",
+                "talk to a simulated readout inside the program,\n"
+                "with a scanner unless OPTIONS says otherwise",
+                {}};
+  option.take = [&host](const std::string& text) {
+    try {
+      host.simulated = simulator::ParseOptions(text);
+    } catch (const std::invalid_argument& error) {
+      throw CUsageError(error.what());
+    }
+  };
+  option.isvalueoptional = true;
+  return option;
+}
+
+Option Baud(HostOptions& host) {
+  Option option{"--baud",
+                "N",
+                "speed of the line in bit/s, as the readout has\n"
+                "it; from 300 to 115200 (9600)",
+                {}};
+  option.take = [&host](const std::string& text) {
+    const auto row = std::ranges::find_if(
+        BaudRates(), [&](const BaudRateRow& one) { return std::to_string(one.bits) == text; });
+    if (row == BaudRates().end()) {
+      throw CUsageError("--baud can't be \"" + text + "\". It is " + Listed(BaudRateWords(), "or") +
+                        ".");
+    }
+    host.baud = row->rate;
+  };
+  option.offer = EOffer::WORDS;
+  option.words = BaudRateWords();
+  return option;
+}
+
+Option Timeout(HostOptions& host) {
+  Option option{"--timeout",
+                "S",
+                "longest wait for one answer, in seconds (1); each\n"
+                "command is tried twice",
+                {}};
+  option.take = [&host](const std::string& text) {
+    host.timeout = std::chrono::round<std::chrono::milliseconds>(
+        std::chrono::duration<double>(NumberIn("--timeout", text, kMinTimeout, kMaxTimeout)));
+  };
+  return option;
+}
+
+Option PasscodeFile(HostOptions& host) {
+  Option option{"--passcode-file",
+                "FILE",
+                "take the passcode from the first line of FILE, or\n"
+                "of the open descriptor of that number, and don't ask",
+                {}};
+  option.take = [&host](const std::string& source) {
+    // Once the program has opened files of its own, the number may be one of theirs.
+    const auto number = DescriptorNumber(source);
+    if (number && fcntl(*number, F_GETFD) == -1) {
+      throw CUsageError("The descriptor " + source + " isn't open.");
+    }
+    if (source.empty()) throw CUsageError("--passcode-file can't be empty.");
+    host.passcodefile = source;
+  };
+  option.offer = EOffer::FILES;
+  return option;
+}
+
+Option Trace(HostOptions& host) {
+  Option option = TextOption("--trace", "FILE", host.tracefile,
+                             "append every line that goes over the port to FILE,\n"
+                             "with its time");
+  option.take = [&host](const std::string& text) {
+    if (text.empty()) throw CUsageError("--trace can't be empty.");
+    host.tracefile = text;
+  };
+  option.offer = EOffer::FILES;
+  return option;
+}
+
+// The parser itself answers it, out of the other commands.
+Command HelpCommand() {
+  Option path{"command", "COMMAND", "the command that is asked for", {}};
+  path.takesmany = true;
+  path.offer = EOffer::COMMANDS;
+  return {.name = "help", .brief = "Tell the options of a command", .options = {std::move(path)}};
+}
+
+}  // namespace
+
+std::string VersionText() { return "thermoscribe " THERMOSCRIBE_VERSION "\n"; }
+
+Command Program(HostOptions& host) {
+  Command program{.name = "thermoscribe", .brief = kDescription, .footer = Footer()};
+  program.options = {
+      Flag("-V,--version", host.version, "print the version and exit"),
+      Port(host),
+      Simulate(host),
+      Baud(host),
+      Timeout(host),
+      Trace(host),
+      PasscodeFile(host),
+      Flag("--progress", host.progress, "show how far a long read is, on a terminal"),
+      Flag("-q,--quiet", host.quiet, "tell answers and errors only, no notes and hints"),
+      Flag("--json", host.json, "print JSON, one object per line, in place of text"),
+  };
+  program.members = {PortsCommand(),      IdentifyCommand(), ChannelsCommand(), MeasureCommand(),
+                     ChannelCommand(),    ProbeCommand(),    SettingsCommand(), ScanCommand(),
+                     ProtectionCommand(), ClockCommand(),    DownloadCommand(), HelpCommand()};
+  return program;
+}
+
+}  // namespace vane
