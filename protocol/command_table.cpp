@@ -6,126 +6,163 @@
 namespace vane::protocol {
 namespace {
 
+// What a reply's number goes into.
+constexpr double kMaxInteger = 32767;
+constexpr double kMaxLong = 2147483647;
+
+constexpr ReplyForm Number(double lowest, double highest) {
+  return {.kind = EReply::NUMBER, .lowest = lowest, .highest = highest};
+}
+constexpr ReplyForm Whole(double lowest, double highest) {
+  return {.kind = EReply::WHOLE, .lowest = lowest, .highest = highest};
+}
+constexpr ReplyForm Subrange(double lowest, double highest) {
+  return {.kind = EReply::SUBRANGE, .lowest = lowest, .highest = highest};
+}
+constexpr ReplyForm Words(std::string_view words) { return {.kind = EReply::WORD, .words = words}; }
+constexpr ReplyForm WordsInEitherCase(std::string_view words) {
+  return {.kind = EReply::WORD, .words = words, .eithercase = true};
+}
+
+constexpr ReplyForm kNumber{.kind = EReply::NUMBER};
+// A setting is rounded to a whole number, and may lie outside the limits of the dialogs.
+constexpr ReplyForm kInteger = Number(-kMaxInteger - 1, kMaxInteger);
+constexpr ReplyForm kLong = Number(-kMaxLong - 1, kMaxLong);
+constexpr ReplyForm kName{.kind = EReply::NAME};
+constexpr ReplyForm kText{.kind = EReply::TEXT};
+constexpr ReplyForm kAny{.kind = EReply::ANY};
+// In capital letters only: what isn't "ON" opens a group, and "on" isn't.
+constexpr ReplyForm kProtection = Words("ON|OFF");
+// A step that was never set answers nothing. The channel's number is the step's plus 2.
+constexpr ReplyForm kScanStep{
+    .kind = EReply::WHOLE, .lowest = 0, .highest = kMaxInteger - 2, .maybenothing = true};
+// Between the brackets of the resistance stands the display's sign for ohms.
+constexpr ReplyForm kConversion =
+    WordsInEitherCase("ITS-90|IPTS-68|CVD|POLYNOMIAL|THRM-T(R)|THRM-R(T)|R(*)|W(T90)|RATIO");
+constexpr ReplyForm kReference = WordsInEitherCase("EXT|EXTERNAL|1 OHM|10 OHM|100 OHM|10 KOHM");
+
+// A command without a form changes something. Both inputs are always there, so no readout has fewer
+// than two channels. A log's reading is any text: who downloads a log knows a bad one himself.
 constexpr CommandRow kCommands[] = {
     {0, "WRITE_INITIALIZE", "INIT"},
-    {5, "READ_PROTECT_CONVERSION", "PROTECT:CONVERSION?"},
-    {6, "READ_PROTECT_CALIBRATION", "PROTECT:CALIBRATION?"},
-    {7, "READ_PROTECT_SAMPLING", "PROTECT:SAMPLING?"},
-    {8, "READ_PROTECT_UNITS_TIME", "PROTECT:UNITS?"},
+    {5, "READ_PROTECT_CONVERSION", "PROTECT:CONVERSION?", kProtection},
+    {6, "READ_PROTECT_CALIBRATION", "PROTECT:CALIBRATION?", kProtection},
+    {7, "READ_PROTECT_SAMPLING", "PROTECT:SAMPLING?", kProtection},
+    {8, "READ_PROTECT_UNITS_TIME", "PROTECT:UNITS?", kProtection},
     {10, "WRITE_START_MEASURE", "MEASURE:START"},
     {11, "WRITE_STOP_MEASURE", "MEASURE:STOP"},
-    {12, "READ_MEASUREMENT", "MEASURE {Channel}?"},
-    {15, "READ_NEW_DATA", "MEASURE:NEW?"},
-    {18, "READ_IDENTIFICATION", "ID?"},
-    {24, "READ_FILTER_TYPE", "FILTER:TYPE?"},
+    {12, "READ_MEASUREMENT", "MEASURE {Channel}?", kNumber},
+    {15, "READ_NEW_DATA", "MEASURE:NEW?", Words("0|1")},
+    {18, "READ_IDENTIFICATION", "ID?", kText},
+    {24, "READ_FILTER_TYPE", "FILTER:TYPE?", Words("NONE|AVERAGE|EXP|EXPONENTIAL")},
     {25, "WRITE_FILTER_TYPE", "FILTER:TYPE {FilterCode}"},
-    {26, "READ_FILTER_RESPONSE_TIME", "FILTER:RESPONSE?"},
+    {26, "READ_FILTER_RESPONSE_TIME", "FILTER:RESPONSE?", kNumber},
     {27, "WRITE_FILTER_RESPONSE_TIME", "FILTER:RESPONSE {value}"},
-    {28, "READ_FILTER_THRESHOLD", "FILTER:THRESHOLD?"},
+    {28, "READ_FILTER_THRESHOLD", "FILTER:THRESHOLD?", kNumber},
     {29, "WRITE_FILTER_THRESHOLD", "FILTER:THRESHOLD {value}"},
-    {32, "READ_INTERVAL", "SAMPLE:INTERVAL?"},
+    {32, "READ_INTERVAL", "SAMPLE:INTERVAL?", kLong},
     {33, "WRITE_INTERVAL", "SAMPLE:INTERVAL {value}"},
-    {34, "READ_CONVERSION_TIME", "SAMPLE:CONVERSION?"},
+    {34, "READ_CONVERSION_TIME", "SAMPLE:CONVERSION?", kInteger},
     {35, "WRITE_CONVERSION_TIME", "SAMPLE:CONVERSION {value}"},
-    {36, "READ_INTEGRATION_TIME", "SAMPLE:INTEGRATION?"},
+    {36, "READ_INTEGRATION_TIME", "SAMPLE:INTEGRATION?", kInteger},
     {37, "WRITE_INTEGRATION_TIME", "SAMPLE:INTEGRATION {value}"},
-    {41, "READ_SCANNER_MODULES", "SCANNER:MODULES?"},
-    {43, "READ_CHANNEL_COUNT", "CHANNEL:COUNT?"},
-    {54, "READ_REPETITIONS", "SAMPLE:REPETITIONS?"},
+    {41, "READ_SCANNER_MODULES", "SCANNER:MODULES?", Whole(0, kMaxInteger - 1)},
+    {43, "READ_CHANNEL_COUNT", "CHANNEL:COUNT?", Whole(2, kMaxInteger)},
+    {54, "READ_REPETITIONS", "SAMPLE:REPETITIONS?", kInteger},
     {55, "WRITE_REPETITIONS", "SAMPLE:REPETITIONS {value}"},
-    {56, "READ_CHANNEL_MODE", "CHANNEL:MODE?"},
+    {56, "READ_CHANNEL_MODE", "CHANNEL:MODE?", kNumber},
     {57, "WRITE_CHANNEL_MODE", "CHANNEL:MODE {value}"},
-    {58, "READ_SAMPLE_N", "SAMPLE:COUNT?"},
+    {58, "READ_SAMPLE_N", "SAMPLE:COUNT?", kInteger},
     {59, "WRITE_SAMPLE_N", "SAMPLE:COUNT {value}"},
-    {60, "READ_SAMPLE_ACTION", "SAMPLE:ACTION?"},
+    {60, "READ_SAMPLE_ACTION", "SAMPLE:ACTION?", Words("R|RUN|ST|STOP|SAMPLE N")},
     {61, "WRITE_SAMPLE_ACTION", "SAMPLE:ACTION {value}"},
-    {66, "READ_RESOLUTION", "RESOLUTION:TEMPERATURE?"},
+    {66, "READ_RESOLUTION", "RESOLUTION:TEMPERATURE?", kInteger},
     {67, "WRITE_RESOLUTION", "RESOLUTION:TEMPERATURE {value}"},
-    {68, "READ_RESISTANCE_RESOLUTION", "RESOLUTION:RESISTANCE?"},
+    {68, "READ_RESISTANCE_RESOLUTION", "RESOLUTION:RESISTANCE?", kInteger},
     {69, "WRITE_RESISTANCE_RESOLUTION", "RESOLUTION:RESISTANCE {value}"},
-    {70, "READ_RATIO_RESOLUTION", "RESOLUTION:RATIO?"},
+    {70, "READ_RATIO_RESOLUTION", "RESOLUTION:RATIO?", kInteger},
     {71, "WRITE_RATIO_RESOLUTION", "RESOLUTION:RATIO {value}"},
-    {76, "READ_CAL_PARAM", "CAL:PARAM {Index}?"},
+    {76, "READ_CAL_PARAM", "CAL:PARAM {Index}?", kNumber},
     {77, "WRITE_CAL_PARAM", "CAL:PARAM {Index} {value}"},
-    {84, "READ_ADC", "CAL:ADC?"},
+    {84, "READ_ADC", "CAL:ADC?", kNumber},
     {85, "WRITE_ADC", "CAL:ADC {value}"},
-    {86, "READ_OVEN", "CAL:OVEN?"},
+    {86, "READ_OVEN", "CAL:OVEN?", WordsInEitherCase("ON|OFF")},
     {87, "WRITE_OVEN", "CAL:OVEN {value}"},
-    {103, "READ_SCANNER_MEASUREMENT", "SCANNER:MEASURE {Channel}?"},
-    {104, "READ_SCANNER_SCAN_MODE", "SCANNER:MODE?"},
+    {103, "READ_SCANNER_MEASUREMENT", "SCANNER:MEASURE {Channel}?", kNumber},
+    {104, "READ_SCANNER_SCAN_MODE", "SCANNER:MODE?", kNumber},
     {105, "WRITE_SCANNER_SCAN_MODE", "SCANNER:MODE {value}"},
-    {106, "READ_SCAN_SEQ_CHANNELS", "SCANNER:SEQUENCE:CHANNELS?"},
+    {106, "READ_SCAN_SEQ_CHANNELS", "SCANNER:SEQUENCE:CHANNELS?", Whole(0, kMaxInteger)},
     {107, "WRITE_SCAN_SEQ_CHANNELS", "SCANNER:SEQUENCE:CHANNELS {value}"},
-    {108, "READ_SCAN_SEQ_STEPS", "SCANNER:SEQUENCE:STEPS?"},
+    {108, "READ_SCAN_SEQ_STEPS", "SCANNER:SEQUENCE:STEPS?", Whole(1, kMaxInteger)},
     {109, "WRITE_SCAN_SEQ_STEPS", "SCANNER:SEQUENCE:STEPS {value}"},
-    {110, "READ_SCAN_STEP", "SCANNER:STEP {Index}?"},
+    {110, "READ_SCAN_STEP", "SCANNER:STEP {Index}?", kScanStep},
     {111, "WRITE_SCAN_STEP", "SCANNER:STEP {Index} {Channel}"},
-    {112, "READ_SCANNER_PROBE_INDEX", "SCANNER:PROBE {Channel}?"},
+    {112, "READ_SCANNER_PROBE_INDEX", "SCANNER:PROBE {Channel}?", Whole(0, kMaxInteger)},
     {113, "WRITE_SCANNER_PROBE_INDEX", "SCANNER:PROBE {Channel} {Probe}"},
-    {116, "READ_SCAN_CHANNEL", "SCANNER:CHANNEL?"},
+    {116, "READ_SCAN_CHANNEL", "SCANNER:CHANNEL?", Whole(0, kMaxInteger)},
     {117, "WRITE_SCAN_CHANNEL", "SCANNER:CHANNEL {Channel}"},
-    {122, "READ_PROBE_SERIAL", "PROBE {Probe}:SERIAL?"},
+    {122, "READ_PROBE_SERIAL", "PROBE {Probe}:SERIAL?", kName},
     {123, "WRITE_PROBE_SERIAL", "PROBE {Probe}:SERIAL {value}"},
-    {130, "READ_CONVERSION_TYPE", "PROBE {Probe}:CONVERSION?"},
+    {130, "READ_CONVERSION_TYPE", "PROBE {Probe}:CONVERSION?", kConversion},
     {131, "WRITE_CONVERSION_TYPE", "PROBE {Probe}:CONVERSION {value}"},
-    {136, "READ_PROBE_INDEX", "CHANNEL {Channel}:PROBE?"},
+    {136, "READ_PROBE_INDEX", "CHANNEL {Channel}:PROBE?", Whole(0, kMaxInteger)},
     {137, "WRITE_PROBE_INDEX", "CHANNEL {Channel}:PROBE {Probe}"},
-    {138, "READ_REF_RESISTOR", "PROBE {Probe}:REFERENCE?"},
+    {138, "READ_REF_RESISTOR", "PROBE {Probe}:REFERENCE?", kReference},
     {139, "WRITE_REF_RESISTOR", "PROBE {Probe}:REFERENCE {value}"},
-    {140, "READ_PROBE_CURRENT", "PROBE {Probe}:CURRENT?"},
+    {140, "READ_PROBE_CURRENT", "PROBE {Probe}:CURRENT?", kNumber},
     {141, "WRITE_PROBE_CURRENT", "PROBE {Probe}:CURRENT {value}"},
-    {142, "READ_PROBE_3WIRE_OFFSET", "PROBE {Probe}:OFFSET?"},
+    {142, "READ_PROBE_3WIRE_OFFSET", "PROBE {Probe}:OFFSET?", kNumber},
     {143, "WRITE_PROBE_3WIRE_OFFSET", "PROBE {Probe}:OFFSET {value}"},
-    {168, "READ_UNITS", "UNITS?"},
+    {168, "READ_UNITS", "UNITS?", Words("C|F|K|OHM|R|RATIO|W")},
     {169, "WRITE_UNITS", "UNITS {value}"},
-    {205, "READ_ITS90_LOW_RANGE", "PROBE {Probe}:ITS90:LOW:RANGE?"},
+    {205, "READ_ITS90_LOW_RANGE", "PROBE {Probe}:ITS90:LOW:RANGE?", Subrange(1, 5)},
     {206, "WRITE_ITS90_LOW_RANGE", "PROBE {Probe}:ITS90:LOW:RANGE {value}"},
-    {207, "READ_ITS90_HIGH_RANGE", "PROBE {Probe}:ITS90:HIGH:RANGE?"},
+    {207, "READ_ITS90_HIGH_RANGE", "PROBE {Probe}:ITS90:HIGH:RANGE?", Subrange(6, 11)},
     {208, "WRITE_ITS90_HIGH_RANGE", "PROBE {Probe}:ITS90:HIGH:RANGE {value}"},
-    {209, "READ_ITS90_RTPW", "PROBE {Probe}:ITS90:RTPW?"},
+    {209, "READ_ITS90_RTPW", "PROBE {Probe}:ITS90:RTPW?", kNumber},
     {210, "WRITE_ITS90_RTPW", "PROBE {Probe}:ITS90:RTPW {value}"},
-    {211, "READ_ITS90_LOW_A", "PROBE {Probe}:ITS90:LOW {Range}:A?"},
+    {211, "READ_ITS90_LOW_A", "PROBE {Probe}:ITS90:LOW {Range}:A?", kNumber},
     {212, "WRITE_ITS90_LOW_A", "PROBE {Probe}:ITS90:LOW {Range}:A {value}"},
-    {213, "READ_ITS90_LOW_B", "PROBE {Probe}:ITS90:LOW {Range}:B?"},
+    {213, "READ_ITS90_LOW_B", "PROBE {Probe}:ITS90:LOW {Range}:B?", kNumber},
     {214, "WRITE_ITS90_LOW_B", "PROBE {Probe}:ITS90:LOW {Range}:B {value}"},
-    {215, "READ_ITS90_LOW_C", "PROBE {Probe}:ITS90:LOW {Range}:C {Index}?"},
+    {215, "READ_ITS90_LOW_C", "PROBE {Probe}:ITS90:LOW {Range}:C {Index}?", kNumber},
     {216, "WRITE_ITS90_LOW_C", "PROBE {Probe}:ITS90:LOW {Range}:C {Index} {value}"},
-    {217, "READ_ITS90_HIGH_A", "PROBE {Probe}:ITS90:HIGH {Range}:A?"},
+    {217, "READ_ITS90_HIGH_A", "PROBE {Probe}:ITS90:HIGH {Range}:A?", kNumber},
     {218, "WRITE_ITS90_HIGH_A", "PROBE {Probe}:ITS90:HIGH {Range}:A {value}"},
-    {219, "READ_ITS90_HIGH_B", "PROBE {Probe}:ITS90:HIGH {Range}:B?"},
+    {219, "READ_ITS90_HIGH_B", "PROBE {Probe}:ITS90:HIGH {Range}:B?", kNumber},
     {220, "WRITE_ITS90_HIGH_B", "PROBE {Probe}:ITS90:HIGH {Range}:B {value}"},
-    {221, "READ_ITS90_HIGH_C", "PROBE {Probe}:ITS90:HIGH {Range}:C?"},
+    {221, "READ_ITS90_HIGH_C", "PROBE {Probe}:ITS90:HIGH {Range}:C?", kNumber},
     {222, "WRITE_ITS90_HIGH_C", "PROBE {Probe}:ITS90:HIGH {Range}:C {value}"},
-    {223, "READ_ITS90_HIGH_D", "PROBE {Probe}:ITS90:HIGH:D?"},
+    {223, "READ_ITS90_HIGH_D", "PROBE {Probe}:ITS90:HIGH:D?", kNumber},
     {224, "WRITE_ITS90_HIGH_D", "PROBE {Probe}:ITS90:HIGH:D {value}"},
-    {225, "READ_IPTS68_SCALE", "PROBE {Probe}:IPTS68:SCALE?"},
+    {225, "READ_IPTS68_SCALE", "PROBE {Probe}:IPTS68:SCALE?", WordsInEitherCase("90|68|NONE")},
     {226, "WRITE_IPTS68_SCALE", "PROBE {Probe}:IPTS68:SCALE {value}"},
-    {229, "READ_IPTS68_R0", "PROBE {Probe}:IPTS68:R0?"},
+    {229, "READ_IPTS68_R0", "PROBE {Probe}:IPTS68:R0?", kNumber},
     {230, "WRITE_IPTS68_R0", "PROBE {Probe}:IPTS68:R0 {value}"},
-    {231, "READ_IPTS68_ALPHA", "PROBE {Probe}:IPTS68:ALPHA?"},
+    {231, "READ_IPTS68_ALPHA", "PROBE {Probe}:IPTS68:ALPHA?", kNumber},
     {232, "WRITE_IPTS68_ALPHA", "PROBE {Probe}:IPTS68:ALPHA {value}"},
-    {233, "READ_IPTS68_DELTA", "PROBE {Probe}:IPTS68:DELTA?"},
+    {233, "READ_IPTS68_DELTA", "PROBE {Probe}:IPTS68:DELTA?", kNumber},
     {234, "WRITE_IPTS68_DELTA", "PROBE {Probe}:IPTS68:DELTA {value}"},
-    {239, "READ_IPTS68_A", "PROBE {Probe}:IPTS68:RANGE {Range}:A?"},
+    {239, "READ_IPTS68_A", "PROBE {Probe}:IPTS68:RANGE {Range}:A?", kNumber},
     {240, "WRITE_IPTS68_A", "PROBE {Probe}:IPTS68:RANGE {Range}:A {value}"},
-    {241, "READ_IPTS68_C", "PROBE {Probe}:IPTS68:RANGE {Range}:C?"},
+    {241, "READ_IPTS68_C", "PROBE {Probe}:IPTS68:RANGE {Range}:C?", kNumber},
     {242, "WRITE_IPTS68_C", "PROBE {Probe}:IPTS68:RANGE {Range}:C {value}"},
-    {243, "READ_CVD_R0", "PROBE {Probe}:CVD:R0?"},
+    {243, "READ_CVD_R0", "PROBE {Probe}:CVD:R0?", kNumber},
     {244, "WRITE_CVD_R0", "PROBE {Probe}:CVD:R0 {value}"},
-    {245, "READ_CVD_ALPHA", "PROBE {Probe}:CVD:ALPHA?"},
+    {245, "READ_CVD_ALPHA", "PROBE {Probe}:CVD:ALPHA?", kNumber},
     {246, "WRITE_CVD_ALPHA", "PROBE {Probe}:CVD:ALPHA {value}"},
-    {247, "READ_CVD_DELTA", "PROBE {Probe}:CVD:DELTA?"},
+    {247, "READ_CVD_DELTA", "PROBE {Probe}:CVD:DELTA?", kNumber},
     {248, "WRITE_CVD_DELTA", "PROBE {Probe}:CVD:DELTA {value}"},
-    {249, "READ_CVD_BETA", "PROBE {Probe}:CVD:BETA?"},
+    {249, "READ_CVD_BETA", "PROBE {Probe}:CVD:BETA?", kNumber},
     {250, "WRITE_CVD_BETA", "PROBE {Probe}:CVD:BETA {value}"},
-    {257, "READ_THERMISTOR_RT", "PROBE {Probe}:RT:C {Index}?"},
+    {257, "READ_THERMISTOR_RT", "PROBE {Probe}:RT:C {Index}?", kNumber},
     {258, "WRITE_THERMISTOR_RT", "PROBE {Probe}:RT:C {Index} {value}"},
-    {259, "READ_THERMISTOR_TR", "PROBE {Probe}:TR:C {Index}?"},
+    {259, "READ_THERMISTOR_TR", "PROBE {Probe}:TR:C {Index}?", kNumber},
     {260, "WRITE_THERMISTOR_TR", "PROBE {Probe}:TR:C {Index} {value}"},
-    {261, "READ_POLYNOMIAL", "PROBE {Probe}:POLY:C {Index}?"},
+    {261, "READ_POLYNOMIAL", "PROBE {Probe}:POLY:C {Index}?", kNumber},
     {262, "WRITE_POLYNOMIAL", "PROBE {Probe}:POLY:C {Index} {value}"},
-    {275, "READ_HISTORY_LOG", "LOG:HISTORY {Index}?"},
-    {276, "READ_MEMORY_LOG", "LOG:MEMORY {Index}?"},
+    {275, "READ_HISTORY_LOG", "LOG:HISTORY {Index}?", kAny},
+    {276, "READ_MEMORY_LOG", "LOG:MEMORY {Index}?", kAny},
     {288, "WRITE_DATE", "CLOCK:DATE {value}"},
     {290, "WRITE_TIME", "CLOCK:TIME {value}"},
 };
@@ -154,8 +191,30 @@ constexpr const FieldName* FindField(std::string_view name) {
   return nullptr;
 }
 
+// Every word of the list stands between two others or an end, and is at least one character.
+constexpr bool AreSoundWords(std::string_view words) {
+  return !words.empty() && words.front() != '|' && words.back() != '|' &&
+         words.find("||") == words.npos;
+}
+
+// A write answers nothing, a read something that can be told from nothing; what a form doesn't use
+// is left out of it.
+constexpr bool IsSoundForm(const ReplyForm& form, bool isread) {
+  if (isread == (form.kind == EReply::NOTHING)) return false;
+  const bool hasnumber =
+      form.kind == EReply::NUMBER || form.kind == EReply::WHOLE || form.kind == EReply::SUBRANGE;
+  const bool hasbounds = form.lowest != kNumber.lowest || form.highest != kNumber.highest;
+  if (hasbounds ? !hasnumber || form.lowest > form.highest
+                : form.kind == EReply::WHOLE || form.kind == EReply::SUBRANGE) {
+    return false;
+  }
+  if (form.kind == EReply::WORD) return AreSoundWords(form.words) && !form.maybenothing;
+  return form.words.empty() && !form.eithercase &&
+         (!form.maybenothing || form.kind == EReply::WHOLE);
+}
+
 // Ids rise, symbols and texts are unique, every place names a field, and a field that takes the
-// rest of the line is the last thing in it.
+// rest of the line is the last thing in it. Every form goes with its command.
 constexpr bool IsSound(std::span<const CommandRow> rows) {
   for (std::size_t i = 0; i < rows.size(); ++i) {
     const std::string_view text = rows[i].text;
@@ -164,6 +223,7 @@ constexpr bool IsSound(std::span<const CommandRow> rows) {
       if (rows[j].symbol == rows[i].symbol || rows[j].text == text) return false;
     }
     if (rows[i].symbol.starts_with("READ_") != rows[i].IsRead()) return false;
+    if (!IsSoundForm(rows[i].form, rows[i].IsRead())) return false;
     for (std::size_t at = text.find('{'); at != text.npos; at = text.find('{', at + 1)) {
       const FieldName* field = FindField(NameAt(text, at));
       if (field == nullptr) return false;

@@ -1,4 +1,5 @@
-// The commands of the readout: one row per command id, with its wire text.
+// The commands of the readout: one row per command id, with its wire text and
+// the form of its answer.
 //
 // Both ends of the line use this table: the communications adapter to build a command, the
 // simulated readout to understand one. `docs/protocol.md` shows it to people, and a test holds the
@@ -10,6 +11,8 @@
 #include <span>
 #include <string>
 #include <string_view>
+
+#include "protocol/reply_form.h"
 
 namespace vane::protocol {
 
@@ -32,6 +35,7 @@ struct CommandRow {
   std::int32_t id;
   std::string_view symbol;
   std::string_view text;
+  ReplyForm form = {};
 
   constexpr bool IsRead() const { return text.back() == '?'; }
 };
@@ -44,6 +48,7 @@ const CommandRow* FindCommand(std::int32_t id);
 
 /// The command that gives the passcode. It has no id: it goes out as raw text.
 inline constexpr std::string_view kPasscodeCommand = "PC?";
+inline constexpr ReplyForm kPasscodeForm{.kind = EReply::NAME};
 
 /// The wire text of `row` with its places filled, or nothing with the reason in `problem`: a field
 /// that must be there is empty, or one holds a character that can't travel in its place.

@@ -66,6 +66,74 @@ TEST(CommandTable, UnderstandsEitherCaseAndNothingElse) {
   }
 }
 
+// Answers, and of these commands the ids that take them: one command of each form.
+TEST(ReplyForm, IsAsWideAsTheRuleThatReadsTheAnswer) {
+  constexpr std::int32_t kIds[] = {5,   12,  15,  24,  34,  41,  43,  60,  86,  108,
+                                   110, 122, 130, 138, 168, 205, 207, 225, 262, 276};
+  const std::pair<std::string, std::string> cases[] = {
+      {"", "110 262 276"},
+      {" ", "276"},
+      {"T312B, 5.03", "276"},
+      {"THERMOSCRIBE T312B REV C,", "276"},
+      {"ERROR", "122 276"},
+      {"0", "12 15 34 41 110 122 276"},
+      {" 1 ", "12 15 34 41 108 110 122 276"},
+      {"2", "12 34 41 43 108 110 122 276"},
+      {"-3", "12 34 122 276"},
+      {"2.5", "12 34 122 276"},
+      {"2.0", "12 34 41 43 108 110 122 276"},
+      {"32766", "12 34 41 43 108 122 276"},
+      {"1E5", "12 122 276"},
+      {"90", "12 34 41 43 108 110 122 225 276"},
+      {" - .25e-03 uV/K", "12 34 122 276"},
+      {"+5. \xF4", "12 34 41 43 108 110 122 276"},
+      {"1.7E308", "12 122 276"},
+      {"1e400", "122 276"},
+      {"1e-400", "122 276"},
+      {"12.3.4", "122 276"},
+      {"1,5", "276"},
+      {"12 34", "122 276"},
+      {"2C", "122 276"},
+      {"1D-5", "122 276"},
+      {"--2", "122 276"},
+      {"+ inf", "122 276"},
+      {"0x10", "122 276"},
+      {"ON", "5 86 122 276"},
+      {"off", "86 122 276"},
+      {"EXP", "24 122 276"},
+      {"exponential", "122 276"},
+      {"NONE", "24 122 205 207 225 276"},
+      {"SAMPLE N", "60 122 276"},
+      {"R", "60 122 168 276"},
+      {"RATIO", "122 130 168 276"},
+      {"OHM", "122 168 276"},
+      {"KOHM", "122 276"},
+      {"10 KOHM", "12 34 41 43 108 110 122 138 276"},
+      {"100 ohm", "12 34 41 43 108 110 122 138 276"},
+      {"10K OHM", "122 276"},
+      {"R(\xF4)", "122 130 276"},
+      {"r(ohm", "122 276"},
+      {"THRM-R(T)", "122 130 276"},
+      {"4 (", "122 205 276"},
+      {"5 (234.3156 K, or so)", "205 276"},
+      {"11 (", "122 205 207 276"},
+      {"10 (", "122 207 276"},
+      {"12 (", "122 276"},
+      {"21 (", "122 276"},
+      {"6 (", "122 207 276"},
+      {"4(", "122 276"},
+      {"a\tb", "276"},
+  };
+  for (const auto& [reply, expected] : cases) {
+    std::string fitting;
+    for (const std::int32_t id : kIds) {
+      if (!FitsForm(FindCommand(id)->form, reply)) continue;
+      fitting += (fitting.empty() ? "" : " ") + std::to_string(id);
+    }
+    EXPECT_EQ(fitting, expected) << '"' << reply << '"';
+  }
+}
+
 TEST(Framing, ChecksEveryCharacterOfALine) {
   EXPECT_EQ(CheckValue("123456789"), 0x29B1);  // the published check value of this CRC
   const std::string line = FrameLine(0x1A2F, "=10 *#");
@@ -100,10 +168,10 @@ TEST(Framing, AnswersAreValuesOrRefusals) {
 }
 
 TEST(ProtocolPage, ShowsTheTableAsItIs) {
-  std::string table = "| Id | Symbol | Text |\n|---|---|---|\n";
+  std::string table = "| Id | Symbol | Text | Answer |\n|---|---|---|---|\n";
   for (const CommandRow& row : CommandTable()) {
     table += "| " + std::to_string(row.id) + " | `" + std::string(row.symbol) + "` | `" +
-             std::string(row.text) + "` |\n";
+             std::string(row.text) + "` | " + FormText(row.form) + " |\n";
   }
   std::ifstream file(VANE_SOURCE_DIR "/docs/protocol.md");
   std::stringstream page;
