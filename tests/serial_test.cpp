@@ -27,10 +27,11 @@ using std::chrono::milliseconds;
 
 constexpr milliseconds kPlenty{5000};
 constexpr milliseconds kShort{100};
+constexpr std::int32_t kReadLog = 275;  // whose answer may be any text
 
 // What the readout sends for one line that it got. A text in braces becomes an answer with that
 // body: "{=10}". "{^=10}" carries the tag of the command before, "{~=10}" is damaged. All else goes
-// out as it stands; a "%" in front sends byte by byte.
+// out as it stands; a "%" in front sends byte by byte, the word of a hang-up at the end hangs up.
 using Step = std::string;
 const Step kHangUp = "hang-up";
 
@@ -100,13 +101,15 @@ class CScriptedReadout {
       commands_.emplace_back(frame->body);
       if (commands_.size() <= steps_.size()) step = steps_[commands_.size() - 1];
     }
-    if (step == kHangUp) return HangUp();
     const bool isslow = step.starts_with('%');
+    const bool isend = step.ends_with(kHangUp);
+    if (isend) step.erase(step.size() - kHangUp.size());
     const std::string bytes = BytesOf(step.substr(isslow ? 1 : 0), *tag_);
     for (std::size_t at = 0, size = isslow ? 1 : bytes.size(); at < bytes.size(); at += size) {
       EXPECT_EQ(write(master_, bytes.data() + at, size), static_cast<ssize_t>(size));
       if (isslow) std::this_thread::sleep_for(milliseconds(1));
     }
+    if (isend) HangUp();
   }
 
   void HangUp() {
@@ -201,12 +204,15 @@ TEST(SerialCommunications, TakesTheAnswerThatBelongsToTheCommand) {
       {"foreign letter allowed", {"{=25 \xD9}"}, "25 Ù", 0, 2, kPlenty, false},
       {"refused", {"{!12 out of range}"}, "", 12, 2},
       {"refused without a number", {"{!0 no}"}, "", ERR_LINE_UNEXPECTED},
-      {"echo", {"{SAMPLE:INTERVAL?}"}, "", ERR_LINE_UNEXPECTED, 2},
+      {"neither value nor refusal", {"{LOG:HISTORY 1?}"}, "", ERR_LINE_UNEXPECTED},
       {"silence", {"", ""}, "", ERR_LINE_NO_ANSWER, 2, kShort},
       {"no try counts as one", {""}, "", ERR_LINE_NO_ANSWER, 0, kShort},
       {"silence may be", {"", ""}, "", 0, 2, kShort, true, false},
       {"damage may not be", {"{~=1}"}, "", ERR_LINE_GARBLED, 1, kPlenty, true, false},
       {"hang-up", {kHangUp}, "", ERR_LINE_LOST, 3},
+      {"hang-up within the answer", {"#" + kHangUp}, "", ERR_LINE_LOST, 3},
+      {"hang-up behind a damaged answer", {"{~=1}" + kHangUp}, "", ERR_LINE_LOST, 3},
+      {"hang-up after a damaged answer", {"{~=1}", kHangUp}, "", ERR_LINE_LOST, 3},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.name);
@@ -214,15 +220,74 @@ TEST(SerialCommunications, TakesTheAnswerThatBelongsToTheCommand) {
     Line line(readout.Path(), c.timeout);
     line.communications.COMPort().SetReadTries(c.tries);
     line.communications.COMPort().SetCheckNonAscii(c.checknonascii);
+    line.communications.params().Index = "1";
     std::string reply;
-    EXPECT_EQ(line.ErrorOf([&] { reply = line.communications.ReadSetting(32, c.flag); }), c.error);
+    EXPECT_EQ(line.ErrorOf([&] { reply = line.communications.ReadSetting(kReadLog, c.flag); }),
+              c.error);
     EXPECT_EQ(reply, c.reply);
-    EXPECT_EQ(readout.Commands(), std::vector<std::string>(c.steps.size(), "SAMPLE:INTERVAL?"));
+    EXPECT_EQ(readout.Commands(), std::vector<std::string>(c.steps.size(), "LOG:HISTORY 1?"));
+    EXPECT_EQ(line.settings->lastfailure.refused, c.error > 0);
+    EXPECT_EQ(line.settings->failures, line.settings->lastfailure.number == 0 ? 0 : 1);
   }
 }
 
+TEST(SerialCommunications, AnswerOfAnotherFormIsNoAnswer) {
+  const std::string id = "T312B, 5.03";
+  const std::string longanswer(100, 'x');
+  const struct {
+    std::int32_t id;  // -1: the passcode
+    std::vector<std::string> answers;
+    std::string reply;  // or what is wrong
+  } cases[] = {
+      {32, {id, "10"}, "10"},
+      {32,
+       {id, id},
+       R"("T312B, 5.03" to SAMPLE:INTERVAL?, where a number from -2147483648 to 2147483647)"},
+      {43, {"", "-5"}, R"("-5" to CHANNEL:COUNT?, where a whole number from 2 to 32767)"},
+      {168, {"\\\t" + longanswer, "X"}, R"("X" to UNITS?, where one of C, F, K, OHM, R, RATIO, W)"},
+      {168,
+       {"X", "\t" + longanswer},
+       R"("\x09)" + longanswer.substr(0, 59) + R"(..." to UNITS?, where one of C)"},
+      {110, {id, ""}, ""},
+      {10, {id, ""}, ""},
+      {10, {id, "0"}, R"("0" to MEASURE:START, where nothing)"},
+      {-1, {id, "12 34"}, "12 34"},
+      {-1, {id, id}, "(not shown) to a command that is (not shown), where a text without a comma"},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.reply);
+    CScriptedReadout readout({"{=" + c.answers[0] + "}", "{=" + c.answers[1] + "}"});
+    Line line(readout.Path());
+    line.communications.COMPort().SetReadTries(2);
+    line.communications.params().Index = "1";
+    std::string reply;
+    const std::int32_t error = line.ErrorOf([&] {
+      if (c.id == 10) return line.communications.WriteSetting(c.id);
+      reply = line.communications.ReadSetting(c.id, false, c.id == -1 ? "PC?" : "");
+    });
+    const std::string said = "The readout on " + readout.Path() + " answers ";
+    EXPECT_EQ(error, c.reply.find("where") == c.reply.npos ? 0 : ERR_LINE_UNEXPECTED);
+    EXPECT_EQ(error == 0
+                  ? reply
+                  : line.settings->lastfailure.description.substr(0, said.size() + c.reply.size()),
+              error == 0 ? c.reply : said + c.reply);
+    EXPECT_EQ(readout.Commands().size(), 2u);
+  }
+}
+
+TEST(SerialCommunications, RefusalWithTheNumberOfSilenceIsNoSilence) {
+  CScriptedReadout readout({"{!" + std::to_string(ERR_LINE_NO_ANSWER) + " busy}", ""});
+  Line line(readout.Path(), kShort);
+  const auto read = [&] { line.communications.ReadSetting(18, false); };
+  EXPECT_EQ(line.ErrorOf(read), ERR_LINE_NO_ANSWER);
+  EXPECT_TRUE(line.settings->lastfailure.refused);
+  EXPECT_EQ(line.ErrorOf(read), 0);
+  EXPECT_FALSE(line.settings->lastfailure.refused);
+  EXPECT_EQ(line.settings->failures, 2);
+}
+
 TEST(SerialCommunications, WriteSendsItsFieldsAndWantsAnEmptyAnswer) {
-  CScriptedReadout readout({"{=}", "{=5}", "{!3 caf\xE9}", "{!4 }"});
+  CScriptedReadout readout({"{=}", "{=5}", "{!3 caf\xE9}", "{!4 }", kHangUp});
   Line line(readout.Path());
   line.communications.COMPort().SetCheckNonAscii(false);
   line.communications.params().Probe = "12";
@@ -235,7 +300,8 @@ TEST(SerialCommunications, WriteSendsItsFieldsAndWantsAnEmptyAnswer) {
   EXPECT_EQ(line.source, "CSerialCommunications - WriteSetting");
   EXPECT_EQ(line.ErrorOf(write), 4);
   EXPECT_EQ(line.settings->lastfailure.description, "The readout refused the command (number 4).");
-  EXPECT_EQ(readout.Commands(), std::vector<std::string>(4, "PROBE 12:SERIAL -1.5E-03 a"));
+  EXPECT_EQ(line.ErrorOf(write), ERR_LINE_LOST);
+  EXPECT_EQ(readout.Commands(), std::vector<std::string>(5, "PROBE 12:SERIAL -1.5E-03 a"));
 }
 
 TEST(SerialCommunications, WhatCannotBeSentFailsBeforeAnythingIsSent) {
@@ -313,7 +379,7 @@ TEST(SerialCommunications, EveryRateReachesTheDevice) {
   constexpr std::pair<std::int32_t, speed_t> kRates[] = {
       {300, B300},   {600, B600},     {1200, B1200},   {2400, B2400},   {4800, B4800},
       {9600, B9600}, {19200, B19200}, {38400, B38400}, {57600, B57600}, {115200, B115200}};
-  CScriptedReadout readout(std::vector<Step>(std::size(kRates), "{=}"));
+  CScriptedReadout readout(std::vector<Step>(std::size(kRates), "{=5}"));
   Line line(readout.Path());
   for (std::size_t i = 0; i < std::size(kRates); ++i) {
     line.communications.COMPort().SetBaudRate(static_cast<EVaneBaudRate>(i + 1));
@@ -357,7 +423,8 @@ TEST(LineTrace, ShowsEveryLineButNoSecret) {
   EXPECT_EQ(line.communications.ReadSetting(-1, true, "PC?"), "1234");
   EXPECT_EQ(line.ReadError(-1, "PC?"), 7);
   EXPECT_EQ(line.settings->lastfailure.description, "The readout refused the command (number 7).");
-  EXPECT_EQ(line.communications.ReadSetting(32), "ab\t");
+  line.communications.params().Index = "1";
+  EXPECT_EQ(line.communications.ReadSetting(kReadLog), "ab\t");
   EXPECT_EQ(line.communications.ReadSetting(32), "5");
   EXPECT_EQ(line.trace->log, "- opened " + readout.Path() + " at 115200 bit/s\n" +
                                  R"(> #tag ID?*C
@@ -372,7 +439,7 @@ TEST(LineTrace, ShowsEveryLineButNoSecret) {
 > #tag (not shown)
 < (not shown)
 - The readout refused the command (number 7).
-> #tag SAMPLE:INTERVAL?*C
+> #tag LOG:HISTORY 1?*C
 < (not shown)
 - garbled
 < #tag =ab\x09*C

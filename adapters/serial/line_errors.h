@@ -20,7 +20,8 @@ inline constexpr std::int32_t ERR_LINE_OVERLONG = ErrorCode(0x80040507);
 inline constexpr std::int32_t ERR_LINE_UNKNOWN_COMMAND = ErrorCode(0x80040508);
 /// A field is missing or can't travel, or the whole command is too long. Nothing was sent.
 inline constexpr std::int32_t ERR_LINE_BAD_FIELD = ErrorCode(0x80040509);
-/// An undamaged answer that makes no sense for the command.
+/// An undamaged answer that isn't of the command's form, such as a word for a number. The readout
+/// may have been switched off and on.
 inline constexpr std::int32_t ERR_LINE_UNEXPECTED = ErrorCode(0x8004050A);
 inline constexpr std::int32_t ERR_LINE_BAUD_RATE = ErrorCode(0x8004050B);
 inline constexpr std::int32_t ERR_LINE_INSTRUMENT_KIND = ErrorCode(0x8004050C);

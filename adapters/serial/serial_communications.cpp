@@ -26,6 +26,9 @@ constexpr std::size_t kFrameLength = kHeadLength + 5;  // and "*", check value
 // Start bit, eight data bits, stop bit.
 constexpr std::int32_t kBitsPerCharacter = 10;
 
+// Of an unexpected answer, a message shows this much.
+constexpr std::size_t kShownOfAnswer = 60;
+
 [[noreturn]] void Fail(std::int32_t number, std::string description) {
   throw LineFailure{number, std::move(description)};
 }
@@ -72,6 +75,11 @@ LineClock::duration TimeOnLine(std::size_t characters, const BaudRateRow& rate) 
                                    1'000'000 / rate.bits);
 }
 
+std::string Quoted(std::string_view answer) {
+  const bool islong = answer.size() > kShownOfAnswer;
+  return "\"" + EscapedText(answer.substr(0, kShownOfAnswer)) + (islong ? "...\"" : "\"");
+}
+
 std::string Seconds(std::chrono::milliseconds time) {
   std::ostringstream text;
   text.imbue(std::locale::classic());
@@ -93,7 +101,9 @@ std::string CSerialCommunications::ReadSetting(std::int32_t id, bool flag,
   try {
     return Run("CSerialCommunications - ReadSetting", id, true, text);
   } catch (const LibraryError& error) {
-    if (flag || error.Number() != ERR_LINE_NO_ANSWER) throw;
+    // A refusal may carry any number, that of silence too.
+    const bool issilence = error.Number() == ERR_LINE_NO_ANSWER && !settings_->lastfailure.refused;
+    if (flag || !issilence) throw;
     return {};
   }
 }
@@ -122,8 +132,9 @@ std::string CSerialCommunications::Run(const char* label, std::int32_t id, bool 
     Trace(ETraceMark::NOTE, "closed");
   }
   settings_->lastfailure = failure;
-  if (failure.number != 0) throw LibraryError(failure.number, label, failure.description);
-  return reply;
+  if (failure.number == 0) return reply;
+  ++settings_->failures;
+  throw LibraryError(failure.number, label, failure.description);
 }
 
 CSerialCommunications::Command CSerialCommunications::MakeCommand(
@@ -132,12 +143,13 @@ CSerialCommunications::Command CSerialCommunications::MakeCommand(
     Fail(ERR_LINE_INSTRUMENT_KIND, "Instruments of the kind " + std::to_string(instrumentkind_) +
                                        " can't be reached; only 9, the T312B, can.");
   }
-  Command command{rawtext, isread, isread && id == kRawCommand};
+  Command command{rawtext, isread && id == kRawCommand, {.kind = protocol::EReply::ANY}};
   if (command.issecret) {
     const auto isprintable = [](char c) { return c >= ' ' && c <= '~'; };
     if (rawtext.empty() || !std::ranges::all_of(rawtext, isprintable)) {
       Fail(ERR_LINE_BAD_FIELD, "The raw command is empty or holds a character that can't be sent.");
     }
+    if (rawtext == protocol::kPasscodeCommand) command.form = protocol::kPasscodeForm;
   } else {
     const protocol::CommandRow* row = protocol::FindCommand(id);
     if (row == nullptr || row->IsRead() != isread) {
@@ -149,6 +161,7 @@ CSerialCommunications::Command CSerialCommunications::MakeCommand(
     auto text = protocol::BuildCommand(*row, FieldsOf(params_), problem);
     if (!text) Fail(ERR_LINE_BAD_FIELD, std::move(problem));
     command.text = std::move(*text);
+    command.form = row->form;
   }
   if (command.text.size() + kFrameLength > protocol::kMaxLineLength) {
     Fail(ERR_LINE_BAD_FIELD, "The command is too long to be sent.");
@@ -158,7 +171,8 @@ CSerialCommunications::Command CSerialCommunications::MakeCommand(
 
 std::string CSerialCommunications::Exchange(const Command& command) {
   if (!port_.IsOpen()) Open();
-  // Of silence and damage, damage says more about what is wrong, and is what gets reported.
+  // What gets reported is what says most about what is wrong: an unexpected answer before damage,
+  // damage before silence.
   EOutcome worst = EOutcome::SILENT;
   const std::int32_t tries = Tries();
   for (std::int32_t i = 0; i < tries; ++i) {
@@ -167,11 +181,11 @@ std::string CSerialCommunications::Exchange(const Command& command) {
     if (outcome == EOutcome::ANSWERED) return reply;
     if (outcome == EOutcome::SILENT) {
       Trace(ETraceMark::NOTE, "no answer");
-    } else {
+    } else if (worst != EOutcome::UNEXPECTED) {
       worst = outcome;
     }
   }
-  FailExchange(worst);
+  FailExchange(worst, command);
 }
 
 void CSerialCommunications::Open() {
@@ -260,25 +274,29 @@ CSerialCommunications::EOutcome CSerialCommunications::Judge(const ReceivedLine&
     Trace(ETraceMark::NOTE, "garbled");
     return EOutcome::GARBLED;
   }
-  reply = TakeAnswer(frame->body, command);
-  return EOutcome::ANSWERED;
+  const EOutcome outcome = TakeAnswer(frame->body, command, reply);
+  if (outcome == EOutcome::UNEXPECTED) Trace(ETraceMark::NOTE, "not of the command's form");
+  return outcome;
 }
 
-std::string CSerialCommunications::TakeAnswer(std::string_view body, const Command& command) const {
+CSerialCommunications::EOutcome CSerialCommunications::TakeAnswer(std::string_view body,
+                                                                  const Command& command,
+                                                                  std::string& reply) {
   const auto answer = protocol::ParseAnswer(body);
   if (answer && answer->refused && answer->number != 0) {
     std::string text = command.issecret ? std::string() : FromLatin1(answer->text);
     if (text.empty()) {
       text = "The readout refused the command (number " + std::to_string(answer->number) + ").";
     }
-    Fail(answer->number, std::move(text));
+    throw LineFailure{answer->number, std::move(text), true};
   }
-  if (!answer || answer->refused || (!command.isread && !answer->text.empty())) {
-    Fail(ERR_LINE_UNEXPECTED,
-         "The answer from " + device_ +
-             " doesn't go with the command. Check that the device is a T312B.");
+  if (!answer || answer->refused || !protocol::FitsForm(command.form, answer->text)) {
+    const bool isvalue = answer && !answer->refused;
+    unexpected_ = command.issecret ? kNotShown : Quoted(isvalue ? answer->text : body);
+    return EOutcome::UNEXPECTED;
   }
-  return FromLatin1(answer->text);
+  reply = FromLatin1(answer->text);
+  return EOutcome::ANSWERED;
 }
 
 std::int32_t CSerialCommunications::Tries() const { return std::max(1, comport_.ReadTries()); }
@@ -310,7 +328,7 @@ void CSerialCommunications::FailPort(EPortResult result) const {
   }
 }
 
-void CSerialCommunications::FailExchange(EOutcome outcome) const {
+void CSerialCommunications::FailExchange(EOutcome outcome, const Command& command) const {
   const std::string tries = Tries() == 1 ? "(1 try)" : "(" + std::to_string(Tries()) + " tries)";
   switch (outcome) {
     case EOutcome::GARBLED:
@@ -319,6 +337,12 @@ void CSerialCommunications::FailExchange(EOutcome outcome) const {
     case EOutcome::OVERLONG:
       Fail(ERR_LINE_OVERLONG, "The answer from " + device_ + " was too long " + tries +
                                   ". Check the baud rate and that the device is a T312B.");
+    case EOutcome::UNEXPECTED:
+      Fail(ERR_LINE_UNEXPECTED,
+           "The readout on " + device_ + " answers " + unexpected_ + " to " +
+               (command.issecret ? "a command that is " + std::string(kNotShown) : command.text) +
+               ", where " + protocol::FormText(command.form) + " should stand " + tries +
+               ". It may have been switched off and on; check that it is a T312B.");
     default:
       Fail(ERR_LINE_NO_ANSWER, "No answer from the readout on " + device_ + " within " +
                                    Seconds(settings_->timeout) + " " + tries +

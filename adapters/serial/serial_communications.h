@@ -17,6 +17,7 @@
 #include "adapters/serial/line_buffer.h"
 #include "adapters/serial/line_trace.h"
 #include "adapters/serial/serial_port.h"
+#include "protocol/reply_form.h"
 #include "vane/components/communications.h"
 
 namespace vane {
@@ -25,6 +26,8 @@ namespace vane {
 struct LineFailure {
   std::int32_t number = 0;
   std::string description;
+  /// The readout refused, and the number is its own, even where it equals one of line_errors.h.
+  bool refused = false;
 };
 
 struct LineSettings {
@@ -46,6 +49,10 @@ struct LineSettings {
   /// Written by every exchange: a good one clears it. The library may replace an error by a more
   /// general one, or take silence for an answer; here the cause is still to be seen.
   LineFailure lastfailure;
+
+  /// How many exchanges have failed up to now, refusals and allowed silences among them. A host
+  /// that compares it before and after a run learns whether every exchange of the run went well.
+  std::int32_t failures = 0;
 };
 
 class CSerialCommunications final : public CVaneCommunications {
@@ -63,18 +70,19 @@ class CSerialCommunications final : public CVaneCommunications {
   /// With any kind but 9 every exchange fails.
   void SetInstrumentKind(std::int32_t kind) override { instrumentkind_ = kind; }
 
-  /// The errors are those of line_errors.h and refusals. Silence and damaged answers are tried
-  /// again, nothing else is. A reply's bytes above 127 are taken as ISO 8859-1.
+  /// The errors are those of line_errors.h and refusals. Silence, damaged answers and answers of
+  /// another form than the command's (protocol/reply_form.h) are tried again, nothing else is. A
+  /// reply's bytes above 127 are taken as ISO 8859-1.
   std::string ReadSetting(std::int32_t id, bool flag = true, const std::string& text = {}) override;
   void WriteSetting(std::int32_t id) override;
 
  private:
   struct Command {
     std::string text;
-    bool isread;
     bool issecret;  // a raw command: it and its answer are shown nowhere
+    protocol::ReplyForm form;
   };
-  enum class EOutcome { ANSWERED, SILENT, GARBLED, OVERLONG };
+  enum class EOutcome { ANSWERED, SILENT, GARBLED, OVERLONG, UNEXPECTED };
 
   std::string Run(const char* label, std::int32_t id, bool isread, const std::string& rawtext);
   Command MakeCommand(std::int32_t id, bool isread, const std::string& rawtext) const;
@@ -83,12 +91,12 @@ class CSerialCommunications final : public CVaneCommunications {
   std::string DevicePath() const;
   EOutcome Try(const Command& command, std::string& reply);
   EOutcome Judge(const ReceivedLine& line, const Command& command, std::string& reply);
-  std::string TakeAnswer(std::string_view body, const Command& command) const;
+  EOutcome TakeAnswer(std::string_view body, const Command& command, std::string& reply);
   std::int32_t Tries() const;
   void Trace(ETraceMark mark, std::string_view text) const;
   void TraceReceived(std::string_view text, bool isharmless) const;
   [[noreturn]] void FailPort(EPortResult result) const;
-  [[noreturn]] void FailExchange(EOutcome outcome) const;
+  [[noreturn]] void FailExchange(EOutcome outcome, const Command& command) const;
 
   std::shared_ptr<LineSettings> settings_;
   CommandParams params_;
@@ -99,6 +107,7 @@ class CSerialCommunications final : public CVaneCommunications {
   const BaudRateRow* rate_ = nullptr;  // of the port that was opened last
   std::string device_;                 // its path
   CLineBuffer buffer_;
+  std::string unexpected_;       // as messages show it: the last answer of another form
   std::uint16_t tag_;            // of the last sending
   bool secretsoutside_ = false;  // a secret answer may still come in late
 };

@@ -139,12 +139,12 @@ EExitCode CHost::ReportFailure(const std::string& action) {
 }
 
 std::string CHost::CauseOfNoReading(EExitCode code) const {
-  const auto& [number, description] = LastFailure();
+  const auto& [number, description, refused] = LastFailure();
   if (number == 0) {
     return "No new reading came in time. Check that measuring is on (\"thermoscribe measure "
            "--start\"); --limit allows more time.";
   }
-  if (code != EExitCode::REFUSED) return description;
+  if (!refused && code != EExitCode::REFUSED) return description;
   return "The readout refused (number " + std::to_string(number) + "): " + description;
 }
 
