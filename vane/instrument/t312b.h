@@ -63,21 +63,24 @@ class CVaneT312B {
   CVaneT312B(const CVaneT312B&) = delete;
   CVaneT312B& operator=(const CVaneT312B&) = delete;
 
+  // The members stand in the order of the instrument's interface; what this library has beside it
+  // stands behind them.
+
   // Settings of the instrument. Setting one to a value that differs from the stored one sets
   // `Changed`; limits are for dialogs and hosts, and only the resolutions enforce one, at the top.
 
-  ET312BOven Oven() const { return oven_.Get(); }
   void SetOven(ET312BOven value) { oven_.Set(value); }
-  double ADC() const { return adc_.Get(); }
+  ET312BOven Oven() const { return oven_.Get(); }
   void SetADC(double value) { adc_.Set(value); }
+  double ADC() const { return adc_.Get(); }
 
   /// Formats in which values are written and shown; not settings of the instrument.
-  const std::string& ADCFormat() const { return adcformat_; }
   void SetADCFormat(const std::string& value) { adcformat_ = value; }
+  const std::string& ADCFormat() const { return adcformat_; }
 
   /// Storage for the host.
-  std::int16_t LogSessionInterval() const { return logsessioninterval_; }
   void SetLogSessionInterval(std::int16_t value) { logsessioninterval_ = value; }
+  std::int16_t LogSessionInterval() const { return logsessioninterval_; }
   static constexpr double MaxADC() { return 3.0; }
   static constexpr double MinADC() { return -3.0; }
 
@@ -88,54 +91,54 @@ class CVaneT312B {
 
   /// There are six places, of which `NumCalParams` are in use. An index outside them is the
   /// platform's out-of-range error.
-  const std::string& CalParamsFormat(ET312BCalParams Index) const;
   void SetCalParamsFormat(ET312BCalParams Index, const std::string& value);
-  double CalParams(ET312BCalParams Index) const;
+  const std::string& CalParamsFormat(ET312BCalParams Index) const;
   void SetCalParams(ET312BCalParams Index, double value);
+  double CalParams(ET312BCalParams Index) const;
 
-  ET312BSampleAction SampleAction() const { return sampleaction_.Get(); }
   void SetSampleAction(ET312BSampleAction value) { sampleaction_.Set(value); }
+  ET312BSampleAction SampleAction() const { return sampleaction_.Get(); }
 
   /// Digits shown of a temperature, a resistance, a ratio. A value above the maximum becomes the
   /// maximum.
-  void SetResolution(std::int16_t value) { resolution_.SetUpTo(value, MaxResolution()); }
   std::int16_t Resolution() const { return resolution_.Get(); }
+  void SetResolution(std::int16_t value) { resolution_.SetUpTo(value, MaxResolution()); }
+  std::int16_t ResistanceResolution() const { return resistanceresolution_.Get(); }
   void SetResistanceResolution(std::int16_t value) {
     resistanceresolution_.SetUpTo(value, MaxResistanceResolution());
   }
-  std::int16_t ResistanceResolution() const { return resistanceresolution_.Get(); }
+  std::int16_t RatioResolution() const { return ratioresolution_.Get(); }
   void SetRatioResolution(std::int16_t value) {
     ratioresolution_.SetUpTo(value, MaxRatioResolution());
   }
-  std::int16_t RatioResolution() const { return ratioresolution_.Get(); }
 
   /// The user-defined scan sequence: instrument channel numbers in step order, with "," between.
-  const std::string& ScanChannels() const { return scanchannels_.Get(); }
   void SetScanChannels(const std::string& value) { scanchannels_.Set(value); }
+  const std::string& ScanChannels() const { return scanchannels_.Get(); }
   /// The single channel of `CM_SCANNER_CHANNEL`.
-  std::int16_t ScanChannel() const { return scanchannel_.Get(); }
   void SetScanChannel(std::int16_t value) { scanchannel_.Set(value); }
-  std::int16_t ScanSeqChannels() const { return scanseqchannels_.Get(); }
+  std::int16_t ScanChannel() const { return scanchannel_.Get(); }
   void SetScanSeqChannels(std::int16_t value) { scanseqchannels_.Set(value); }
-  std::int16_t ScanSeqSteps() const { return scanseqsteps_.Get(); }
+  std::int16_t ScanSeqChannels() const { return scanseqchannels_.Get(); }
   void SetScanSeqSteps(std::int16_t value) { scanseqsteps_.Set(value); }
+  std::int16_t ScanSeqSteps() const { return scanseqsteps_.Get(); }
   /// The mode that a host asks for; no query fills it.
-  ET312BScanMode ScanMode() const { return scanmode_.Get(); }
   void SetScanMode(ET312BScanMode value) { scanmode_.Set(value); }
+  ET312BScanMode ScanMode() const { return scanmode_.Get(); }
 
   /// Folder passed on to the modules; at creation, the one that the library lies in.
-  const std::string& FilePath() const { return filepath_; }
   void SetFilePath(const std::string& value);
+  const std::string& FilePath() const { return filepath_; }
 
   /// What to set the instrument's clock to; 0 is the present moment.
-  Date SystemClock() const { return systemclock_; }
   void SetSystemClock(Date value) { systemclock_ = value; }
+  Date SystemClock() const { return systemclock_; }
 
   /// Help topic of a communications failure, and the help file of the whole library.
-  std::int32_t HCIDCommError() const { return hcidcommerror_; }
   void SetHCIDCommError(std::int32_t value) { hcidcommerror_ = value; }
-  const std::string& HelpFile() const { return LibraryHelpFile(); }
+  std::int32_t HCIDCommError() const { return hcidcommerror_; }
   void SetHelpFile(const std::string& value) { SetLibraryHelpFile(value); }
+  const std::string& HelpFile() const { return LibraryHelpFile(); }
 
   /// Keeps a further reference to the host's registry component.
   void SetRegistry(std::shared_ptr<CVaneRegistry> Reg) { registry_ = std::move(Reg); }
@@ -150,14 +153,14 @@ class CVaneT312B {
 
   /// Set by every change of a setting and of the number of modules, also by a query that brings a
   /// new value. The library's dialogs and hosts clear it.
-  bool Changed() const { return changed_; }
   void SetChanged(bool value) { changed_ = value; }
+  bool Changed() const { return changed_; }
 
   /// Switches for the host; the library itself reads neither.
-  bool AllowSetSerial() const { return allowsetserial_; }
   void SetAllowSetSerial(bool value) { allowsetserial_ = value; }
-  bool ReadAfterApply() const { return readafterapply_; }
+  bool AllowSetSerial() const { return allowsetserial_; }
   void SetReadAfterApply(bool value) { readafterapply_ = value; }
+  bool ReadAfterApply() const { return readafterapply_; }
 
   /// Asks the user for the passcode until it is the instrument's or he gives up. Opens nothing by
   /// itself: that is the caller's.
@@ -165,22 +168,22 @@ class CVaneT312B {
 
   /// The instrument's protection of four groups of settings, and whether editing of each is open
   /// for this user. Setting a flag sets the state that goes with it; a state moves alone.
-  bool ProtectCalParams() const { return protectcalparams_.flag; }
   void SetProtectCalParams(bool value) { protectcalparams_.SetFlag(value); }
-  bool ProtectConversion() const { return protectconversion_.flag; }
+  bool ProtectCalParams() const { return protectcalparams_.flag; }
   void SetProtectConversion(bool value) { protectconversion_.SetFlag(value); }
-  bool ProtectSampling() const { return protectsampling_.flag; }
+  bool ProtectConversion() const { return protectconversion_.flag; }
   void SetProtectSampling(bool value) { protectsampling_.SetFlag(value); }
-  bool ProtectUnitsTime() const { return protectunitstime_.flag; }
+  bool ProtectSampling() const { return protectsampling_.flag; }
   void SetProtectUnitsTime(bool value) { protectunitstime_.SetFlag(value); }
-  ET312BPasscodeState CalParamPasscodeState() const { return protectcalparams_.state; }
+  bool ProtectUnitsTime() const { return protectunitstime_.flag; }
   void SetCalParamPasscodeState(ET312BPasscodeState value) { protectcalparams_.state = value; }
-  ET312BPasscodeState ConvPasscodeState() const { return protectconversion_.state; }
+  ET312BPasscodeState CalParamPasscodeState() const { return protectcalparams_.state; }
   void SetConvPasscodeState(ET312BPasscodeState value) { protectconversion_.state = value; }
-  ET312BPasscodeState SamplingPasscodeState() const { return protectsampling_.state; }
+  ET312BPasscodeState ConvPasscodeState() const { return protectconversion_.state; }
   void SetSamplingPasscodeState(ET312BPasscodeState value) { protectsampling_.state = value; }
-  ET312BPasscodeState UnitsTimePasscodeState() const { return protectunitstime_.state; }
+  ET312BPasscodeState SamplingPasscodeState() const { return protectsampling_.state; }
   void SetUnitsTimePasscodeState(ET312BPasscodeState value) { protectunitstime_.state = value; }
+  ET312BPasscodeState UnitsTimePasscodeState() const { return protectunitstime_.state; }
 
   // Limits.
   static constexpr std::int16_t MaxSampleN() { return 32000; }
@@ -222,33 +225,8 @@ class CVaneT312B {
   bool VerifyMinimumFirmware() const { return HasRecentFirmware(); }
   static constexpr double MinFirmwareRequired() { return kRecentFirmware; }
 
-  /// Writes the whole copy, changed or not: the scanner's settings, the readout's own, and the
-  /// calibration when `CalParamPasscodeState` says that editing it is open. `Model` and `Firmware`
-  /// stay as they are. What was written before a failure or an abort stays written.
-  /// `inclchannels` has no effect: a channel writes itself.
-  bool UpdateInfo(ui::CWindow* frm = nullptr, bool inclchannels = false);
-
-  /// Sets the instrument's date and time to `SystemClock`, on a clock of 12 or 24 hours as the
-  /// user's own. `frm` is not used.
-  bool UpdateSystemClock(ui::CWindow* frm);
-
-  /// Fetches one of the instrument's logs reading by reading, writes it as a column text file, and
-  /// offers that to the user. `numreadings` 0 is up to 100 readings; the log's end ends the
-  /// fetching earlier. `resol` is the number of decimals, negative for numbers as they came. The
-  /// file is download.txt in the folder of the registry value "DownloadFolder", or where the user
-  /// says when `prompt` is true. `awkParser` is the host's and is used during the run only.
-  ///
-  /// Never raises. True when the list of files was reached; false when the user has been told of a
-  /// failure, has stopped the run, or when the instrument stays silent. A stop during the parsing
-  /// leaves the rows so far in the file. In the temporary folder stay DNLDT312B.LOG, the trace of
-  /// the run, and TMPDWNLD.LOG, what the instrument has sent.
-  bool DownloadLog(AwkOne& awkParser,
-                   ET312BDownloadLogOption log = ET312BDownloadLogOption::DOWNLOAD_HISTORY_LOG,
-                   ET312BDownloadOption opt = ET312BDownloadOption::DOWNLOAD_SINGLE_FILE,
-                   std::int16_t numreadings = 0, std::int16_t resol = -1, bool prompt = false);
-
-  // Reads and writes of single settings: true, or an error. Only `QueryUnits` can give false: for a
-  // reply that names no unit, which makes `Units` `UNITS_NONE`.
+  // Reads and, below, writes of single settings: true, or an error. Only `QueryUnits` can give
+  // false: for a reply that names no unit, which makes `Units` `UNITS_NONE`.
 
   bool QueryScannerScanMode();
   bool QueryUnits();
@@ -261,21 +239,21 @@ class CVaneT312B {
   /// does not have is `ERR_INVALID_CHANNEL`.
   double QueryMeasurement(std::int16_t chan = -1, bool waitfornew = false);
 
-  /// The longest wait for one new reading, in milliseconds.
-  std::int32_t NewDataLimit() const { return newdatalimit_; }
-  void SetNewDataLimit(std::int32_t ms) { newdatalimit_ = ms; }
-
-  /// For an event handler of the host: ends the wait of a running `QueryMeasurement` at once.
-  void CancelWait() { waitcancelled_ = true; }
-
-  /// Switch the instrument's measuring on and off. False when the user has been told of a failure.
-  bool StartMeasure();
-  bool StopMeasure();
+  /// Writes the whole copy, changed or not: the scanner's settings, the readout's own, and the
+  /// calibration when `CalParamPasscodeState` says that editing it is open. `Model` and `Firmware`
+  /// stay as they are. What was written before a failure or an abort stays written.
+  /// `inclchannels` has no effect: a channel writes itself.
+  bool UpdateInfo(ui::CWindow* frm = nullptr, bool inclchannels = false);
 
   bool UpdateUnits();
   bool UpdateSampleAction();
   bool UpdateChannelMode();
   bool UpdateScannerScanMode();
+
+  /// Switch the instrument's measuring on and off. False when the user has been told of a failure.
+  bool StartMeasure();
+  bool StopMeasure();
+
   bool UpdateInterval(ui::CWindow* frm = nullptr);  ///< `frm` is not used
   bool UpdateConversionTime();
   bool UpdateIntegrationTime();
@@ -299,6 +277,10 @@ class CVaneT312B {
   bool UpdateScanSeqChannels();
   bool UpdateScanSeqSteps();
 
+  /// Sets the instrument's date and time to `SystemClock`, on a clock of 12 or 24 hours as the
+  /// user's own. `frm` is not used.
+  bool UpdateSystemClock(ui::CWindow* frm);
+
   /// Proves the line. False when the user has been told of a failure.
   bool InitializeCommunicationSettings();
 
@@ -306,8 +288,8 @@ class CVaneT312B {
 
   /// The channel that `QueryMeasurement` reads by itself; -1 is none. A value above
   /// `NumChannels` - 1 raises `ERR_INVALID_CHANNEL`; there is no lower limit.
-  std::int16_t SelectedChannel() const { return selectedchannel_; }
   void SetSelectedChannel(std::int16_t value);
+  std::int16_t SelectedChannel() const { return selectedchannel_; }
 
   /// A plain number, such as 5.03; 0 until the instrument has been identified.
   double Firmware() const { return firmware_; }
@@ -316,17 +298,32 @@ class CVaneT312B {
   std::int16_t NumChannels() const { return numchannels_; }
   static constexpr std::int16_t NumProbes() { return 16; }
 
-  ET312BUnits Units() const { return units_.Get(); }
   void SetUnits(ET312BUnits value) { units_.Set(value); }
+  ET312BUnits Units() const { return units_.Get(); }
 
   /// 1, or 2 with a scanner; 0 until they have been queried.
   std::int16_t NumModules() const { return nummodules_; }
 
+  /// Fetches one of the instrument's logs reading by reading, writes it as a column text file, and
+  /// offers that to the user. `numreadings` 0 is up to 100 readings; the log's end ends the
+  /// fetching earlier. `resol` is the number of decimals, negative for numbers as they came. The
+  /// file is download.txt in the folder of the registry value "DownloadFolder", or where the user
+  /// says when `prompt` is true. `awkParser` is the host's and is used during the run only.
+  ///
+  /// Never raises. True when the list of files was reached; false when the user has been told of a
+  /// failure, has stopped the run, or when the instrument stays silent. A stop during the parsing
+  /// leaves the rows so far in the file. In the temporary folder stay DNLDT312B.LOG, the trace of
+  /// the run, and TMPDWNLD.LOG, what the instrument has sent.
+  bool DownloadLog(AwkOne& awkParser,
+                   ET312BDownloadLogOption log = ET312BDownloadLogOption::DOWNLOAD_HISTORY_LOG,
+                   ET312BDownloadOption opt = ET312BDownloadOption::DOWNLOAD_SINGLE_FILE,
+                   std::int16_t numreadings = 0, std::int16_t resol = -1, bool prompt = false);
+
   /// The whole identification reply; empty until then.
   const std::string& Identification() const { return identification_; }
   /// Plain text; no exchange touches it.
-  const std::string& Serial() const { return serial_; }
   void SetSerial(const std::string& value) { serial_ = value; }
+  const std::string& Serial() const { return serial_; }
   /// "T312B" until the instrument has said what it is.
   const std::string& Model() const { return model_; }
 
@@ -334,26 +331,26 @@ class CVaneT312B {
   /// index raises `ERR_INVALID_MODULE`.
   CModule* Modules(std::int16_t idx) const;
 
-  std::int32_t Interval() const { return interval_.Get(); }
   void SetInterval(std::int32_t value) { interval_.Set(value); }
-  std::int16_t ConversionTime() const { return conversiontime_.Get(); }
+  std::int32_t Interval() const { return interval_.Get(); }
   void SetConversionTime(std::int16_t value) { conversiontime_.Set(value); }
-  std::int16_t IntegrationTime() const { return integrationtime_.Get(); }
+  std::int16_t ConversionTime() const { return conversiontime_.Get(); }
   void SetIntegrationTime(std::int16_t value) { integrationtime_.Set(value); }
-  std::int16_t SampleN() const { return samplen_.Get(); }
+  std::int16_t IntegrationTime() const { return integrationtime_.Get(); }
   void SetSampleN(std::int16_t value) { samplen_.Set(value); }
-  std::int16_t Repetitions() const { return repetitions_.Get(); }
+  std::int16_t SampleN() const { return samplen_.Get(); }
   void SetRepetitions(std::int16_t value) { repetitions_.Set(value); }
-  ET312BChannelMode ChannelMode() const { return channelmode_.Get(); }
+  std::int16_t Repetitions() const { return repetitions_.Get(); }
   void SetChannelMode(ET312BChannelMode value) { channelmode_.Set(value); }
-  ET312BScannerScanMode ScannerScanMode() const { return scannerscanmode_.Get(); }
+  ET312BChannelMode ChannelMode() const { return channelmode_.Get(); }
   void SetScannerScanMode(ET312BScannerScanMode value) { scannerscanmode_.Set(value); }
-  double FilterRespTime() const { return filterresptime_.Get(); }
+  ET312BScannerScanMode ScannerScanMode() const { return scannerscanmode_.Get(); }
   void SetFilterRespTime(double value) { filterresptime_.Set(value); }
-  double FilterThreshold() const { return filterthreshold_.Get(); }
+  double FilterRespTime() const { return filterresptime_.Get(); }
   void SetFilterThreshold(double value) { filterthreshold_.Set(value); }
-  ET312BFilterType FilterType() const { return filtertype_.Get(); }
+  double FilterThreshold() const { return filterthreshold_.Get(); }
   void SetFilterType(ET312BFilterType value) { filtertype_.Set(value); }
+  ET312BFilterType FilterType() const { return filtertype_.Get(); }
 
   /// A channel's name for people: "Input 2", "Scanner 10". No range check.
   std::string GetScanSeqChannelName(std::int16_t chn) const;
@@ -365,6 +362,15 @@ class CVaneT312B {
   CVaneCommunications* Communications() const { return communications_.get(); }
 
   bool HasScanners() const { return nummodules_ >= 2; }
+
+  // Not of the interface: what a host may want besides.
+
+  /// The longest wait for one new reading, in milliseconds.
+  void SetNewDataLimit(std::int32_t ms) { newdatalimit_ = ms; }
+  std::int32_t NewDataLimit() const { return newdatalimit_; }
+
+  /// For an event handler of the host: ends the wait of a running `QueryMeasurement` at once.
+  void CancelWait() { waitcancelled_ = true; }
 
  private:
   friend class CVaneT312BPRTTHRMChannel;  // reaches `Line`
