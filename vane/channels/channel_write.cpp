@@ -25,7 +25,7 @@ constexpr std::int32_t WRITE_PROBE_CURRENT = 141;
 constexpr std::int32_t WRITE_PROBE_3WIRE_OFFSET = 143;
 
 // The codes that the instrument takes in are shorter than what it answers. Anything else has no
-// code: the command goes out without a value, and the instrument refuses it.
+// code: the command goes out without a value, which the instrument acknowledges and does not heed.
 
 std::string CodeOf(ET312BProbeRefResistor resistor) {
   switch (resistor) {

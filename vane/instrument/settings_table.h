@@ -72,7 +72,7 @@ inline std::string ADCText(const CVaneT312B& instrument) {
 }
 
 // Texts that are words. Of a value that has none, the empty text: the command goes out without it,
-// and the instrument refuses it.
+// and the instrument acknowledges that and changes nothing.
 
 std::string FilterTypeCode(const CVaneT312B& instrument);
 std::string SampleActionCode(const CVaneT312B& instrument);
