@@ -100,9 +100,35 @@ TEST_F(ScanConfiguration, AListGoesOutStepByStepWithAPauseBehindEach) {
             "write 111 Channel=10 Index=2 value=2\nstep\nqueue 300\nfinish\nrelease\n");
   EXPECT_EQ(it_.ScanSeqSteps(), 2);
 
+  // Items are whole numbers, halves to the even neighbour.
+  for (const auto& [item, channel] : {std::pair("1.6", "0"), std::pair("12.4", "10"),
+                                      std::pair("4.5x", "2"), std::pair(" 3.5", "2")}) {
+    EXPECT_EQ(ErrorOfList(item).Number(), 0) << item;
+    EXPECT_EQ(host_.log.Count(std::string("write 111 Channel=") + channel + " Index=1 value=1"),
+              1u);
+  }
+
   Attach(false);
   EXPECT_TRUE(it_.UpdateScanChannelList());
   EXPECT_EQ(host_.log.Text(), "");
+}
+
+TEST_F(ScanConfiguration, AnEventThatMovesTheNumberOfStepsLeavesTheWriteAsItIs) {
+  Attach(true);
+  for (const int steps : {0, 1, 5}) {
+    it_.SetScanChannels("3,4,5");
+    host_.log.Clear();
+    const auto event = [&] {
+      it_.SetScanSeqSteps(static_cast<std::int16_t>(steps));
+      it_.SetScanChannels("99");
+    };
+    host_.script.beforeexchange = host_.platform.onqueue = event;
+    EXPECT_TRUE(it_.UpdateScanChannelList()) << steps;
+    EXPECT_EQ(host_.log.Only({"write", "start"}),
+              "write 109 value=3\nstart Updating scan sequence steps... 25\n"
+              "write 111 Channel=1 Index=1 value=3\nwrite 111 Channel=2 Index=2 value=3\n"
+              "write 111 Channel=3 Index=3 value=3\n");
+  }
 }
 
 TEST_F(ScanConfiguration, BadItemStopsAfterWritingTheStepsBeforeIt) {
@@ -112,7 +138,7 @@ TEST_F(ScanConfiguration, BadItemStopsAfterWritingTheStepsBeforeIt) {
     std::size_t written;
     int steps;
   } rows[] = {{"13", 0, 1},   {"1", 0, 1},   {"", 0, 1},     {"3,12,13,4", 2, 4},
-              {"3,,4", 1, 3}, {"1.6", 0, 1}, {"12.4", 0, 1}, {"3,40000", 1, 2}};
+              {"3,,4", 1, 3}, {"1.4", 0, 1}, {"12.6", 0, 1}, {"3,40000", 1, 2}};
   for (const auto& row : rows) {
     const LibraryError error = ErrorOfList(row.list);
     EXPECT_EQ(error.Number(), ERR_INVALID_CHANNEL) << row.list;

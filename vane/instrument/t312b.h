@@ -266,8 +266,9 @@ class CVaneT312B {
   /// The instrument has no delay between scan steps: true, and nothing is done.
   bool UpdateScanSeqDelay() { return true; }
 
-  /// Writes the steps of `ScanChannels` and sets `ScanSeqSteps` to their number. A channel that no
-  /// step can take is `ERR_INVALID_CHANNEL`; the steps before it stay written.
+  /// Writes the steps of `ScanChannels`, as it is at the start, and sets `ScanSeqSteps` to their
+  /// number. An item is a whole number, rounded like a reply; a channel that no step can take is
+  /// `ERR_INVALID_CHANNEL`, and the steps before it stay written.
   bool UpdateScanChannelList(ui::CWindow* frm = nullptr);
 
   /// Puts the instrument into the mode of `ScanMode`; with `override`, into the plain mode or, with

@@ -1,5 +1,6 @@
 // What the instrument measures and how it walks its channels.
 #include <algorithm>
+#include <cmath>
 #include <string>
 
 #include "vane/instrument/settings_table.h"
@@ -101,17 +102,18 @@ bool CVaneT312B::UpdateScanChannelList(ui::CWindow* frm) {
       CVaneCommunications& line = Line();
       line.params().ClearAll();
       std::string list = ScanChannels();
-      const auto count = static_cast<double>(std::ranges::count(list, ',')) + 1;
-      SetScanSeqSteps(ToInteger(count));
+      // Of the items at hand: the host's events may change the properties while this goes on.
+      const std::int16_t count = ToInteger(static_cast<double>(std::ranges::count(list, ',')) + 1);
+      SetScanSeqSteps(count);
       UpdateScanSeqSteps();
       // The number of steps is the first stage.
-      run.Start(ResourceText(116), PercentShare(ScanSeqSteps() + 1));
+      run.Start(ResourceText(116), PercentShare(count + 1));
       run.Advance();
-      const std::int32_t steps = ScanSeqSteps();
       const std::int32_t highest = ScannerChannel(NumChannels());
-      for (std::int32_t step = 1; step <= steps; ++step) {
+      for (std::int32_t step = 1; step <= count; ++step) {
         line.params().Index = std::to_string(step);
-        const double value = NumberFromText(CutItem(list)) - kNumInputs;
+        // Whole before it is judged, so that what passes is what goes out.
+        const double value = std::nearbyint(NumberFromText(CutItem(list))) - kNumInputs;
         if (value > highest || value < 0) {
           throw LibraryError(ERR_INVALID_CHANNEL, Label("UpdateScanChannelList"),
                              ResourceText(217));
