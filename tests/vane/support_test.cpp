@@ -54,7 +54,10 @@ TEST(NumberFromText, ReadsTheLeadingNumberInEveryForm) {
               {"9007199254740993", 9007199254740992.0},
               {"4.9e-324", 5e-324}};
   for (const auto& row : rows) EXPECT_EQ(NumberFromText(row.text), row.number) << row.text;
-  EXPECT_TRUE(std::signbit(NumberFromText("-0")));
+  for (const char* zero : {"-0", "-0.000", "- 0", "-1e-400", "-4.9e-325", "-x", "-"}) {
+    EXPECT_EQ(NumberFromText(zero), 0);
+    EXPECT_FALSE(std::signbit(NumberFromText(zero))) << zero;
+  }
   EXPECT_EQ(NumberFromText("0." + std::string(5000, '0') + "1"), 0);
   for (const std::string& huge : {std::string(5000, '9'), std::string("-1e400")}) {
     EXPECT_EQ(NumberRaised([&] { NumberFromText(huge); }), ERR_PLATFORM_OVERFLOW) << huge;

@@ -56,7 +56,7 @@ double NumberFromText(std::string_view text) {
   double number = 0;
   const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
   if (error == std::errc::result_out_of_range) number = OutsideDouble(text);
-  return negative ? -number : number;
+  return negative && number != 0 ? -number : number;
 }
 
 std::int16_t ToInteger(double number) { return ToWhole<std::int16_t>(number); }

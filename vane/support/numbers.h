@@ -11,7 +11,7 @@ namespace vane {
 /// number and behind its sign are skipped, the decimal point is "." in every locale, and reading
 /// stops at the first character that can't go on the number. A text without a leading number gives
 /// 0. A number beyond the range of a Double is the platform's overflow error; one too near to 0
-/// gives 0.
+/// gives 0. A 0 has no sign.
 double NumberFromText(std::string_view text);
 
 /// Rounds to the nearest whole number, halves to the even neighbour. A number beyond the width is
