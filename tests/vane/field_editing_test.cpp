@@ -170,6 +170,37 @@ TEST_F(FieldEditing, FiltersLetTheirKeysThrough) {
   }
 }
 
+TEST(KeyFilters, ASeparatorThatNobodyTellsIsAPoint) {
+  const auto expect_point = [] {
+    for (const auto filter : {FilterRealKey, FilterExponentKey}) {
+      for (const char typed : std::string(".7-,x\b")) {
+        std::int16_t key = typed;
+        filter(key);
+        EXPECT_EQ(key, typed == ',' || typed == 'x' ? 0 : typed) << typed;
+      }
+    }
+  };
+  SetDecimalSeparator({});
+  expect_point();  // nothing is installed
+
+  struct CMutePlatform : test::CRecordingPlatform {
+    using CRecordingPlatform::CRecordingPlatform;
+    std::string DecimalSeparator() override { throw LibraryError(test::kLineError, {}, {}); }
+  };
+  CTestHost host;
+  host.platform.separator = ",";
+  CMutePlatform platform(host.log);
+  const Components components{platform, host};
+  {
+    const CInstalledComponents installed(components);
+    expect_point();
+  }
+  // What could not be found out is asked for again.
+  std::int16_t key = '.';
+  FilterRealKey(key);
+  EXPECT_EQ(key, ',');
+}
+
 TEST_F(FieldEditing, LimitsSelectionsAndTheFocusedField) {
   EXPECT_EQ(Clamp(5, 5, 9), 5);
   EXPECT_EQ(Clamp(9.5, 1.0, 9.5), 9.5);

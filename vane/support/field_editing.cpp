@@ -31,10 +31,18 @@ std::int16_t KeyOf(const std::string& text) {
   return code <= 0x7FFF ? static_cast<std::int16_t>(code) : std::int16_t{0};
 }
 
+// A key must not fail for lack of a platform that knows the separator; "." then stands for it.
+std::int16_t SeparatorKey() noexcept {
+  std::int16_t key = '.';
+  CPendingFailure ignored;
+  ignored.Try([&] { key = KeyOf(GetDecimalSeparator()); });
+  return key;
+}
+
 }  // namespace
 
-void FilterRealKey(std::int16_t& key) {
-  const std::int16_t separator = KeyOf(GetDecimalSeparator());
+void FilterRealKey(std::int16_t& key) noexcept {
+  const std::int16_t separator = SeparatorKey();
   if (IsDigit(key) || key == '-' || key == '+' || key == separator) return;
   if (key == '.') {
     key = separator;
@@ -43,15 +51,15 @@ void FilterRealKey(std::int16_t& key) {
   }
 }
 
-void FilterExponentKey(std::int16_t& key) {
+void FilterExponentKey(std::int16_t& key) noexcept {
   if (key != 'e' && key != 'E') FilterRealKey(key);
 }
 
-void FilterIntegerKey(std::int16_t& key) {
+void FilterIntegerKey(std::int16_t& key) noexcept {
   if (!IsDigit(key) && !IsControlKey(key)) key = 0;
 }
 
-void FilterSerialKey(std::int16_t& key) {
+void FilterSerialKey(std::int16_t& key) noexcept {
   const bool letter = IsBetween(key, 'a', 'z') || IsBetween(key, 'A', 'Z');
   if (!letter && !IsDigit(key) && key != '-' && !IsControlKey(key)) key = 0;
 }
