@@ -101,9 +101,14 @@ CVaneT312B::EDownloadEnd CVaneT312B::TransferLog(LogDownload& run, ET312BDownloa
   run.progress->Start(ResourceText(219), 0);
   const std::int32_t id =
       log == ET312BDownloadLogOption::DOWNLOAD_HISTORY_LOG ? READ_HISTORY_LOG : READ_MEMORY_LOG;
+  std::int32_t bad = 0;
   for (std::int32_t reading = 1; reading <= count; ++reading) {
     Line().params().Index = std::to_string(reading);
-    const std::string reply = FetchReading(run, id, reading, total);
+    std::string reply;
+    if (!FetchReading(run, id, reading, total, reply)) {
+      bad = reading;
+      break;
+    }
     if (!run.progress->Step(count, reading, kNoPosition)) {
       run.aborted = true;
       break;
@@ -114,6 +119,12 @@ CVaneT312B::EDownloadEnd CVaneT312B::TransferLog(LogDownload& run, ET312BDownloa
   }
   run.trace->WriteLine("Writing downloaded data to temp file...");
   WriteDownloadTempFile(run.rawtext);
+  if (bad != 0) {
+    throw LibraryError(ERR_BAD_READING, Label("DownloadLog"),
+                       "Reading " + std::to_string(bad) +
+                           " of the log could not be fetched: the instrument answers with its "
+                           "identification.");
+  }
   run.progress->Finish();
   run.progress.reset();
   if (!run.aborted) return EDownloadEnd::DONE;
@@ -122,19 +133,14 @@ CVaneT312B::EDownloadEnd CVaneT312B::TransferLog(LogDownload& run, ET312BDownloa
   return EDownloadEnd::STOPPED;
 }
 
-std::string CVaneT312B::FetchReading(LogDownload& run, std::int32_t id, std::int32_t reading,
-                                     const std::string& total) {
+bool CVaneT312B::FetchReading(LogDownload& run, std::int32_t id, std::int32_t reading,
+                              const std::string& total, std::string& reply) {
   for (int repeats = 0;; ++repeats) {
     run.trace->WriteLine("Querying value " + std::to_string(reading) + " of " + total + "...");
-    std::string reply = Line().ReadSetting(id);
+    reply = Line().ReadSetting(id);
     run.trace->WriteLine("Result: " + reply);
-    if (!Contains(reply, kIdentificationMark)) return reply;
-    if (repeats == kMaxRepeats) {
-      throw LibraryError(ERR_BAD_READING, Label("DownloadLog"),
-                         "Reading " + std::to_string(reading) +
-                             " of the log could not be fetched: the instrument answers with its "
-                             "identification.");
-    }
+    if (!Contains(reply, kIdentificationMark)) return true;
+    if (repeats == kMaxRepeats) return false;
     run.trace->WriteLine("Bad result - retry...");
   }
 }

@@ -314,7 +314,9 @@ class CVaneT312B {
   /// Never raises. True when the list of files was reached; false when the user has been told of a
   /// failure, has stopped the run, or when the instrument stays silent. A stop during the parsing
   /// leaves the rows so far in the file. In the temporary folder stay DNLDT312B.LOG, the trace of
-  /// the run, and TMPDWNLD.LOG, what the instrument has sent.
+  /// the run, and TMPDWNLD.LOG, the readings as the instrument has sent them, up to the log's end, a
+  /// stop, or a reading that stays bad. A failure of the line writes none, so what lies there then
+  /// is an earlier run's.
   bool DownloadLog(AwkOne& awkParser,
                    ET312BDownloadLogOption log = ET312BDownloadLogOption::DOWNLOAD_HISTORY_LOG,
                    ET312BDownloadOption opt = ET312BDownloadOption::DOWNLOAD_SINGLE_FILE,
@@ -443,8 +445,9 @@ class CVaneT312B {
   struct LogDownload;
   enum class EDownloadEnd { SILENT, STOPPED, DONE };
   EDownloadEnd TransferLog(LogDownload& run, ET312BDownloadLogOption log, std::int16_t numreadings);
-  std::string FetchReading(LogDownload& run, std::int32_t id, std::int32_t reading,
-                           const std::string& total);
+  // False when the reading stays bad.
+  bool FetchReading(LogDownload& run, std::int32_t id, std::int32_t reading,
+                    const std::string& total, std::string& reply);
   bool WriteDownloadTempFile(const std::string& text);
   void ParseLog(LogDownload& run, AwkOne& awkParser, bool prompt);
   static void WriteRows(LogDownload& run, AwkOne& awkParser);
