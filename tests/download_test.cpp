@@ -482,6 +482,12 @@ TEST_F(Download, TheListOpensOrPrintsAndItsFailureLeavesTheResult) {
   EXPECT_EQ(opened(true), "file print, asking");
   host_.registry->values["SelectPrinter"] = 0;
   EXPECT_EQ(opened(true), "file print");
+  EXPECT_EQ(host_.forms.LastOwner(), nullptr);
+  test::CTestWindow options;
+  ExpectList();
+  EXPECT_TRUE(it_.DownloadLogAbove(&options, parser_, ET312BDownloadLogOption::DOWNLOAD_HISTORY_LOG,
+                                   ET312BDownloadOption::DOWNLOAD_SINGLE_FILE, 0, 2, false));
+  EXPECT_EQ(host_.forms.LastOwner(), &options);
   EXPECT_TRUE(Run());
   EXPECT_EQ(Boxes(),
             "box 16 Corvane: An error occurred while attempting to show download files.//Error: 5 "

@@ -11,7 +11,8 @@ class CMemoryForms::CMemoryForm final : public ui::CForm {
   CMemoryForm(CMemoryForms& forms, const std::string& name) : CForm(name), forms_(forms) {}
 
  private:
-  void RunModal(ui::CWindow*) override {
+  void RunModal(ui::CWindow* owner) override {
+    forms_.lastowner_ = owner;
     Paint();
     auto& expected = forms_.expected_;
     if (expected.empty() || expected.front().name != Name()) {

@@ -22,6 +22,9 @@ class CMemoryForms {
   /// open, raises an error.
   std::unique_ptr<ui::CForm> Make(const std::string& name);
 
+  /// The window that the last form came up above; null when it had none.
+  const ui::CWindow* LastOwner() const { return lastowner_; }
+
   /// How many windows were expected and have not come up.
   std::size_t Unused() const { return expected_.size(); }
 
@@ -34,6 +37,7 @@ class CMemoryForms {
   };
 
   std::deque<Expected> expected_;
+  const ui::CWindow* lastowner_ = nullptr;
 };
 
 }  // namespace vane

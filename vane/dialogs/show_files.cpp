@@ -34,7 +34,7 @@ void frmShowFiles::SetFiles(std::span<const std::unique_ptr<CVaneOutputFile>> fi
   for (const auto& file : files) files_.push_back(file.get());
 }
 
-void frmShowFiles::Show() { form_->ShowModal(nullptr); }
+void frmShowFiles::Show(ui::CWindow* owner) { form_->ShowModal(owner); }
 
 void frmShowFiles::FillList() {
   for (std::size_t index = 0; index < files_.size() && files_[index] != nullptr; ++index) {

@@ -22,8 +22,8 @@ class frmShowFiles {
   /// ends at the first empty entry.
   void SetFiles(std::span<const std::unique_ptr<CVaneOutputFile>> files);
 
-  /// Modal.
-  void Show();
+  /// Modal above `owner`, the window that the download was started from; null when none is known.
+  void Show(ui::CWindow* owner);
 
   /// Forgets the files.
   void Unload() { form_->Unload(); }

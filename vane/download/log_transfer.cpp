@@ -33,8 +33,15 @@ std::string NumberFormat(std::int16_t resol) {
 
 }  // namespace
 
-bool CVaneT312B::DownloadLog(AwkOne& awkParser, ET312BDownloadLogOption log, ET312BDownloadOption,
-                             std::int16_t numreadings, std::int16_t resol, bool prompt) {
+bool CVaneT312B::DownloadLog(AwkOne& awkParser, ET312BDownloadLogOption log,
+                             ET312BDownloadOption opt, std::int16_t numreadings, std::int16_t resol,
+                             bool prompt) {
+  return DownloadLogAbove(nullptr, awkParser, log, opt, numreadings, resol, prompt);
+}
+
+bool CVaneT312B::DownloadLogAbove(ui::CWindow* frm, AwkOne& awkParser, ET312BDownloadLogOption log,
+                                  ET312BDownloadOption, std::int16_t numreadings,
+                                  std::int16_t resol, bool prompt) {
   LogDownload run;
   CPendingFailure ignored;
   bool done = false;
@@ -66,7 +73,7 @@ bool CVaneT312B::DownloadLog(AwkOne& awkParser, ET312BDownloadLogOption log, ET3
     });
     ignored.Try([] { ShowError(ResourceText(189), kCompanyName, {}, 0); });
   }
-  if (done) ShowDownloadedFiles(run);
+  if (done) ShowDownloadedFiles(run, frm);
 
   ignored.Try([&] {
     if (run.trace) run.trace->WriteLine("Download finished...");
@@ -161,13 +168,13 @@ bool CVaneT312B::WriteDownloadTempFile(const std::string& text) {
   }
 }
 
-void CVaneT312B::ShowDownloadedFiles(LogDownload& run) {
+void CVaneT312B::ShowDownloadedFiles(LogDownload& run, ui::CWindow* frm) {
   CPendingFailure ignored;
   std::unique_ptr<frmShowFiles> dialog;
   try {
     dialog = std::make_unique<frmShowFiles>(components_);
     dialog->SetFiles(run.files);
-    dialog->Show();
+    dialog->Show(frm);
   } catch (...) {
     ignored.Try([] { ShowError(ResourceText(301), kCompanyName, {}, 0); });
   }

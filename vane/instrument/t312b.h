@@ -314,9 +314,9 @@ class CVaneT312B {
   /// Never raises. True when the list of files was reached; false when the user has been told of a
   /// failure, has stopped the run, or when the instrument stays silent. A stop during the parsing
   /// leaves the rows so far in the file. In the temporary folder stay DNLDT312B.LOG, the trace of
-  /// the run, and TMPDWNLD.LOG, the readings as the instrument has sent them, up to the log's end, a
-  /// stop, or a reading that stays bad. A failure of the line writes none, so what lies there then
-  /// is an earlier run's.
+  /// the run, and TMPDWNLD.LOG, the readings as the instrument has sent them, up to the log's end,
+  /// a stop, or a reading that stays bad. A failure of the line writes none, so what lies there
+  /// then is an earlier run's.
   bool DownloadLog(AwkOne& awkParser,
                    ET312BDownloadLogOption log = ET312BDownloadLogOption::DOWNLOAD_HISTORY_LOG,
                    ET312BDownloadOption opt = ET312BDownloadOption::DOWNLOAD_SINGLE_FILE,
@@ -374,6 +374,11 @@ class CVaneT312B {
 
   /// For an event handler of the host: ends the wait of a running `QueryMeasurement` at once.
   void CancelWait() { waitcancelled_ = true; }
+
+  /// `DownloadLog`, started from the window `frm`, above which the list of files opens.
+  bool DownloadLogAbove(ui::CWindow* frm, AwkOne& awkParser, ET312BDownloadLogOption log,
+                        ET312BDownloadOption opt, std::int16_t numreadings, std::int16_t resol,
+                        bool prompt);
 
  private:
   friend class CVaneT312BPRTTHRMChannel;  // reaches `Line`
@@ -453,7 +458,7 @@ class CVaneT312B {
   static void WriteRows(LogDownload& run, AwkOne& awkParser);
   bool PrepareDownloadFile(CVaneOutputFile& file, bool prompt, std::int16_t chn);
   static std::string LogUnitText(const std::string& text);
-  void ShowDownloadedFiles(LogDownload& run);
+  void ShowDownloadedFiles(LogDownload& run, ui::CWindow* frm);
 
   bool CheckModel(CLongRun& run);
   bool ProveInstrument(CLongRun& run, bool setprops);
