@@ -1,5 +1,8 @@
+// Readings, and the wait for a new one.
+#include <algorithm>
 #include <functional>
 
+#include "vane/instrument/settings_table.h"
 #include "vane/instrument/t312b.h"
 #include "vane/support/exchange.h"
 #include "vane/support/text_table.h"
@@ -17,6 +20,9 @@ constexpr std::int32_t READ_NEW_DATA = 15;
 constexpr std::int32_t READ_SCANNER_MEASUREMENT = 103;
 
 constexpr std::int32_t kPollPause = 1000;  // ms
+
+constexpr std::int64_t kShortestLimit = 120'000;  // ms
+constexpr std::int64_t kMsPerSecond = 1000;
 
 }  // namespace
 
@@ -37,6 +43,7 @@ bool CVaneT312B::StopMeasure() {
 }
 
 double CVaneT312B::QueryMeasurement(std::int16_t chan, bool waitfornew) {
+  measurementtrouble_.reset();
   const bool selected = chan == -1;
   const std::int16_t chn = selected ? SelectedChannel() : chan;
   if (selected ? chn == -1 : chn > NumChannels() || chn < 1) {
@@ -70,24 +77,55 @@ double CVaneT312B::MeasurementOf(std::string_view operation, std::int16_t failed
   try {
     return body();
   } catch (...) {
+    // A scanner reading passes here twice; the inner one knows.
+    if (!measurementtrouble_) {
+      measurementtrouble_ = {EMeasurementTrouble::FAILED, PendingError()};
+    }
     throw LibraryError(ERR_MEASUREMENT, Label(operation), ResourceText(failedtext), HelpFile(),
                        HCIDCommError());
   }
 }
 
+std::int64_t CVaneT312B::NewDataLimit() const {
+  if (newdatalimit_) return *newdatalimit_;
+  std::int64_t round = 2;
+  if (HasScanners() && ChannelMode() == ET312BChannelMode::CM_SCANNER_SEQUENCE) {
+    const std::int64_t sequence = ScannerScanMode() == ET312BScannerScanMode::SSM_USER_DEFINED
+                                      ? ScanSeqSteps()
+                                      : 2 * ScanSeqChannels();
+    round = std::max(round, sequence);
+  }
+  return std::max(kShortestLimit, (1 + round) * Interval() * kMsPerSecond);
+}
+
+bool CVaneT312B::QueryWaitSettings() {
+  return Query(kInterval) && (!HasScanners() || (QueryChannelMode() && QueryScannerScanMode() &&
+                                                 Query(kScanSeqChannels) && Query(kScanSeqSteps)));
+}
+
 void CVaneT312B::WaitForNewData() {
   CPlatform& platform = components_.platform;
-  const std::uint32_t start = platform.TickCount();
+  // Summed up, since a wait may be longer than what the tick count can tell apart.
+  std::int64_t waited = 0;
+  std::uint32_t last = platform.TickCount();
   while (!Contains(Line().ReadSetting(READ_NEW_DATA), "1")) {
-    const std::uint32_t waited = platform.TickCount() - start;
-    if (waited >= static_cast<std::uint32_t>(std::max(newdatalimit_, 0))) {
-      throw LibraryError(ERR_MEASUREMENT, {}, "No new reading came in time.");
+    const std::uint32_t now = platform.TickCount();
+    waited += now - last;
+    last = now;
+    if (waited >= NewDataLimit()) {
+      EndWait(EMeasurementTrouble::TIMED_OUT, "No new reading came in time.");
     }
     PauseMs(kPollPause, [this] { return waitcancelled_; });
     if (waitcancelled_) {
-      throw LibraryError(ERR_MEASUREMENT, {}, "The wait for a new reading was cancelled.");
+      EndWait(EMeasurementTrouble::CANCELLED, "The wait for a new reading was cancelled.");
     }
   }
+}
+
+void CVaneT312B::EndWait(EMeasurementTrouble kind, const char* description) {
+  measurementtrouble_ = {kind,
+                         LibraryError(ERR_MEASUREMENT, Label("QueryMeasurement"), description)};
+  throw measurementtrouble_->error;
 }
 
 }  // namespace vane

@@ -23,6 +23,7 @@
 #include <functional>
 #include <initializer_list>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -33,6 +34,7 @@
 #include "vane/support/enums.h"
 #include "vane/support/exchange.h"
 #include "vane/support/failure.h"
+#include "vane/support/library_error.h"
 #include "vane/support/messages.h"
 #include "vane/support/numbers.h"
 #include "vane/support/tracked.h"
@@ -50,6 +52,19 @@ using Date = double;
 /// midnight. A date outside the years 100 to 9999 is the platform's overflow error.
 std::chrono::local_seconds MomentOf(Date date);
 Date DateOf(std::chrono::local_seconds moment);
+
+enum class EMeasurementTrouble {
+  TIMED_OUT,  ///< no new reading came within `NewDataLimit`
+  CANCELLED,  ///< by `CancelWait`
+  FAILED      ///< an exchange failed, or what the instrument sent is no reading
+};
+
+/// Why there is no reading, and the error by which that showed first: one of the line, say, or the
+/// platform's overflow error for a number that a Double can't hold.
+struct MeasurementTrouble {
+  EMeasurementTrouble kind;
+  LibraryError error;
+};
 
 /// Takes an identification reply apart: the text before the first comma, trimmed, is the model, the
 /// number behind it the firmware. Without a comma the model is "<unknown>" and the firmware 0.
@@ -235,7 +250,8 @@ class CVaneT312B {
 
   /// The reading of channel `chan`, in the instrument's units; -1 stands for `SelectedChannel`.
   /// With `waitfornew`, waits for a new reading first, up to `NewDataLimit`. Every failure of the
-  /// exchange, of the wait, or by `CancelWait`, is `ERR_MEASUREMENT`; a channel that the instrument
+  /// exchange, of the wait, or by `CancelWait`, is `ERR_MEASUREMENT`, and `LastMeasurementTrouble`
+  /// tells which; a channel that the instrument
   /// does not have is `ERR_INVALID_CHANNEL`.
   double QueryMeasurement(std::int16_t chan = -1, bool waitfornew = false);
 
@@ -368,12 +384,30 @@ class CVaneT312B {
 
   // Not of the interface: what a host may want besides.
 
-  /// The longest wait for one new reading, in milliseconds.
-  void SetNewDataLimit(std::int32_t ms) { newdatalimit_ = ms; }
-  std::int32_t NewDataLimit() const { return newdatalimit_; }
+  /// The longest wait for one new reading, in milliseconds. Until a host sets one it follows the
+  /// settings in this copy, so that no wait ends before the instrument had its time: the sample
+  /// under way when the wait begins, and behind it a round of all that is measured by turns, at one
+  /// sample per `Interval` seconds. A round is two samples; in the mode `CM_SCANNER_SEQUENCE` with
+  /// a scanner, `ScanSeqSteps` of a user-defined sequence, twice `ScanSeqChannels` of any other,
+  /// since every second sample may be of Input 2 or of scanner channel 1. It is never below 120 s,
+  /// which is also what holds while the settings have not been read.
+  void SetNewDataLimit(std::int64_t ms) { newdatalimit_ = ms; }
+  std::int64_t NewDataLimit() const;
+
+  /// Reads into this copy what the usual `NewDataLimit` follows, for a host that waits for readings
+  /// without a `QueryInfo`: `Interval` and, with a scanner, the channel mode, the scanner's mode
+  /// and the lengths of its sequences. The modules must have been found out. True, or an error
+  /// under the label of the read that failed.
+  bool QueryWaitSettings();
 
   /// For an event handler of the host: ends the wait of a running `QueryMeasurement` at once.
   void CancelWait() { waitcancelled_ = true; }
+
+  /// What stands behind the `ERR_MEASUREMENT` of the last `QueryMeasurement`. Null when that gave a
+  /// reading, or refused the channel; good until the next one.
+  const MeasurementTrouble* LastMeasurementTrouble() const {
+    return measurementtrouble_ ? &*measurementtrouble_ : nullptr;
+  }
 
   /// `DownloadLog`, started from the window `frm`, above which the list of files opens.
   bool DownloadLogAbove(ui::CWindow* frm, AwkOne& awkParser, ET312BDownloadLogOption log,
@@ -472,6 +506,7 @@ class CVaneT312B {
 
   double QueryScannerMeasurement(std::int32_t chan, bool waitfornew);
   void WaitForNewData();
+  [[noreturn]] void EndWait(EMeasurementTrouble kind, const char* description);
   double MeasurementOf(std::string_view operation, std::int16_t failedtext,
                        const std::function<double()>& body);
 
@@ -524,8 +559,9 @@ class CVaneT312B {
   Tracked<ET312BOven> oven_{*this};
   std::int32_t hcidcommerror_ = 0;
 
-  std::int32_t newdatalimit_ = 120000;
+  std::optional<std::int64_t> newdatalimit_;  // the host's
   bool waitcancelled_ = false;
+  std::optional<MeasurementTrouble> measurementtrouble_;
 };
 
 }  // namespace vane
