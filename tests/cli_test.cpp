@@ -335,7 +335,8 @@ TEST_F(Cli, ShowsEverySettingAsTheReadoutHasIt) {
         Ask("scan show").out.find("  Step 1                12  Scanner 10\n") != std::string::npos,
         scanner);
     EXPECT_THAT(Ask("settings show --group sampling").out,
-                HasSubstr("\n  Sample interval         99999 s                     2 to 99999\n"));
+                HasSubstr("\n  Sample interval         Interval              99999 s               "
+                          "    2 to 99999\n"));
     EXPECT_THAT(Ask("protection show").out,
                 HasSubstr("Calibration     not protected\nSampling        protected\n"));
   }
@@ -456,7 +457,8 @@ TEST_F(Cli, TextFollowsTheUsersLocaleAndNothingElseDoes) {
   EXPECT_THAT(Ask("clock set --time 2026-02-03T15:07:09 --dry-run").out,
               ContainsRegex("CLOCK:DATE 02-03-2026.*\n.*CLOCK:TIME 15:07:09\\*"));
   setenv("LC_ALL", "en_US.UTF-8", 1);
-  EXPECT_THAT(Ask("clock set --time '2026-02-03T15:07' --dry-run").err, HasSubstr("is a date and time"));
+  EXPECT_THAT(Ask("clock set --time '2026-02-03T15:07' --dry-run").err,
+              HasSubstr("is a date and time"));
   EXPECT_THAT(Ask("clock set --time 2026-02-03T15:07 --dry-run").out,
               HasSubstr("CLOCK:TIME 3:07:00PM*"));
   unsetenv("LOCPATH");

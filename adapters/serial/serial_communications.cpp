@@ -133,7 +133,10 @@ std::string CSerialCommunications::Run(const char* label, std::int32_t id, bool 
   }
   settings_->lastfailure = failure;
   if (failure.number == 0) return reply;
-  ++settings_->failures;
+  // With one try alone somebody only looks whether anything answers; that nothing does, or refuses,
+  // is an answer then.
+  const bool isanswer = Tries() == 1 && (failure.refused || failure.number == ERR_LINE_NO_ANSWER);
+  if (!isanswer) ++settings_->failures;
   throw LibraryError(failure.number, label, failure.description);
 }
 

@@ -50,8 +50,9 @@ struct LineSettings {
   /// general one, or take silence for an answer; here the cause is still to be seen.
   LineFailure lastfailure;
 
-  /// How many exchanges have failed up to now, refusals and allowed silences among them. A host
-  /// that compares it before and after a run learns whether every exchange of the run went well.
+  /// How many exchanges have failed up to now, refusals and allowed silences among them; but
+  /// not a read with one try that was refused or met silence, which only looks for who is there. A
+  /// host that compares it before and after a run learns whether every exchange went well.
   std::int32_t failures = 0;
 };
 

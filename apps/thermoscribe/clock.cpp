@@ -7,9 +7,11 @@
 #include <optional>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "apps/thermoscribe/commands.h"
 #include "apps/thermoscribe/host.h"
+#include "apps/thermoscribe/stages.h"
 
 namespace vane {
 namespace {
@@ -43,14 +45,20 @@ std::optional<local_seconds> MomentIn(const std::string& text) {
 }
 
 EExitCode RunClockSet(CHost& host, std::optional<local_seconds> moment, bool dryrun) {
-  if (const EExitCode code = host.ReadSettings(); code != EExitCode::DONE) return code;
+  if (const EExitCode code = host.ReadSettings(); code != EExitCode::DONE) {
+    return NothingWritten(host, code);
+  }
   static constexpr EGate kGates[] = {EGate::UNITS_TIME};
-  if (const EExitCode code = host.OpenGates(kGates); code != EExitCode::DONE) return code;
+  if (const EExitCode code = host.OpenGates(kGates); code != EExitCode::DONE) {
+    return NothingWritten(host, code);
+  }
   if (dryrun) host.StartDryRun();
   // The text below is that of the moment which is sent.
   const local_seconds sent = moment.value_or(host.LocalTime());
   host.Instrument().SetSystemClock(DateOf(sent));
-  host.Instrument().UpdateSystemClock(nullptr);
+  const std::vector<Stage> stages = {
+      {"date and time", [&] { return host.Instrument().UpdateSystemClock(nullptr); }}};
+  if (const EExitCode code = RunStages(host, stages, {}); code != EExitCode::DONE) return code;
   if (dryrun) return EExitCode::DONE;
   const std::string text = MomentText(sent);
   host.Output().Record("clock", {{"time", text}}, "The clock was set to " + text + ".");

@@ -16,6 +16,7 @@ namespace vane {
 EBoxButton CHostPlatform::MessageBox(const std::string& text, const std::string& title,
                                      std::int32_t flags, const std::string& helpfile,
                                      std::int32_t helpcontext) {
+  if ((flags & kBoxYesNo) == 0) ++boxes_;
   if (!notices_.IsJson() || (flags & kBoxYesNo) != 0) {
     return CTerminalPlatform::MessageBox(text, title, flags, helpfile, helpcontext);
   }
@@ -81,6 +82,18 @@ EExitCode CHost::ReadSettings() {
     return EExitCode::ABORTED;
   }
   return EExitCode::DONE;
+}
+
+EExitCode CHost::ReadWell(const std::function<EExitCode()>& read) {
+  const std::int32_t failures = line_->failures;
+  const std::int32_t boxes = platform_.Boxes();
+  const EExitCode code = read();
+  if (code != EExitCode::DONE || (line_->failures == failures && platform_.Boxes() == boxes)) {
+    return code;
+  }
+  Say("Not everything could be read well.");
+  const EExitCode linecode = ExitCodeOfLine(LastFailure().number);
+  return linecode == EExitCode::DONE ? EExitCode::FAILED : linecode;
 }
 
 EExitCode CHost::OpenGates(std::span<const EGate> gates) {

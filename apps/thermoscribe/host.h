@@ -4,6 +4,7 @@
 
 #include <chrono>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <span>
@@ -34,8 +35,12 @@ class CHostPlatform final : public CTerminalPlatform {
   EBoxButton MessageBox(const std::string& text, const std::string& title, std::int32_t flags,
                         const std::string& helpfile, std::int32_t helpcontext) override;
 
+  /// How many were shown so far, questions not counted.
+  std::int32_t Boxes() const { return boxes_; }
+
  private:
   CNotices& notices_;
+  std::int32_t boxes_ = 0;
 };
 
 /// One object per process, on the main thread. From its making on, Ctrl-C ends a wait of the
@@ -54,6 +59,10 @@ class CHost {
   /// `Connect`, and then reads all settings of the instrument and its scanner, but not the modules'
   /// channels. When the result is not `DONE` the user has been told why, or the run was stopped.
   EExitCode ReadSettings();
+
+  /// Runs `read`, and gives its result; where that is `DONE` and still an exchange failed or a box
+  /// was shown meanwhile, says that the reading is not whole, and gives the code of that.
+  EExitCode ReadWell(const std::function<EExitCode()>& read);
 
   /// Opens editing of the groups of `gates` for this command, with the passcode where one of them
   /// is protected; the user is asked at most once. After `ReadSettings`. `DONE`, or why not.

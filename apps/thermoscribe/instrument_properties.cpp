@@ -210,7 +210,8 @@ const PropertyRow kProperties[] = {
      .unit = {},
      .get = Value<&I::ScanChannels>,
      .set = Store<std::string, &I::SetScanChannels>,
-     .update = [](I& instrument) { return instrument.UpdateScanChannelList(); }},
+     .update = [](I& instrument) { return instrument.UpdateScanChannelList(); },
+     .issequence = true},
 
     // The names count as the parameters do. The external resistor goes with the conversions.
     Behind(EGate::CONVERSION, CalParam<CP_EXTERNAL>("CalParams0", "External resistor")),
@@ -253,6 +254,12 @@ Json SettableValues(const CVaneT312B& instrument) {
 
 bool IsThere(EPropertyGroup group, const CVaneT312B& instrument) {
   return group != SCAN || instrument.HasScanners();
+}
+
+bool NeedsScanner(const PropertyRow& row, const Json& value) {
+  if (row.group == SCAN) return true;
+  return row.name == "ChannelMode" && (value == ChannelModeText(CM_SCANNER_CHANNEL) ||
+                                       value == ChannelModeText(CM_SCANNER_SEQUENCE));
 }
 
 Json PropertyValue(const PropertyRow& row, const CVaneT312B& instrument) {

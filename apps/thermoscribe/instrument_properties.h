@@ -65,8 +65,14 @@ struct PropertyRow {
 
   EGate gate = EGate::NONE;
 
+  /// A list of channels, which is written step by step.
+  bool issequence = false;
+
   ValueRule Rule() const { return {minimum, maximum, whole, choices}; }
 };
+
+/// Whether the readout can only have `value` with a scanner.
+bool NeedsScanner(const PropertyRow& row, const Json& value);
 
 /// All properties, by group.
 std::span<const PropertyRow> InstrumentProperties();

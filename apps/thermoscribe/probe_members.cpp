@@ -56,16 +56,6 @@ bool IsCoefficient(const std::string& folded) {
   return std::stoi(number) <= highest;
 }
 
-bool IsSerial(const std::string& text) {
-  return !text.empty() && text.size() <= static_cast<std::size_t>(Channel::MaxSerialLength()) &&
-         std::ranges::all_of(text, [](char character) {
-           if (character <= ' ') return false;
-           std::int16_t key = character;
-           FilterSerialKey(key);
-           return key != 0;
-         });
-}
-
 [[noreturn]] void Refuse(std::string_view name, const std::string& text,
                          const std::string& expected) {
   throw CUsageError(std::string(name) + " can't be \"" + text + "\". It is " + expected + ".");
@@ -73,7 +63,7 @@ bool IsSerial(const std::string& text) {
 
 Json MemberValue(const MemberRow& row, const std::string& text) {
   if (row.name == "serial") {
-    if (!IsSerial(text)) Refuse(row.name, text, "1 to 8 letters, digits and \"-\"");
+    if (!IsSerial(text)) Refuse(row.name, text, kSerialRule);
     // The readout's serial numbers are read in capital letters.
     std::string serial = text;
     std::ranges::transform(serial, serial.begin(), [](char c) {
@@ -98,8 +88,12 @@ std::string MemberNames() {
 // Whether a file's record may hold it; what a readout tells as unknown stands there too.
 bool MayStand(const MemberRow& row, const Json& value) {
   if (row.name == "serial") {
+    // A readout may hold one that nobody can write, but none with a control character.
     return value.is_string() &&
-           value.get<std::string>().size() <= static_cast<std::size_t>(Channel::MaxSerialLength());
+           value.get<std::string>().size() <=
+               static_cast<std::size_t>(Channel::MaxSerialLength()) &&
+           std::ranges::none_of(value.get<std::string>(),
+                                [](unsigned char c) { return c < ' ' || c == 0x7F; });
   }
   if (row.name == "scale") return value.is_null() || value == 90 || value == 68;
   if (row.name == "reference" && value == RefResistorText(ET312BProbeRefResistor::PRR_NONE)) {
@@ -110,12 +104,22 @@ bool MayStand(const MemberRow& row, const Json& value) {
 }
 
 std::string ExpectedInFile(const MemberRow& row) {
-  if (row.name == "serial") return "a text of up to 8 characters";
+  if (row.name == "serial") return "a text of up to 8 characters without control characters";
   if (row.name == "scale") return "90, 68 or null";
   return ExpectedText(row.rule) + (row.maybenone ? ", or null" : "");
 }
 
 }  // namespace
+
+bool IsSerial(const std::string& text) {
+  return !text.empty() && text.size() <= static_cast<std::size_t>(Channel::MaxSerialLength()) &&
+         std::ranges::all_of(text, [](char character) {
+           if (character <= ' ') return false;
+           std::int16_t key = character;
+           FilterSerialKey(key);
+           return key != 0;
+         });
+}
 
 void AssignProbeMember(Json& values, const std::string& name, const std::string& text) {
   for (const MemberRow& row : kMembers) {
@@ -177,8 +181,12 @@ std::string ProblemOfRecord(const Json& record) {
     return error.what();
   }
   const Json whole = ProbeRecord(scratch, 1);
+  for (const auto& [name, value] : record.items()) {
+    if (!whole.contains(name)) return name + " is nothing that a probe has";
+  }
   for (const auto& [name, value] : whole.items()) {
-    if (!record.contains(name)) return name + " is missing";
+    // What only another conversion has may be left out.
+    if (!record.contains(name) && !value.is_null()) return name + " is missing";
     if (!value.is_object()) continue;
     for (const auto& [coefficient, number] : value.items()) {
       if (!record[name].contains(coefficient)) return name + "." + coefficient + " is missing";

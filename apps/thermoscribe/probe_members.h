@@ -21,6 +21,10 @@ std::vector<std::string> ProbeMemberNames();
 /// Whether `values` touches the conversion, which may be behind the passcode.
 bool HoldsConversion(const Json& values);
 
+/// Whether `serial` can be written: 1 to 8 letters, digits and "-".
+bool IsSerial(const std::string& serial);
+inline constexpr const char* kSerialRule = "1 to 8 letters, digits and \"-\"";
+
 /// What is wrong with a record out of a file, with the member's name at its head; empty when all of
 /// it can be stored.
 std::string ProblemOfRecord(const Json& record);

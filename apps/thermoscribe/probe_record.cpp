@@ -117,7 +117,7 @@ std::vector<Coefficient> CoefficientsOf(const CVaneT312BPRTTHRMChannel& channel)
 
 // What the record holds behind the conversion's name.
 Json ConversionMembers(const CVaneT312BPRTTHRMChannel& channel) {
-  Json members = Json::object();
+  Json members = {{"lowrange", nullptr}, {"highrange", nullptr}, {"scale", nullptr}};
   CConversionSettings* const settings = SettingsIn(channel);
   if (auto* const its90 = dynamic_cast<CITS90Settings*>(settings)) {
     members["lowrange"] = RangeNumber(its90->LowRange());
@@ -213,6 +213,10 @@ void StoreProbeRecord(CVaneT312BPRTTHRMChannel& channel, const Json& values) {
   }
   for (const char* const name : {"lowrange", "highrange"}) {
     if (!values.contains(name)) continue;
+    // Null is "none" of a conversion that has subranges, and says nothing to any other.
+    if (values[name].is_null() && dynamic_cast<CITS90Settings*>(SettingsIn(channel)) == nullptr) {
+      continue;
+    }
     auto* const its90 = SettingsFor<CITS90Settings>(channel, name, "ITS-90");
     StoreRange(name == std::string_view("lowrange") ? its90->LowRange() : its90->HighRange(),
                values, name);
@@ -235,6 +239,13 @@ std::vector<std::string> ConversionWords() { return WordsOf(kConversions, Conver
 
 std::string ProbeRecordText(const Json& record) {
   std::string text;
+  // Members that go with one conversion only.
+  const auto isanothers = [&](std::string_view key) {
+    if (key == "lowrange" || key == "highrange") {
+      return record["conversion"] != ConversionText(CONV_ITS90);
+    }
+    return key == "scale" && record["conversion"] != ConversionText(CONV_IPTS68);
+  };
   static constexpr std::pair<const char*, const char*> kLines[] = {
       {"channel", "Channel"},       {"name", "Name"},
       {"probe", "Probe"},           {"serial", "Probe serial number"},
@@ -244,7 +255,7 @@ std::string ProbeRecordText(const Json& record) {
       {"scale", "Scale"},
   };
   for (const auto& [key, title] : kLines) {
-    if (record.contains(key)) AddLine(text, title, TextOf(record[key]));
+    if (record.contains(key) && !isanothers(key)) AddLine(text, title, TextOf(record[key]));
   }
   for (const auto& [name, value] : record["coefficients"].items()) {
     AddLine(text, "  " + name, TextOf(value));

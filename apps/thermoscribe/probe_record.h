@@ -12,7 +12,8 @@ namespace vane {
 
 /// The record that `channel` holds, as that of probe `number`: serial number, reference resistor,
 /// current, 3-wire offset, conversion, and under "coefficients" the values of the conversion by
-/// their names in the field.
+/// their names in the field. The members are the same for every conversion; null is what it doesn't
+/// have.
 Json ProbeRecord(const CVaneT312BPRTTHRMChannel& channel, std::int16_t number);
 
 /// Puts those members of a record that `values` holds into `channel`: the inverse of `ProbeRecord`.

@@ -7,8 +7,10 @@
 #include "apps/thermoscribe/probe_members.h"
 #include "apps/thermoscribe/probe_record.h"
 #include "apps/thermoscribe/settings_write.h"
-#include "apps/thermoscribe/snapshot.h"
+#include "apps/thermoscribe/stages.h"
+#include "apps/thermoscribe/value_check.h"
 #include "apps/thermoscribe/value_rule.h"
+#include "vane/support/display_texts.h"
 
 namespace vane {
 namespace {
@@ -34,7 +36,7 @@ Json ValueUnder(const Json& flat, const std::string& name) {
   return nullptr;
 }
 
-EExitCode ShowChanges(CHost& host, const Json& values, const Json& before, const Json& after) {
+EExitCode ShowChanges(CHost& host, const Json& before, const Json& wanted, const Json& after) {
   Json changes = Json::object();
   std::string text;
   const auto add = [&](const std::string& name, const Json& old, const Json& now) {
@@ -42,7 +44,7 @@ EExitCode ShowChanges(CHost& host, const Json& values, const Json& before, const
     text += (text.empty() ? "" : "\n") + name + ": " + TextOf(old) + " -> " + TextOf(now);
   };
   for (const auto& [name, value] : after.items()) {
-    const Json old = before.contains(name) ? before[name] : Json();
+    const Json old = ValueUnder(before, name);
     if (value != old) add(name, old, value);
   }
   for (const auto& [name, value] : before.items()) {
@@ -50,58 +52,102 @@ EExitCode ShowChanges(CHost& host, const Json& values, const Json& before, const
   }
   host.Output().Record("changes", changes, text.empty() ? "Nothing has changed." : text);
   EExitCode code = EExitCode::DONE;
-  const Json wanted = Flat(values);
-  for (const auto& [name, value] : wanted.items()) {
-    const Json now = ValueUnder(after, name);
-    if (now == value) continue;
-    host.Say(name + ": " + TextOf(value) + " was written, but the readout has " + TextOf(now) +
-             ": " + WhyNotArrived(value, now, ValueUnder(before, name)) + ".");
+  const auto check = [&](const std::string& name) {
+    const CheckedValue value{.before = ValueUnder(before, name),
+                             .wanted = ValueUnder(wanted, name),
+                             .after = ValueUnder(after, name)};
+    if (value.after == value.wanted) return;
+    host.Say(WrongValueText(name, value, TextOf));
     code = EExitCode::FAILED;
+  };
+  for (const auto& [name, value] : wanted.items()) check(name);
+  for (const auto& [name, value] : after.items()) {
+    if (!wanted.contains(name)) check(name);
   }
   return code;
 }
 
-// `ischannel`: the probe of the channel; otherwise the channel's object only carries the record.
-EExitCode Write(CHost& host, CVaneT312BPRTTHRMChannel& channel, std::int16_t number, bool ischannel,
-                const Json& values, bool dryrun) {
-  CVaneT312B& instrument = host.Instrument();
-  ui::CWindow* const window = host.ProgressWindow();
-  if (ischannel) {
-    channel.QueryProbeIndex();
-    number = channel.ProbeIndex();
+// A write rewrites the record, so what it does not change has to be known. Empty: it is.
+std::string UnknownPart(const Json& record, bool conversiontoo) {
+  if (record["reference"] == RefResistorText(ET312BProbeRefResistor::PRR_NONE)) {
+    return "reference";
   }
-  const Json assigned = number;
+  return conversiontoo && record["conversion"].is_null() ? "conversion" : "";
+}
+
+// Where a record is written, and as what.
+struct Target {
+  CVaneT312BPRTTHRMChannel& channel;
+  std::int16_t number;  // of the probe
+  bool ischannel;       // the probe of the channel; otherwise its object only carries the record
+};
+
+EExitCode ReadRecord(CHost& host, const Target& target) {
+  return host.ReadWell([&] {
+    return target.channel.QueryProbeInfo(target.number, host.ProgressWindow())
+               ? EExitCode::DONE
+               : host.CodeOfStoppedRun();
+  });
+}
+
+EExitCode Write(CHost& host, Target target, const Json& values, bool dryrun) {
+  CVaneT312BPRTTHRMChannel& channel = target.channel;
+  if (target.ischannel) {
+    channel.QueryProbeIndex();
+    target.number = channel.ProbeIndex();
+  }
+  const std::int16_t assigned = target.number;
   const bool assigns = values.contains("probe");
-  if (assigns) number = values["probe"].get<std::int16_t>();
-  if (!channel.QueryProbeInfo(number, window)) return host.CodeOfStoppedRun();
-  Json before = Flat(ProbeRecord(channel, number));
+  if (assigns) target.number = values["probe"].get<std::int16_t>();
+  if (const EExitCode code = ReadRecord(host, target); code != EExitCode::DONE) {
+    return NothingWritten(host, code);
+  }
+  Json before = Flat(ProbeRecord(channel, target.number));
   before["probe"] = assigned;
   try {
     StoreProbeRecord(channel, values);
   } catch (const std::invalid_argument& error) {
     host.Say(error.what());
-    return EExitCode::USAGE;
+    return NothingWritten(host, EExitCode::USAGE);
   }
-  if (HoldsConversion(values)) {
+  const Json record = ProbeRecord(channel, target.number);
+  const bool converts = HoldsConversion(values);
+  if (const std::string part = UnknownPart(record, converts); !part.empty()) {
+    host.Say("The " + part + " of probe " + std::to_string(target.number) +
+             " is none that can be written again. Set it too.");
+    return NothingWritten(host, EExitCode::FAILED);
+  }
+  if (converts) {
     static constexpr EGate kGates[] = {EGate::CONVERSION};
-    if (const EExitCode code = host.OpenGates(kGates); code != EExitCode::DONE) return code;
+    if (const EExitCode code = host.OpenGates(kGates); code != EExitCode::DONE) {
+      return NothingWritten(host, code);
+    }
   } else {
     // A conversion is written with the digits of its formats; nothing of it may change unasked.
-    instrument.SetConvPasscodeState(ET312BPasscodeState::PS_DISABLED);
+    host.Instrument().SetConvPasscodeState(ET312BPasscodeState::PS_DISABLED);
   }
   if (dryrun) host.StartDryRun();
-  if (assigns) channel.SetProbeIndex(number);
-  if (!(assigns ? channel.UpdateInfo(window) : channel.UpdateProbeInfo(number, window))) {
-    return host.CodeOfStoppedRun();
+  ui::CWindow* const window = host.ProgressWindow();
+  std::vector<Stage> stages;
+  if (assigns) {
+    channel.SetProbeIndex(target.number);
+    stages.push_back({"assignment and record of probe " + std::to_string(target.number),
+                      [&] { return channel.UpdateInfo(window); }});
+  } else {
+    stages.push_back({"record of probe " + std::to_string(target.number),
+                      [&] { return channel.UpdateProbeInfo(target.number, window); }});
   }
+  if (const EExitCode code = RunStages(host, stages, {}); code != EExitCode::DONE) return code;
   if (dryrun) return EExitCode::DONE;
-  if (!channel.QueryProbeInfo(number, window)) return host.CodeOfStoppedRun();
-  Json after = Flat(ProbeRecord(channel, number));
-  if (ischannel) {
+  if (const EExitCode code = ReadRecord(host, target); code != EExitCode::DONE) {
+    return NotReadBack(host, code);
+  }
+  Json after = Flat(ProbeRecord(channel, target.number));
+  if (target.ischannel) {
     channel.QueryProbeIndex();
     after["probe"] = channel.ProbeIndex();
   }
-  return ShowChanges(host, values, before, after);
+  return ShowChanges(host, before, Flat(record), after);
 }
 
 }  // namespace
@@ -124,24 +170,28 @@ std::vector<std::string> ProbeMemberWords(bool takesprobe) {
 }
 
 EExitCode WriteProbe(CHost& host, std::int16_t number, const Json& values, bool dryrun) {
-  if (const EExitCode code = host.ReadSettings(); code != EExitCode::DONE) return code;
+  if (const EExitCode code = host.ReadSettings(); code != EExitCode::DONE) {
+    return NothingWritten(host, code);
+  }
   CVaneT312BPRTTHRMChannel* const channel = host.Instrument().GetChannelReference(1);
   if (channel == nullptr) {
     host.Say("The readout reports no channels.");
     return EExitCode::FAILED;
   }
-  return Write(host, *channel, number, false, values, dryrun);
+  return Write(host, {*channel, number, false}, values, dryrun);
 }
 
 EExitCode WriteChannel(CHost& host, std::int16_t number, const Json& values, bool dryrun) {
-  if (const EExitCode code = host.ReadSettings(); code != EExitCode::DONE) return code;
+  if (const EExitCode code = host.ReadSettings(); code != EExitCode::DONE) {
+    return NothingWritten(host, code);
+  }
   CVaneT312BPRTTHRMChannel* const channel = host.Instrument().GetChannelReference(number);
   if (channel == nullptr) {
     host.Say("The readout has the channels 1 to " +
              std::to_string(host.Instrument().NumChannels()) + ".");
     return EExitCode::USAGE;
   }
-  return Write(host, *channel, number, true, values, dryrun);
+  return Write(host, {*channel, number, true}, values, dryrun);
 }
 
 }  // namespace vane

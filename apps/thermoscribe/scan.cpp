@@ -110,7 +110,7 @@ Examples:
   for (const ScanOption& row : kScanOptions) {
     Option option{row.option, row.text, row.brief, {}};
     option.take = [options, row](const std::string& text) {
-      AddAssignment(options->assignments, row.property, text);
+      AddAssignment(options->assignments, row.property, text, row.option);
     };
     if (const auto choices = FindProperty(row.property)->choices; choices != nullptr) {
       option.offer = EOffer::WORDS;

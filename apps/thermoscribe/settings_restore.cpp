@@ -11,21 +11,18 @@
 
 #include "apps/thermoscribe/commands.h"
 #include "apps/thermoscribe/host.h"
+#include "apps/thermoscribe/probe_members.h"
 #include "apps/thermoscribe/probe_record.h"
 #include "apps/thermoscribe/settings_write.h"
 #include "apps/thermoscribe/snapshot.h"
+#include "apps/thermoscribe/stages.h"
+#include "apps/thermoscribe/value_check.h"
 #include "vane/components/components.h"
 #include "vane/support/display_texts.h"
 #include "vane/support/texts.h"
 
 namespace vane {
 namespace {
-
-// What is written in one go.
-struct Stage {
-  std::string name;
-  std::function<bool()> write;
-};
 
 bool IsIn(const Difference& difference, const std::string& place) {
   return difference.place == place || difference.place.starts_with(place + ".");
@@ -55,6 +52,7 @@ class CRestore {
   EExitCode Run(bool yes, bool dryrun);
 
  private:
+  EExitCode RefuseUntypable() const;
   std::string WhyImpossible(const Difference& difference) const;
   bool Differs(const std::string& place) const;
   EExitCode AskUser() const;
@@ -63,7 +61,6 @@ class CRestore {
   bool WriteSettings();
   bool WriteProbe(std::int16_t number);
   bool WriteChannels();
-  EExitCode WriteStages();
   EExitCode Verify();
 
   CHost& host_;
@@ -93,6 +90,18 @@ std::string CRestore::WhyImpossible(const Difference& difference) const {
        (difference.left == ChannelModeText(ET312BChannelMode::CM_SCANNER_CHANNEL) ||
         difference.left == ChannelModeText(ET312BChannelMode::CM_SCANNER_SEQUENCE)));
   return isscanners ? "no scanner is attached" : "";
+}
+
+// A serial number that only a readout can have got is left alone where it is, and can't be written.
+EExitCode CRestore::RefuseUntypable() const {
+  for (const Difference& difference : wanted_) {
+    if (!difference.place.starts_with("probe ") || !difference.place.ends_with(".serial")) continue;
+    if (IsSerial(difference.left.get<std::string>())) continue;
+    host_.Say(difference.place + ": " + difference.left.dump() + " can't be written. It is " +
+              kSerialRule + ".");
+    return EExitCode::FAILED;
+  }
+  return EExitCode::DONE;
 }
 
 bool CRestore::Differs(const std::string& place) const {
@@ -170,7 +179,11 @@ bool CRestore::WriteChannels() {
     if (!Differs("channel " + std::to_string(number))) continue;
     CVaneT312BPRTTHRMChannel& channel = *instrument.GetChannelReference(number);
     const auto probe = entry["probe"].get<std::int16_t>();
-    if (!channel.QueryProbeInfo(probe, host_.ProgressWindow())) return false;
+    const EExitCode code = host_.ReadWell([&] {
+      return channel.QueryProbeInfo(probe, host_.ProgressWindow()) ? EExitCode::DONE
+                                                                   : host_.CodeOfStoppedRun();
+    });
+    if (code != EExitCode::DONE) return false;
     channel.SetProbeIndex(probe);
     if (!channel.UpdateInfo(host_.ProgressWindow())) return false;
   }
@@ -193,33 +206,10 @@ std::vector<Stage> CRestore::Stages() {
   return stages;
 }
 
-EExitCode CRestore::WriteStages() {
-  const std::vector<Stage> stages = Stages();
-  std::size_t written = 0;
-  EExitCode code = EExitCode::DONE;
-  try {
-    while (written < stages.size() && stages[written].write()) ++written;
-    if (written < stages.size()) code = host_.CodeOfStoppedRun();
-  } catch (...) {
-    code = host_.ReportFailure("restoring the " + stages[written].name);
-  }
-  if (written == stages.size()) return EExitCode::DONE;
-  const auto names = [&](std::size_t first, std::size_t last) {
-    std::string text;
-    for (std::size_t i = first; i < last; ++i) text += (text.empty() ? "" : ", ") + stages[i].name;
-    return text.empty() ? "nothing" : text;
-  };
-  host_.Say("Written: " + names(0, written) + ". Written in part at most: " + stages[written].name +
-            ". Not written: " + names(written + 1, stages.size()) +
-            ". Restore again to complete it.");
-  return code;
-}
-
 EExitCode CRestore::Verify() {
   Json after;
   if (const EExitCode code = TakeSnapshot(host_, after, false); code != EExitCode::DONE) {
-    host_.Say("Everything was written, but could not be read back.");
-    return code;
+    return NotReadBack(host_, code);
   }
   Json missing = Json::array();
   const auto tell = [&](const Difference& difference, const std::string& reason) {
@@ -235,8 +225,9 @@ EExitCode CRestore::Verify() {
     const auto old = std::ranges::find(wanted_, difference.place, &Difference::place);
     tell(difference, !impossible.empty()
                          ? impossible
-                         : WhyNotArrived(difference.left, difference.right,
-                                         old == wanted_.end() ? Json() : old->right));
+                         : WhyWrong({.before = old == wanted_.end() ? difference.left : old->right,
+                                     .wanted = difference.left,
+                                     .after = difference.right}));
   }
   host_.Output().Record("restored", {{"values", wanted_.size()}, {"missing", missing}},
                         "Restored " + std::to_string(wanted_.size()) + " values.");
@@ -244,15 +235,20 @@ EExitCode CRestore::Verify() {
 }
 
 EExitCode CRestore::Run(bool yes, bool dryrun) {
-  if (const EExitCode code = TakeSnapshot(host_, before_); code != EExitCode::DONE) return code;
+  if (const EExitCode code = TakeSnapshot(host_, before_); code != EExitCode::DONE) {
+    return NothingWritten(host_, code);
+  }
   const std::vector<Difference> differences = Differences(file_, before_);
   for (const Difference& difference : differences) {
     (WhyImpossible(difference).empty() ? wanted_ : impossible_).push_back(difference);
   }
   ShowDifferences(host_, differences, "File", "Readout");
+  if (const EExitCode code = RefuseUntypable(); code != EExitCode::DONE) {
+    return NothingWritten(host_, code);
+  }
   const bool scanner = host_.Instrument().HasScanners();
   if (!scanner && !file_["settings"]["ScanChannels"].is_null()) {
-    host_.Say(
+    host_.Note(
         "The file has a scanner's settings, and no scanner is attached: the rest is restored.");
   }
   if (wanted_.empty()) {
@@ -262,9 +258,14 @@ EExitCode CRestore::Run(bool yes, bool dryrun) {
   if (!yes && !dryrun) {
     if (const EExitCode code = AskUser(); code != EExitCode::DONE) return code;
   }
-  if (const EExitCode code = OpenGates(); code != EExitCode::DONE) return code;
+  if (const EExitCode code = OpenGates(); code != EExitCode::DONE) {
+    return NothingWritten(host_, code);
+  }
   if (dryrun) host_.StartDryRun();
-  if (const EExitCode code = WriteStages(); code != EExitCode::DONE) return code;
+  if (const EExitCode code = RunStages(host_, Stages(), "Restore again to complete it.");
+      code != EExitCode::DONE) {
+    return code;
+  }
   return dryrun ? EExitCode::DONE : Verify();
 }
 

@@ -14,8 +14,9 @@
 namespace vane {
 namespace {
 
-constexpr std::size_t kNameColumns = 26;
-constexpr std::size_t kValueColumns = 28;
+constexpr std::size_t kTitleColumns = 26;
+constexpr std::size_t kNameColumns = 22;
+constexpr std::size_t kValueColumns = 26;
 constexpr std::size_t kAllowedColumns = 46;
 
 // Lists longer than their column go on below their beginning.
@@ -24,7 +25,8 @@ std::string InColumn(std::string text) {
   while (text.size() > kAllowedColumns) {
     const std::size_t cut = text.rfind(", ", kAllowedColumns - 1);
     if (cut == text.npos) break;
-    folded += text.substr(0, cut + 1) + "\n" + std::string(kNameColumns + kValueColumns, ' ');
+    folded += text.substr(0, cut + 1) + "\n" +
+              std::string(kTitleColumns + kNameColumns + kValueColumns, ' ');
     text.erase(0, cut + 2);
   }
   return folded + text;
@@ -37,7 +39,8 @@ std::string GroupText(const PropertyGroupRow& group, const CVaneT312B& instrumen
     if (row.group != group.group) continue;
     const std::string value = PropertyText(row, row.get(instrument));
     const std::string allowed = InColumn(AllowedText(row.Rule()));
-    text += "\n" + Padded("  " + std::string(row.words), kNameColumns);
+    text += "\n" + Padded("  " + std::string(row.words), kTitleColumns) +
+            Padded(std::string(row.name), kNameColumns);
     text += allowed.empty() ? value : Padded(value, kValueColumns - 2) + "  " + allowed;
   }
   return text;

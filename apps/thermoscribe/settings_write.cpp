@@ -3,10 +3,12 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <optional>
-#include <sstream>
 
 #include "apps/thermoscribe/command.h"
 #include "apps/thermoscribe/host.h"
+#include "apps/thermoscribe/stages.h"
+#include "apps/thermoscribe/value_check.h"
+#include "vane/support/texts.h"
 #include "vane/topology/numbering.h"
 
 namespace vane {
@@ -17,11 +19,11 @@ constexpr std::size_t kMaxSteps = 100;  // of a scan sequence
 // What can only be judged once the instrument is known. Empty: nothing is wrong.
 std::string ProblemOf(const Assignment& assignment, const CVaneT312B& instrument) {
   const std::string name(assignment.row->name);
-  if (!IsThere(assignment.row->group, instrument)) {
-    return name + " can't be set: no scanner is attached.";
+  if (NeedsScanner(*assignment.row, assignment.value) && !instrument.HasScanners()) {
+    return name + " can't be " + TextOf(assignment.value) + ": no scanner is attached.";
   }
-  if (name == "ScanChannels" &&
-      !IsScanSequence(assignment.value.get<std::string>(), instrument.NumChannels())) {
+  if (assignment.row->issequence &&
+      !ScanSequence(assignment.value.get<std::string>(), instrument.NumChannels())) {
     return name + " is a list of channels from " + std::to_string(kNumInputs) + " to " +
            std::to_string(instrument.NumChannels()) + ", with \",\" between them.";
   }
@@ -32,23 +34,37 @@ bool IsCalibration(const Assignment& assignment) {
   return assignment.row->group == EPropertyGroup::CALIBRATION;
 }
 
-// The scanner's come first, as in a write of everything.
-bool Write(CHost& host, std::vector<Assignment> assignments) {
+// One by one where every value can be, else all in one run. The scanner's come first, as in that.
+std::vector<Stage> Stages(CHost& host, std::vector<Assignment> assignments) {
   CVaneT312B& instrument = host.Instrument();
-  std::stable_partition(assignments.begin(), assignments.end(), [](const Assignment& assignment) {
+  std::ranges::stable_partition(assignments, [](const Assignment& assignment) {
     return assignment.row->group == EPropertyGroup::SCAN;
   });
-  for (const auto& [row, value] : assignments) row->set(instrument, value);
+  std::vector<Stage> stages;
   if (std::ranges::all_of(assignments,
                           [](const auto& one) { return one.row->update != nullptr; })) {
-    return std::ranges::all_of(assignments,
-                               [&](const auto& one) { return one.row->update(instrument); });
+    for (const auto& [row, value] : assignments) {
+      stages.push_back({std::string(row->name),
+                        [&instrument, update = row->update] { return update(instrument); },
+                        !row->issequence});
+    }
+    return stages;
   }
-  // Calibration is written with the digits of its formats; nothing of it may change unasked.
-  if (std::ranges::none_of(assignments, IsCalibration)) {
-    instrument.SetCalParamPasscodeState(ET312BPasscodeState::PS_DISABLED);
+  std::string names;
+  for (const auto& one : assignments) {
+    names += (names.empty() ? "" : ", ") + std::string(one.row->name);
   }
-  return instrument.UpdateInfo(host.ProgressWindow());
+  const bool calibrates = std::ranges::any_of(assignments, IsCalibration);
+  stages.push_back({names + " (with all other settings as they were)", [&host, calibrates] {
+                      CVaneT312B& it = host.Instrument();
+                      // Calibration is written with the digits of its formats; nothing of it may
+                      // change unasked.
+                      if (!calibrates) {
+                        it.SetCalParamPasscodeState(ET312BPasscodeState::PS_DISABLED);
+                      }
+                      return it.UpdateInfo(host.ProgressWindow());
+                    }});
+  return stages;
 }
 
 std::string ChangeText(const std::string& name, const Json& before, const Json& after) {
@@ -56,8 +72,8 @@ std::string ChangeText(const std::string& name, const Json& before, const Json& 
   return name + ": " + PropertyText(row, before) + " -> " + PropertyText(row, after);
 }
 
-// Shows what has changed, and tells of each value that is not what was asked for.
-EExitCode ShowChanges(CHost& host, const std::vector<Assignment>& assignments, const Json& before) {
+// Shows what has changed, and tells of each value that is not what it should be.
+EExitCode ShowChanges(CHost& host, const Json& before, const Json& wanted) {
   const Json after = SettableValues(host.Instrument());
   Json changes = Json::object();
   std::string text;
@@ -68,11 +84,11 @@ EExitCode ShowChanges(CHost& host, const std::vector<Assignment>& assignments, c
   }
   host.Output().Record("changes", changes, text.empty() ? "Nothing has changed." : text);
   EExitCode code = EExitCode::DONE;
-  for (const auto& [row, value] : assignments) {
-    const std::string name(row->name);
+  for (const auto& [name, value] : wanted.items()) {
     if (after[name] == value) continue;
-    host.Say(name + ": " + PropertyText(*row, value) + " was written, but the readout has " +
-             PropertyText(*row, after[name]) + ".");
+    const PropertyRow& row = *FindProperty(name);
+    host.Say(WrongValueText(name, {.before = before[name], .wanted = value, .after = after[name]},
+                            [&row](const Json& one) { return PropertyText(row, one); }));
     code = EExitCode::FAILED;
   }
   return code;
@@ -80,18 +96,22 @@ EExitCode ShowChanges(CHost& host, const std::vector<Assignment>& assignments, c
 
 }  // namespace
 
-bool IsScanSequence(const std::string& list, std::int32_t highest) {
-  std::istringstream items(list);
+std::optional<std::string> ScanSequence(std::string_view list, std::int32_t highest) {
+  std::string sequence;
   std::size_t count = 0;
-  for (std::string item; std::getline(items, item, ',');) {
+  for (std::size_t begin = 0; begin <= list.size(); ++count) {
+    const std::size_t end = std::min(list.find(',', begin), list.size());
+    const std::string item(TrimBlanks(list.substr(begin, end - begin)));
+    begin = end + 1;
     const bool digits =
         !item.empty() && item.size() <= 2 && item.find_first_not_of("0123456789") == item.npos;
-    if (!digits) return false;
+    if (!digits) return std::nullopt;
     const int channel = std::stoi(item);
-    if (channel < kNumInputs || channel > highest) return false;
-    ++count;
+    if (channel < kNumInputs || channel > highest) return std::nullopt;
+    sequence += (sequence.empty() ? "" : ",") + std::to_string(channel);
   }
-  return count > 0 && count <= kMaxSteps && list.back() != ',';
+  if (count > kMaxSteps) return std::nullopt;
+  return sequence;
 }
 
 std::pair<std::string, std::string> AssignmentIn(const std::string& text) {
@@ -101,7 +121,7 @@ std::pair<std::string, std::string> AssignmentIn(const std::string& text) {
 }
 
 void AddAssignment(std::vector<Assignment>& assignments, std::string_view name,
-                   std::string_view text) {
+                   std::string_view text, std::string_view label) {
   const PropertyRow* const row = FindProperty(name);
   if (row == nullptr || row->set == nullptr) {
     std::string known;
@@ -116,33 +136,53 @@ void AddAssignment(std::vector<Assignment>& assignments, std::string_view name,
     throw CUsageError(std::string(row->name) + " is given twice.");
   }
   std::optional<Json> value = ValueOf(row->Rule(), text);
+  std::string expected = ExpectedText(row->Rule());
+  if (row->issequence) {
+    const std::optional<std::string> sequence = ScanSequence(text, kHighestChannel);
+    value = sequence ? std::optional<Json>(*sequence) : std::nullopt;
+    expected = "a list of channels from 2 to 12, with \",\" between them";
+  }
   if (!value) {
-    throw CUsageError(std::string(row->name) + " can't be \"" + std::string(text) + "\". It is " +
-                      ExpectedText(row->Rule()) + ".");
+    throw CUsageError((label.empty() ? std::string(row->name) : std::string(label)) +
+                      " can't be \"" + std::string(text) + "\". It is " + expected + ".");
   }
   assignments.push_back({row, std::move(*value)});
 }
 
 EExitCode WriteSettings(CHost& host, const std::vector<Assignment>& assignments, bool dryrun) {
-  if (const EExitCode code = host.ReadSettings(); code != EExitCode::DONE) return code;
+  if (const EExitCode code = host.ReadWell([&] { return host.ReadSettings(); });
+      code != EExitCode::DONE) {
+    return NothingWritten(host, code);
+  }
+  CVaneT312B& instrument = host.Instrument();
   std::vector<EGate> gates;
   for (const Assignment& assignment : assignments) {
-    if (std::string problem = ProblemOf(assignment, host.Instrument()); !problem.empty()) {
+    if (std::string problem = ProblemOf(assignment, instrument); !problem.empty()) {
       host.Say(problem);
-      return EExitCode::USAGE;
+      return NothingWritten(host, EExitCode::USAGE);
     }
     gates.push_back(assignment.row->gate);
   }
   // The whole write takes the calibration as one group, the external resistor with it.
   if (std::ranges::any_of(assignments, IsCalibration)) gates.push_back(EGate::CALIBRATION);
-  if (const EExitCode code = host.OpenGates(gates); code != EExitCode::DONE) return code;
-
-  const Json before = SettableValues(host.Instrument());
+  if (const EExitCode code = host.OpenGates(gates); code != EExitCode::DONE) {
+    return NothingWritten(host, code);
+  }
+  const Json before = SettableValues(instrument);
+  for (const auto& [row, value] : assignments) row->set(instrument, value);
+  const Json wanted = SettableValues(instrument);
   if (dryrun) host.StartDryRun();
-  if (!Write(host, assignments)) return host.CodeOfStoppedRun();
+  if (const EExitCode code = RunStages(host, Stages(host, assignments), {});
+      code != EExitCode::DONE) {
+    return code;
+  }
   if (dryrun) return EExitCode::DONE;
-  if (!host.Instrument().QueryInfo(host.ProgressWindow(), false)) return host.CodeOfStoppedRun();
-  return ShowChanges(host, assignments, before);
+  const EExitCode code = host.ReadWell([&] {
+    return instrument.QueryInfo(host.ProgressWindow(), false) ? EExitCode::DONE
+                                                              : host.CodeOfStoppedRun();
+  });
+  if (code != EExitCode::DONE) return NotReadBack(host, code);
+  return ShowChanges(host, before, wanted);
 }
 
 }  // namespace vane

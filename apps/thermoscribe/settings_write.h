@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -23,15 +24,21 @@ struct Assignment {
 std::pair<std::string, std::string> AssignmentIn(const std::string& text);
 
 /// Adds an assignment of what a person has typed. Raises `CUsageError`, with a text that tells what
-/// is allowed, for an unknown name, one that is there already, or a value that can't be.
+/// is allowed, for an unknown name, one that is there already, or a value that can't be. `label` is
+/// what the user has called it, where that is another name.
 void AddAssignment(std::vector<Assignment>& assignments, std::string_view name,
-                   std::string_view text);
+                   std::string_view text, std::string_view label = {});
 
-/// Whether `list` names, with "," between, channels of the instrument from Input 2 to `highest`.
-bool IsScanSequence(const std::string& list, std::int32_t highest);
+/// The highest channel that any instrument has.
+inline constexpr std::int32_t kHighestChannel = 12;
+
+/// `list` as the instrument's settings hold a scan sequence, if it names, with "," between,
+/// channels of the instrument from Input 2 to `highest`.
+std::optional<std::string> ScanSequence(std::string_view list, std::int32_t highest);
 
 /// Reads all settings, asks for the passcode where it takes one, writes the assignments, reads all
-/// settings again, and shows what has changed. A value that did not arrive is told.
+/// settings again, and shows what has changed. A value that did not arrive is told, and so is one
+/// that has changed and should not have. Nothing is written unless everything was read well.
 EExitCode WriteSettings(CHost& host, const std::vector<Assignment>& assignments, bool dryrun);
 
 }  // namespace vane

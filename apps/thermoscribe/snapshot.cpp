@@ -20,7 +20,6 @@ namespace {
 
 constexpr const char* kFormat = "thermoscribe settings";
 constexpr int kVersion = 1;
-constexpr std::int32_t kHighestChannel = 12;
 constexpr mode_t kPermissions = 0644;
 
 [[noreturn]] void Damaged(const std::string& place, const std::string& trouble) {
@@ -36,7 +35,22 @@ const Json& Part(const Json& whole, const std::string& name, bool isarray) {
   return *part;
 }
 
+// What this program doesn't know it can't restore, and a slip of the pen must not pass for nothing.
+void RefuseOthers(const Json& whole, const std::string& place,
+                  const std::vector<std::string>& names) {
+  for (const auto& [name, value] : whole.items()) {
+    if (std::ranges::find(names, name) == names.end()) {
+      Damaged(place.empty() ? name : place + "." + name, "unknown");
+    }
+  }
+}
+
 void CheckSettings(const Json& settings) {
+  std::vector<std::string> names;
+  for (const PropertyRow& row : InstrumentProperties()) {
+    if (row.set != nullptr) names.emplace_back(row.name);
+  }
+  RefuseOthers(settings, "settings", names);
   for (const PropertyRow& row : InstrumentProperties()) {
     if (row.set == nullptr) continue;
     const std::string name(row.name);
@@ -47,7 +61,7 @@ void CheckSettings(const Json& settings) {
     if (!Allows(row.Rule(), value)) {
       Damaged(place, value.dump() + " is not " + ExpectedText(row.Rule()));
     }
-    if (name == "ScanChannels" && !IsScanSequence(value.get<std::string>(), kHighestChannel)) {
+    if (row.issequence && ScanSequence(value.get<std::string>(), kHighestChannel) != value) {
       Damaged(place, value.dump() + " is no list of channels from 2 to 12");
     }
   }
@@ -70,6 +84,8 @@ void Check(const Json& file) {
   if (!readout.contains("Model") || readout["Model"] != kReadoutModel) {
     Damaged("readout.Model", "the settings are of another model");
   }
+  RefuseOthers(file, {},
+               {"format", "version", "taken", "readout", "settings", "channels", "probes"});
   CheckSettings(Part(file, "settings", false));
   const Json& channels = Part(file, "channels", true);
   for (std::size_t i = 0; i < channels.size(); ++i) {
@@ -79,6 +95,7 @@ void Check(const Json& file) {
         channels[i]["channel"] != number) {
       Damaged(place + ".channel", "not " + std::to_string(number));
     }
+    RefuseOthers(channels[i], place, {"channel", "name", "probe"});
     if (!IsWhole(channels[i], "probe", 1, CVaneT312B::NumProbes())) {
       Damaged(place + ".probe", "not a whole number, 1 to 16");
     }
@@ -112,9 +129,7 @@ void Compare(std::vector<Difference>& differences, const std::string& place, con
   }
 }
 
-}  // namespace
-
-EExitCode TakeSnapshot(CHost& host, Json& snapshot, bool connect) {
+EExitCode ReadSnapshot(CHost& host, Json& snapshot, bool connect) {
   CVaneT312B& instrument = host.Instrument();
   if (connect) {
     if (const EExitCode code = host.ReadSettings(); code != EExitCode::DONE) return code;
@@ -134,6 +149,7 @@ EExitCode TakeSnapshot(CHost& host, Json& snapshot, bool connect) {
   for (std::int16_t number = 1; number <= instrument.NumChannels(); ++number) {
     CVaneT312BPRTTHRMChannel* const channel = instrument.GetChannelReference(number);
     if (channel == nullptr) break;
+    if (host.IsInterrupted()) return EExitCode::ABORTED;
     channel->QueryProbeIndex();
     channels.push_back({{"channel", number},
                         {"name", instrument.GetScanSeqChannelName(number)},
@@ -154,6 +170,12 @@ EExitCode TakeSnapshot(CHost& host, Json& snapshot, bool connect) {
   snapshot["channels"] = std::move(channels);
   snapshot["probes"] = std::move(probes);
   return EExitCode::DONE;
+}
+
+}  // namespace
+
+EExitCode TakeSnapshot(CHost& host, Json& snapshot, bool connect) {
+  return host.ReadWell([&] { return ReadSnapshot(host, snapshot, connect); });
 }
 
 Json ReadSnapshotFile(const std::string& path) {
@@ -205,15 +227,6 @@ void ShowDifferences(CHost& host, const std::vector<Difference>& differences, co
   host.Output().Table("difference",
                       {{"place", "Place"}, {"left", lefttitle}, {"right", righttitle}}, rows,
                       "Nothing differs.");
-}
-
-std::string WhyNotArrived(const Json& wanted, const Json& now, const Json& before) {
-  if (wanted.is_null()) return "what the file doesn't know can't be written";
-  if (!wanted.is_number() || !now.is_number()) return "the readout did not take it";
-  constexpr double kLastDigit = 1e-5;
-  const double distance = std::abs(wanted.get<double>() - now.get<double>());
-  const bool isrounded = distance <= kLastDigit * std::abs(wanted.get<double>()) || now != before;
-  return isrounded ? "it keeps fewer digits" : "the readout did not take it";
 }
 
 }  // namespace vane

@@ -12,7 +12,8 @@ namespace vane {
 class CHost;
 
 /// Reads all settings, the probes of the channels and all probes' records into `snapshot`. With
-/// `connect`, opens the line first. When the result is not `DONE` the user has been told why.
+/// `connect`, opens the line first. An exchange that fails on the way is a failure of all. When the
+/// result is not `DONE` the user has been told why.
 EExitCode TakeSnapshot(CHost& host, Json& snapshot, bool connect = true);
 
 /// Both raise an error with a text for the user: what can't be read or written, or the place of the
@@ -32,8 +33,5 @@ std::vector<Difference> Differences(const Json& left, const Json& right);
 /// One object, or one row, per difference.
 void ShowDifferences(CHost& host, const std::vector<Difference>& differences, const char* lefttitle,
                      const char* righttitle);
-
-/// Why a value that was written is another one in the readout now.
-std::string WhyNotArrived(const Json& wanted, const Json& now, const Json& before);
 
 }  // namespace vane
