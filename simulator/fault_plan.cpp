@@ -2,31 +2,69 @@
 
 #include <algorithm>
 #include <limits>
-#include <optional>
 #include <stdexcept>
 
 #include "simulator/numbers.h"
+#include "simulator/reply.h"
 
 namespace vane::simulator {
 namespace {
 
+// What may stand behind a kind's "=".
+enum class EValue { kNone, kSeconds, kNumber, kText };
+
 struct FaultKind {
   std::string_view name;
   EFault fault;
-  std::optional<double> seconds;  // when none are given; nothing for a kind that takes no time
+  EValue value = EValue::kNone;
+  double seconds = 0;  // when none are given
 };
 
 constexpr FaultKind kFaultKinds[] = {
-    {"drop", EFault::kDrop, {}},      {"delay", EFault::kDelay, 0.3},
-    {"garble", EFault::kGarble, {}},  {"split", EFault::kSplit, 0.05},
-    {"late", EFault::kLate, 1.5},     {"refuse", EFault::kRefuse, {}},
-    {"hangup", EFault::kHangup, 0.3}, {"identify", EFault::kIdentify, {}},
+    {"drop", EFault::kDrop},
+    {"delay", EFault::kDelay, EValue::kSeconds, 0.3},
+    {"garble", EFault::kGarble},
+    {"split", EFault::kSplit, EValue::kSeconds, 0.05},
+    {"late", EFault::kLate, EValue::kSeconds, 1.5},
+    {"refuse", EFault::kRefuse, EValue::kNumber},
+    {"hangup", EFault::kHangup, EValue::kSeconds, 0.3},
+    {"identify", EFault::kIdentify},
+    {"answer", EFault::kAnswer, EValue::kText},
+    {"overlong", EFault::kOverlong},
 };
 
 constexpr double kMaxSeconds = 3600;
+constexpr std::size_t kMaxAnswerLength = 400;
 
 [[noreturn]] void Fail(std::string_view text, std::string_view reason) {
   throw std::invalid_argument("fault '" + std::string(text) + "': " + std::string(reason));
+}
+
+bool IsPrintable(char c) { return c >= ' ' && c <= '~'; }
+
+// `value` stands behind the "=" of a kind that takes `kind`.
+void TakeValue(FaultRule& rule, EValue kind, std::string_view value, std::string_view text) {
+  switch (kind) {
+    case EValue::kNone:
+      Fail(text, "nothing stands behind this kind");
+    case EValue::kSeconds: {
+      const auto seconds = ParseReal(value);
+      if (!seconds || *seconds < 0 || *seconds > kMaxSeconds) Fail(text, "seconds are 0 to 3600");
+      rule.seconds = *seconds;
+      return;
+    }
+    case EValue::kNumber: {
+      const auto number = ParseWhole(value);
+      if (!number || *number == 0) Fail(text, "a refusal has a whole number other than 0");
+      rule.refusal = *number;
+      return;
+    }
+    case EValue::kText:
+      if (value.size() > kMaxAnswerLength || !std::ranges::all_of(value, IsPrintable)) {
+        Fail(text, "an answer is up to 400 printable characters");
+      }
+      rule.answer = value;
+  }
 }
 
 }  // namespace
@@ -44,33 +82,35 @@ FaultRule ParseFaultRule(std::string_view text) {
     const auto chance = ParseReal(number);
     if (!chance || *chance < 0 || *chance > 1) Fail(text, "p is a probability from 0 to 1");
     rule.chance = *chance;
-  } else if (word == "at" || word == "every") {
-    rule.when = word == "at" ? FaultRule::EWhen::kAt : FaultRule::EWhen::kEvery;
+  } else if (word == "at" || word == "every" || word == "write") {
+    using enum FaultRule::EWhen;
+    rule.when = word == "at" ? kAt : word == "every" ? kEvery : kWrite;
     const auto exchange = ParseWhole(number);
     if (!exchange || *exchange < 1) Fail(text, "exchanges are counted from 1");
     rule.number = static_cast<std::uint64_t>(*exchange);
   } else {
-    Fail(text, "WHEN is at=N, every=N or p=CHANCE");
+    Fail(text, "WHEN is at=N, every=N, write=N or p=CHANCE");
   }
 
   const std::string_view what = text.substr(colon + 1);
-  const std::size_t time = what.find('=');
-  const auto* kind = std::ranges::find(kFaultKinds, what.substr(0, time), &FaultKind::name);
+  const std::size_t value = what.find('=');
+  const auto* kind = std::ranges::find(kFaultKinds, what.substr(0, value), &FaultKind::name);
   if (kind == std::end(kFaultKinds)) {
-    Fail(text, "KIND is drop, delay, garble, split, late, refuse, hangup or identify");
+    Fail(text,
+         "KIND is drop, delay, garble, split, late, refuse, hangup, identify, answer or overlong");
   }
   rule.fault = kind->fault;
-  rule.seconds = kind->seconds.value_or(0);
-  if (time != what.npos) {
-    if (!kind->seconds) Fail(text, "this kind takes no seconds");
-    const auto seconds = ParseReal(what.substr(time + 1));
-    if (!seconds || *seconds < 0 || *seconds > kMaxSeconds) Fail(text, "seconds are 0 to 3600");
-    rule.seconds = *seconds;
+  rule.seconds = kind->seconds;
+  rule.refusal = static_cast<std::int32_t>(ERefusal::kBusy);
+  if (value != what.npos) {
+    TakeValue(rule, kind->value, what.substr(value + 1), text);
+  } else if (kind->value == EValue::kText) {
+    Fail(text, "the answer stands behind a '=', and may be empty");
   }
   return rule;
 }
 
-const FaultRule* CFaultPlan::Strike(std::uint64_t exchange) const {
+const FaultRule* CFaultPlan::Strike(std::uint64_t exchange, std::uint64_t write) const {
   for (std::size_t i = 0; i < rules_.size(); ++i) {
     const FaultRule& rule = rules_[i];
     bool strikes = false;
@@ -80,6 +120,9 @@ const FaultRule* CFaultPlan::Strike(std::uint64_t exchange) const {
         break;
       case FaultRule::EWhen::kEvery:
         strikes = exchange % rule.number == 0;
+        break;
+      case FaultRule::EWhen::kWrite:
+        strikes = write == rule.number;
         break;
       case FaultRule::EWhen::kChance:
         strikes = ScatterUnit({seed_, exchange, i}) < rule.chance;

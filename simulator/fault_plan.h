@@ -15,24 +15,30 @@ enum class EFault {
   kGarble,    ///< two bytes of the answer are changed
   kSplit,     ///< the answer comes in two pieces with a pause between them
   kLate,      ///< the answer comes when nobody waits for it any more
-  kRefuse,    ///< the command is refused as busy and not obeyed
+  kRefuse,    ///< the command is refused, as busy or with a number of the plan, and not obeyed
   kHangup,    ///< the line is lost, the command is not obeyed; a new line comes after a while
   kIdentify,  ///< the answer is the identification, the command is not obeyed
+  kAnswer,    ///< the answer is a text of the plan, the command is not obeyed
+  kOverlong,  ///< the answer is longer than any line, the command is not obeyed
 };
 
 /// When a fault strikes, and which.
 struct FaultRule {
-  enum class EWhen { kAt, kEvery, kChance };
+  enum class EWhen { kAt, kEvery, kWrite, kChance };
 
   EWhen when = EWhen::kAt;
-  std::uint64_t number = 1;  ///< `kAt`: that exchange, from 1; `kEvery`: each multiple of it
-  double chance = 0;         ///< `kChance`: 0 to 1
+  /// `kAt`: that exchange, from 1; `kEvery`: each multiple of it; `kWrite`: that one of the
+  /// commands that change something, from 1.
+  std::uint64_t number = 1;
+  double chance = 0;  ///< `kChance`: 0 to 1
   EFault fault = EFault::kDrop;
-  double seconds = 0;  ///< how long, for the kinds that take time
+  double seconds = 0;        ///< how long, for the kinds that take time
+  std::int32_t refusal = 0;  ///< the number of a refusal
+  std::string answer;        ///< of `kAnswer`; may be empty
 };
 
-/// Understands "at=3:drop", "every=10:late=2", "p=0.01:garble". Raises `std::invalid_argument` with
-/// a text for the user.
+/// Understands "at=3:drop", "every=10:late=2", "write=2:answer=1e400", "p=0.01:garble". Raises
+/// `std::invalid_argument` with a text for the user.
 FaultRule ParseFaultRule(std::string_view text);
 
 class CFaultPlan {
@@ -40,9 +46,10 @@ class CFaultPlan {
   CFaultPlan(std::vector<FaultRule> rules, std::uint64_t seed)
       : rules_(std::move(rules)), seed_(seed) {}
 
-  /// The first rule that strikes at `exchange` (from 1); null for none. The same seed and exchange
-  /// always give the same.
-  const FaultRule* Strike(std::uint64_t exchange) const;
+  /// The first rule that strikes at `exchange` (from 1); null for none. `write` counts the commands
+  /// that change something, from 1; 0 when this one doesn't. The same seed and numbers always give
+  /// the same.
+  const FaultRule* Strike(std::uint64_t exchange, std::uint64_t write) const;
 
   /// `line` with two neighbouring bytes changed. A check value of 16 bits finds every such change,
   /// and no byte becomes a line end.

@@ -140,7 +140,10 @@ void CSimulatedLine::TakeLine(std::string_view line) {
   const std::string_view command = tagged ? framed->body : line;
   const Moment arrived = answers_.CommandArrives(line.size() + protocol::kLineEnd.size(), Now());
   const std::uint64_t exchange = ++exchanges_;
-  const FaultRule* const rule = faults_.Strike(exchange);
+  const auto parsed = protocol::ParseCommand(command);
+  const bool iswrite = parsed && !parsed->row->IsRead();
+  if (iswrite) ++writes_;
+  const FaultRule* const rule = faults_.Strike(exchange, iswrite ? writes_ : 0);
   const auto strikes = [rule](EFault fault) { return rule != nullptr && rule->fault == fault; };
   if (strikes(EFault::kHangup)) {
     HangUp(rule->seconds);
@@ -149,9 +152,13 @@ void CSimulatedLine::TakeLine(std::string_view line) {
 
   std::optional<std::string> body;
   if (strikes(EFault::kRefuse)) {
-    body = Reply(ERefusal::kBusy).Body();
+    body = protocol::RefusalBody(rule->refusal, RefusalText(ERefusal{rule->refusal}));
   } else if (strikes(EFault::kIdentify)) {
-    body = Reply(readout_.Identification()).Body();
+    body = protocol::ValueBody(readout_.Identification());
+  } else if (strikes(EFault::kAnswer)) {
+    body = protocol::ValueBody(rule->answer);
+  } else if (strikes(EFault::kOverlong)) {
+    body = protocol::ValueBody(std::string(protocol::kMaxLineLength, '9'));
   } else {
     body = Ask(command);
   }

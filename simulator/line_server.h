@@ -72,6 +72,7 @@ class CSimulatedLine {
   CFile stop_write_;
   std::optional<Moment> reopen_at_;
   std::string line_;
+  std::uint64_t writes_ = 0;  // among the exchanges
   std::atomic<std::uint64_t> exchanges_ = 0;
   std::atomic<std::uint64_t> ignored_lines_ = 0;
   std::thread thread_;

@@ -16,20 +16,25 @@ constexpr const char* kDescription =
 
 constexpr const char* kFooter = R"(
 Faults:
-  WHEN:KIND[=SECONDS] says which exchange goes wrong, and how. The first rule that
-  strikes counts.
+  WHEN:KIND says which exchange goes wrong, and how. The first rule that strikes counts.
   WHEN    at=N      the N-th exchange, from 1
           every=N   each N-th exchange
+          write=N   the N-th command that changes something, from 1
           p=CHANCE  any exchange, with this probability; --seed repeats a run
-  KIND    drop      the command is obeyed, the answer is lost
-          delay     the answer comes SECONDS (0.3) later, still in time
-          garble    two bytes of the answer are changed
-          split     the answer comes in two pieces, SECONDS (0.05) apart
-          late      the answer comes SECONDS (1.5) later; others go on meanwhile
-          refuse    the command is refused as busy
-          hangup    the line is lost; SECONDS (0.3) later there is a new one, its
-                    path is printed and the link points to it
-          identify  the answer is the identification
+  KIND    The command is obeyed:
+            drop              its answer is lost
+            delay[=SECONDS]   its answer comes later (0.3), still in time
+            garble            two bytes of its answer are changed
+            split[=SECONDS]   its answer comes in two pieces, so far apart (0.05)
+            late[=SECONDS]    its answer comes later (1.5); others go on meanwhile
+          The command is not obeyed:
+            refuse[=NUMBER]   it is refused, with 20 for busy if nothing else is said
+            hangup[=SECONDS]  the line is lost; later (0.3) there is a new one, its
+                              path is printed and the link points to it
+            identify          the answer is the identification, as of a readout that
+                              was just switched on
+            answer=TEXT       the answer is TEXT: nothing, ERROR, 12.3.4, 1e400, ...
+            overlong          the answer is longer than any line
 
 On the line:
   A line without a tag, such as ID? typed in a terminal program, is answered without a
@@ -39,6 +44,7 @@ Examples:
   thermoscribe-sim --link /tmp/readout
   thermoscribe-sim --no-scanner --firmware 5.02
   thermoscribe-sim --baud 9600 --fault p=0.02:garble --fault at=40:hangup --seed 7
+  thermoscribe-sim --fault at=5:answer=12.3.4 --fault write=2:identify
 
 Ends on SIGINT or SIGTERM and takes its link away. Exit status: 0, or 1 when the line
 can't be opened, or 2 for wrong options.)";
@@ -89,7 +95,7 @@ Options Parse(const std::function<void(CLI::App&)>& parse) {
       ->type_name("PATH");
   std::vector<std::string> faults;
   app.add_option("--fault", faults, "plan a fault, see below; may be given again")
-      ->type_name("WHEN:KIND[=SECONDS]")
+      ->type_name("WHEN:KIND")
       ->expected(1)
       ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
 

@@ -103,7 +103,12 @@ Reply AnswerSerial(const protocol::ParsedCommand& command, Probe& probe) {
   const std::string& text = command.fields.value;
   if (command.row->IsRead()) return probe.serial;
   if (text.size() > kMaxSerialLength) return ERefusal::kTextTooLong;
-  if (!text.empty()) probe.serial = text;
+  if (text.empty()) return Reply::Done();
+  // What is taken in has to be an answer later.
+  if (!protocol::FitsForm(protocol::FindCommand(kSerial)->form, text)) {
+    return ERefusal::kNotASerialNumber;
+  }
+  probe.serial = text;
   return Reply::Done();
 }
 

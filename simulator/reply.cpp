@@ -22,6 +22,8 @@ std::string_view RefusalText(ERefusal refusal) {
       return "text too long";
     case ERefusal::kNotADateOrTime:
       return "not a date or time";
+    case ERefusal::kNotASerialNumber:
+      return "not a serial number";
     case ERefusal::kBusy:
       return "busy";
   }

@@ -19,6 +19,7 @@ namespace vane::simulator {
 ///   6  not a range of this probe a coefficient of an ITS-90 subrange that the probe doesn't use
 ///   7  text too long             a serial above 8 characters
 ///   8  not a date or time
+///   9  not a serial number       it holds a comma, or is nothing but blanks
 ///  20  busy                      comes from a planned fault alone
 enum class ERefusal : std::int32_t {
   kUnknownCommand = 1,
@@ -29,6 +30,7 @@ enum class ERefusal : std::int32_t {
   kNotARangeOfProbe = 6,
   kTextTooLong = 7,
   kNotADateOrTime = 8,
+  kNotASerialNumber = 9,
   kBusy = 20,
 };
 

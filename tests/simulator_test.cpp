@@ -134,6 +134,34 @@ TEST(Readout, EachCodeHasItsWord) {
   }
 }
 
+TEST(Readout, EveryAnswerHasTheFormOfItsCommand) {
+  int answers = 0;
+  for (const char* text : {"", "--no-scanner --seed 7", "--firmware 5.02 --protect units --seed 99",
+                           "--firmware 5.02 --no-scanner", "--model \"T312B REV C\" --seed 123"}) {
+    Moment now{};
+    CReadout readout(ParseOptions(text).readout, [&now] { return now; });
+    for (const std::string unit : {"C", "F", "K", "O", "R", "W"}) {
+      Ask(readout, "UNITS " + unit);
+      Ask(readout, "RESOLUTION:TEMPERATURE " + std::to_string(unit[0] % 9));
+      now += 1h;
+      for (const protocol::CommandRow& row : protocol::CommandTable()) {
+        if (!row.IsRead()) continue;
+        const bool isloose = row.id == 18 || row.id == 275 || row.id == 276;
+        EXPECT_EQ(protocol::FitsForm(row.form, readout.Identification()), isloose) << row.symbol;
+        for (int i = 0; i < 16 * 12; ++i) {
+          const std::string number = std::to_string(i % 16 + 1);  // of a probe or a channel
+          const std::string part = std::to_string(i / 16);        // a range or an index
+          const std::string answer = Ask(readout, row.id, {"", number, number, part, part, ""});
+          if (answer.front() != '=') continue;
+          ++answers;
+          EXPECT_TRUE(protocol::FitsForm(row.form, answer.substr(1))) << row.symbol << answer;
+        }
+      }
+    }
+  }
+  EXPECT_GT(answers, 100000);
+}
+
 TEST(Readout, RefusesWhatIsBeyondItsLimitsAndKeepsTheOldValue) {
   CReadout readout({});
   ExpectTalk(readout, R"(SAMPLE:INTERVAL 1 -> !3 out of range
@@ -146,6 +174,8 @@ UNITS X -> !5 unknown code
 PROBE 0:SERIAL? -> !3 out of range
 PROBE 17:SERIAL? -> !3 out of range
 PROBE 1:SERIAL 123456789 -> !7 text too long
+PROBE 1:SERIAL A,5.03 -> !9 not a serial number
+PROBE 1:SERIAL    -> !9 not a serial number
 PROBE 1:POLY:C 11? -> !3 out of range
 PROBE 1:ITS90:LOW 3:A? -> !6 not a range of this probe
 PROBE 1:ITS90:LOW 7:A? -> !3 out of range
@@ -243,18 +273,20 @@ TEST(FaultPlan, StrikesAsWritten) {
     const CFaultPlan plan({ParseFaultRule(text)}, 7);
     std::vector<std::uint64_t> exchanges;
     for (std::uint64_t i = 1; i <= 1000; ++i) {
-      if (plan.Strike(i)) exchanges.push_back(i);
+      if (plan.Strike(i, i % 10 == 0 ? i / 10 : 0)) exchanges.push_back(i);
     }
     return exchanges;
   };
   EXPECT_EQ(struck("at=3:drop"), (std::vector<std::uint64_t>{3}));
   EXPECT_EQ(struck("every=400:garble"), (std::vector<std::uint64_t>{400, 800}));
+  EXPECT_EQ(struck("write=3:drop"), (std::vector<std::uint64_t>{30}));
   EXPECT_EQ(struck("p=1:refuse").size(), 1000u);
   EXPECT_NEAR(static_cast<double>(struck("p=0.1:refuse").size()), 100, 40);
   EXPECT_EQ(ParseFaultRule("at=1:late").seconds, 1.5);
   EXPECT_EQ(ParseFaultRule("at=1:late=0.25").seconds, 0.25);
   for (const char* text : {"drop", "at=0:drop", "at=x:drop", "p=2:drop", "at=1:burn", "at=1:drop=2",
-                           "at=1:late=-1", "on=1:drop"}) {
+                           "at=1:late=-1", "on=1:drop", "write=0:drop", "at=1:refuse=0",
+                           "at=1:answer", "at=1:answer=\t", "at=1:identify=x"}) {
     EXPECT_THROW(ParseFaultRule(text), std::invalid_argument) << text;
   }
 }
@@ -337,7 +369,8 @@ std::string Talk(const std::string& path, const std::string& text) {
 TEST(SimulatedLine, FaultsOnARealTerminal) {
   CSimulatedLine line(ParseOptions(
       "--fault at=3:drop --fault at=4:split=0.1 --fault at=5:refuse --fault at=6:identify "
-      "--fault at=7:hangup=0.05"));
+      "--fault at=7:hangup=0.05 --fault write=2:answer=12.3.4 --fault write=3:refuse=-5 "
+      "--fault write=4:answer= --fault at=12:overlong"));
   line.Start();
   const std::string path = line.Path();
   const std::string first_device = std::filesystem::read_symlink(path);
@@ -361,7 +394,12 @@ TEST(SimulatedLine, FaultsOnARealTerminal) {
   EXPECT_EQ(Talk(path, framed(8, "UNITS?")), framed(8, "=C"));
   EXPECT_NE(std::filesystem::read_symlink(path), first_device) << "the old end is still open";
   close(old_end);
-  EXPECT_EQ(line.Exchanges(), 8u);
+  EXPECT_EQ(Talk(path, "units K\r"), "=12.3.4\r\n") << "the second write";
+  EXPECT_EQ(Talk(path, "UNITS K\r"), "!-5 refused\r\n");
+  EXPECT_EQ(Talk(path, "UNITS K\r"), "=\r\n");
+  EXPECT_EQ(line.Ask("UNITS?"), "=C") << "none of them is obeyed";
+  EXPECT_GT(Talk(path, framed(12, "UNITS?")).size(), protocol::kMaxLineLength + 2);
+  EXPECT_EQ(line.Exchanges(), 12u);
   line.Stop();
   EXPECT_FALSE(std::filesystem::exists(std::filesystem::symlink_status(path)));
 }
