@@ -2,9 +2,11 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <fstream>
 #include <functional>
 #include <stdexcept>
 
+#include "protocol/command_table.h"
 #include "simulator/numbers.h"
 
 namespace vane::simulator {
@@ -49,12 +51,24 @@ Examples:
 Ends on SIGINT or SIGTERM and takes its link away. Exit status: 0, or 1 when the line
 can't be opened, or 2 for wrong options.)";
 
+std::string FirstLine(const std::string& path) {
+  std::ifstream file(path);
+  std::string line;
+  if (!std::getline(file, line)) {
+    throw std::invalid_argument("the passcode can't be read from " + path);
+  }
+  if (line.ends_with('\r')) line.pop_back();
+  return line;
+}
+
 // CLI11 reads a text and an argument vector by different overloads; all else is the same.
 Options Parse(const std::function<void(CLI::App&)>& parse) {
   Options options;
   CLI::App app(kDescription, "thermoscribe-sim");
   app.footer(kFooter);
   app.get_formatter()->column_width(28);
+  app.set_version_flag("--version", "thermoscribe-sim " THERMOSCRIBE_VERSION,
+                       "print the version and exit");
 
   bool without_scanner = false;
   CLI::Option* const scanner =
@@ -72,9 +86,16 @@ Options Parse(const std::function<void(CLI::App&)>& parse) {
   app.add_option("--model", options.readout.model, "model text of the identification")
       ->type_name("TEXT")
       ->capture_default_str();
-  app.add_option("--passcode", options.readout.passcode, "passcode of the protected settings")
-      ->type_name("TEXT")
-      ->capture_default_str();
+  CLI::Option* const passcode =
+      app.add_option("--passcode", options.readout.passcode, "passcode of the protected settings")
+          ->type_name("TEXT")
+          ->capture_default_str();
+  std::string passcode_file;
+  app.add_option("--passcode-file", passcode_file,
+                 "take the passcode from the first line of FILE,\n"
+                 "so that it shows in no list of processes")
+      ->type_name("FILE")
+      ->excludes(passcode);
   std::vector<std::string> groups;
   app.add_option("--protect", groups,
                  "groups that report as protected, separated by\n"
@@ -104,10 +125,18 @@ Options Parse(const std::function<void(CLI::App&)>& parse) {
   } catch (const CLI::CallForHelp&) {
     options.help = app.help();
     return options;
+  } catch (const CLI::CallForVersion& version) {
+    options.help = std::string(version.what()) + "\n";
+    return options;
   } catch (const CLI::ParseError& error) {
     throw std::invalid_argument(error.what());
   }
   if (without_scanner) options.readout.scanner = false;
+  if (!passcode_file.empty()) options.readout.passcode = FirstLine(passcode_file);
+  if (!protocol::FitsForm(protocol::kPasscodeForm, options.readout.passcode)) {
+    throw std::invalid_argument("the passcode must be " +
+                                protocol::FormText(protocol::kPasscodeForm));
+  }
   for (const std::string& fault : faults) options.faults.push_back(ParseFaultRule(fault));
   const auto has = [&groups](const char* group) {
     return std::find(groups.begin(), groups.end(), group) != groups.end();

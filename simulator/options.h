@@ -17,7 +17,8 @@ struct Options {
   std::string link;       ///< empty: no link of the user's own
   std::vector<FaultRule> faults;
 
-  /// The manual page, when it was asked for; the other members then hold nothing of use.
+  /// The manual page or the version, when it was asked for; the other members then hold nothing of
+  /// use.
   std::string help;
 };
 

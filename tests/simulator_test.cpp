@@ -4,6 +4,7 @@
 
 #include <chrono>
 #include <filesystem>
+#include <fstream>
 #include <map>
 #include <sstream>
 #include <stdexcept>
@@ -19,6 +20,7 @@
 #include "simulator/line_server.h"
 #include "simulator/options.h"
 #include "simulator/readout.h"
+#include "tests/support/host_machine.h"
 
 namespace vane::simulator {
 namespace {
@@ -345,6 +347,26 @@ PROTECT:UNITS? -> =ON
   EXPECT_EQ(Ask(readout, std::string(protocol::kPasscodeCommand)), "=a b");
   EXPECT_EQ(options.faults.size(), 2u);
   EXPECT_NE(ParseOptions("--help").help.find("--fault"), std::string::npos);
+  EXPECT_TRUE(ParseOptions("--version").help.starts_with("thermoscribe-sim "));
+
+  const test::CTemporaryFolder folder;
+  const std::string file = folder / "passcode";
+  const std::pair<const char*, const char*> files[] = {{"K9 zQ\r\n1234\n", "K9 zQ"},
+                                                       {"7", "7"},
+                                                       {"", nullptr},
+                                                       {"\n7", nullptr},
+                                                       {"1,2\n", nullptr}};
+  for (const auto& [text, passcode] : files) {
+    std::ofstream(file, std::ios::trunc) << text;
+    const auto parse = [&] { return ParseOptions("--passcode-file " + file).readout.passcode; };
+    if (passcode == nullptr) {
+      EXPECT_THROW(parse(), std::invalid_argument) << text;
+    } else {
+      EXPECT_EQ(parse(), passcode);
+    }
+  }
+  EXPECT_THROW(ParseOptions("--passcode 1 --passcode-file " + file), std::invalid_argument);
+  EXPECT_THROW(ParseOptions("--passcode-file " + file + "x"), std::invalid_argument);
 }
 
 // What comes for `text` until a line ends; "(lost)" when the line is gone.
