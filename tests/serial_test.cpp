@@ -1,7 +1,9 @@
 // The serial adapter against a scripted readout on a pseudo-terminal.
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <poll.h>
 #include <pty.h>
+#include <sys/ioctl.h>
 #include <termios.h>
 #include <unistd.h>
 
@@ -375,6 +377,36 @@ TEST(SerialCommunications, HoldsThePortForItselfUntilItIsClosed) {
   EXPECT_EQ(one.ReadError(32), ERR_LINE_OVERLONG);
   EXPECT_EQ(takes(), 0);
   EXPECT_EQ(one.ReadError(32), 0);
+}
+
+TEST(SerialCommunications, PortIsForThisProcessAloneAndNoStandardFile) {
+  CScriptedReadout readout({"{=1}", "{=2}"});
+  const auto isexclusive = [&] {
+    int state = -1;
+    EXPECT_EQ(ioctl(readout.Slave(), TIOCGEXCL, &state), 0);
+    return state;
+  };
+  {
+    Line line(readout.Path());
+    EXPECT_EQ(line.ReadError(32), 0);
+    EXPECT_EQ(isexclusive(), 1);
+  }
+  EXPECT_EQ(isexclusive(), 0);
+  const auto withoutinput = [&] {
+    close(STDIN_FILENO);
+    Line line(readout.Path());
+    bool isgood = line.ReadError(32) == 0 && fcntl(STDIN_FILENO, F_GETFD) == -1;
+    // Of the two that lead to the device, the other one is the readout's.
+    int ownfiles = 0;
+    for (int file = 3; file < 256; ++file) {
+      std::error_code error;
+      const fs::path target = fs::read_symlink("/proc/self/fd/" + std::to_string(file), error);
+      if (target == readout.Path() && (fcntl(file, F_GETFD) & FD_CLOEXEC) != 0) ++ownfiles;
+    }
+    isgood = isgood && ownfiles == 1;
+    _exit(isgood ? 0 : 1);
+  };
+  EXPECT_EXIT(withoutinput(), testing::ExitedWithCode(0), "");
 }
 
 TEST(SerialCommunications, EveryRateReachesTheDevice) {

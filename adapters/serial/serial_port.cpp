@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <poll.h>
 #include <sys/file.h>
+#include <sys/ioctl.h>
 #include <termios.h>
 #include <unistd.h>
 
@@ -35,6 +36,17 @@ EPortResult OpenFailure(int error) {
   }
 }
 
+// A program that was started without its standard files gets their numbers for the next ones that
+// it opens, and what it prints would go to the instrument.
+int AboveStandard(int handle) {
+  if (handle < 0 || handle > STDERR_FILENO) return handle;
+  const int moved = fcntl(handle, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
+  const int error = errno;
+  close(handle);
+  errno = error;
+  return moved;
+}
+
 bool HasSettings(const termios& found, const BaudRateRow& rate) {
   return cfgetispeed(&found) == rate.speed && cfgetospeed(&found) == rate.speed &&
          (found.c_cflag & (CSIZE | PARENB | CSTOPB)) == CS8 && (found.c_lflag & ICANON) == 0;
@@ -48,6 +60,7 @@ EPortResult CSerialPort::Open(const std::string& path, const BaudRateRow& rate) 
   do {
     handle_ = open(path.c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
   } while (handle_ < 0 && errno == EINTR);
+  handle_ = AboveStandard(handle_);
   if (handle_ < 0) return Fail(OpenFailure(errno), errno);
   return SetUp(rate);
 }
@@ -59,6 +72,9 @@ EPortResult CSerialPort::SetUp(const BaudRateRow& rate) {
   if (flock(handle_, LOCK_EX | LOCK_NB) != 0) {
     return Fail(errno == EWOULDBLOCK ? EPortResult::IN_USE : EPortResult::CANNOT_OPEN, errno);
   }
+  // The lock keeps out those who ask for it, this everybody else who comes later.
+  if (ioctl(handle_, TIOCEXCL) != 0) return Fail(EPortResult::CANNOT_OPEN, errno);
+  isexclusive_ = true;
 
   cfmakeraw(&settings);
   settings.c_iflag &= ~static_cast<tcflag_t>(IXOFF | IXANY | INPCK);
@@ -79,7 +95,10 @@ EPortResult CSerialPort::SetUp(const BaudRateRow& rate) {
 }
 
 void CSerialPort::Close() {
-  if (handle_ >= 0) close(std::exchange(handle_, -1));
+  if (handle_ < 0) return;
+  // A pseudo-terminal would stay shut as long as its other end holds it open.
+  if (std::exchange(isexclusive_, false)) ioctl(handle_, TIOCNXCL);
+  close(std::exchange(handle_, -1));
 }
 
 EPortResult CSerialPort::Write(std::string_view bytes, LineClock::time_point deadline) {

@@ -33,9 +33,9 @@ class CSerialPort {
   CSerialPort(const CSerialPort&) = delete;
   CSerialPort& operator=(const CSerialPort&) = delete;
 
-  /// Takes the device for this object alone and sets it to 8 data bits, no parity, 1 stop bit, no
-  /// flow control at `rate`. Input that came before is thrown away. Closes an open port first; the
-  /// port stays closed unless the result is DONE.
+  /// Takes the device for this object alone, which no child process inherits, and sets it to 8 data
+  /// bits, no parity, 1 stop bit, no flow control at `rate`. Input that came before is thrown away.
+  /// Closes an open port first; the port stays closed unless the result is DONE.
   EPortResult Open(const std::string& path, const BaudRateRow& rate);
 
   void Close();
@@ -57,6 +57,7 @@ class CSerialPort {
   EPortResult Fail(EPortResult result, int error);
 
   int handle_ = -1;
+  bool isexclusive_ = false;
   int error_ = 0;
 };
 
