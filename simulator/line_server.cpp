@@ -32,6 +32,9 @@ timespec WaitUntil(Moment due) {
 // When a new device can't be had after a hangup, this is how long until the next try.
 constexpr double kReopenSeconds = 0.3;
 
+// How long a client that was killed may keep others out.
+constexpr std::chrono::seconds kLookAfterClients{1};
+
 }  // namespace
 
 CSimulatedLine::CSimulatedLine(Options options, Announce announce, Clock clock)
@@ -51,6 +54,9 @@ void CSimulatedLine::Start() {
   }
   stop_read_ = CFile(stop_pipe[0]);
   stop_write_ = CFile(stop_pipe[1]);
+  if (stop_read_.Get() < 0 || stop_write_.Get() < 0) {
+    throw std::system_error(EMFILE, std::generic_category(), "can't make a pipe");
+  }
   OpenDevice();
   thread_ = std::thread([this] { Serve(); });
 }
@@ -95,17 +101,13 @@ void CSimulatedLine::Serve() {
   for (;;) {
     std::array<pollfd, 2> files = {pollfd{terminal_.Get(), POLLIN, 0},
                                    pollfd{stop_read_.Get(), POLLIN, 0}};
-    std::optional<Moment> due = reopen_at_;
-    if (const auto answer_due = answers_.NextDue()) {
-      due = std::min(due.value_or(Moment::max()), *answer_due);
-    }
-    if (due) {
-      const timespec wait = WaitUntil(*due);
-      ppoll(files.data(), files.size(), &wait, nullptr);
-    } else {
-      ppoll(files.data(), files.size(), nullptr, nullptr);
-    }
+    Moment due = Now() + kLookAfterClients;
+    if (reopen_at_) due = std::min(due, *reopen_at_);
+    if (const auto answer_due = answers_.NextDue()) due = std::min(due, *answer_due);
+    const timespec wait = WaitUntil(due);
+    const bool idle = ppoll(files.data(), files.size(), &wait, nullptr) == 0;
     if (files[1].revents != 0) return;
+    if (idle) terminal_.FreeAbandoned();
     if (files[0].revents != 0) ReadCommands();
     if (reopen_at_ && *reopen_at_ <= Now()) Reopen();
     if (!answers_.NextDue()) continue;

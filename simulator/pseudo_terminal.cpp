@@ -2,6 +2,8 @@
 
 #include <fcntl.h>
 #include <stdlib.h>
+#include <sys/file.h>
+#include <sys/ioctl.h>
 #include <termios.h>
 #include <unistd.h>
 
@@ -23,6 +25,14 @@ namespace fs = std::filesystem;
 
 }  // namespace
 
+CFile::CFile(int descriptor) : descriptor_(descriptor) {
+  if (descriptor < 0 || descriptor > STDERR_FILENO) return;
+  descriptor_ = fcntl(descriptor, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
+  const int error = errno;
+  close(descriptor);
+  errno = error;
+}
+
 CFile& CFile::operator=(CFile&& other) noexcept {
   std::swap(descriptor_, other.descriptor_);
   return *this;
@@ -36,7 +46,7 @@ int CFile::Release() { return std::exchange(descriptor_, -1); }
 
 CPseudoTerminal CPseudoTerminal::Open() {
   CPseudoTerminal terminal;
-  terminal.near_ = CFile(posix_openpt(O_RDWR | O_NOCTTY));
+  terminal.near_ = CFile(posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC));
   const int near = terminal.near_.Get();
   std::array<char, 128> name;
   if (near < 0 || grantpt(near) != 0 || unlockpt(near) != 0 ||
@@ -51,7 +61,7 @@ CPseudoTerminal CPseudoTerminal::Open() {
   }
   cfmakeraw(&settings);
   if (tcsetattr(terminal.far_.Get(), TCSANOW, &settings) != 0 ||
-      fcntl(near, F_SETFL, O_NONBLOCK) != 0 || fcntl(near, F_SETFD, FD_CLOEXEC) != 0) {
+      fcntl(near, F_SETFL, O_NONBLOCK) != 0) {
     FailOfSystem("can't set up " + terminal.device_path_);
   }
   return terminal;
@@ -69,6 +79,14 @@ void CPseudoTerminal::Write(std::string_view bytes) const {
     if (count <= 0) return;
     bytes.remove_prefix(static_cast<std::size_t>(count));
   }
+}
+
+void CPseudoTerminal::FreeAbandoned() const {
+  int isexclusive = 0;
+  if (ioctl(far_.Get(), TIOCGEXCL, &isexclusive) != 0 || isexclusive == 0) return;
+  if (flock(far_.Get(), LOCK_EX | LOCK_NB) != 0) return;
+  ioctl(far_.Get(), TIOCNXCL);
+  flock(far_.Get(), LOCK_UN);
 }
 
 CDeviceLink::CDeviceLink(std::string path) : path_(std::move(path)) {

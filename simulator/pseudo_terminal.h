@@ -7,11 +7,12 @@
 
 namespace vane::simulator {
 
-/// Owns a file descriptor.
+/// Owns a file descriptor. One that has the number of a standard file gets another, so that nothing
+/// that is printed goes into it; when there is none left it is closed, and `Get` is -1.
 class CFile {
  public:
   CFile() = default;
-  explicit CFile(int descriptor) : descriptor_(descriptor) {}
+  explicit CFile(int descriptor);
   CFile(CFile&& other) noexcept : descriptor_(other.Release()) {}
   CFile& operator=(CFile&& other) noexcept;
   ~CFile();
@@ -42,6 +43,10 @@ class CPseudoTerminal {
 
   /// Bytes that the client leaves no room for are lost, as on a line without flow control.
   void Write(std::string_view bytes) const;
+
+  /// A client that ended without closing the terminal may have left it exclusive, and nobody else
+  /// could open it. This ends that, unless a client holds the lock that goes with it.
+  void FreeAbandoned() const;
 
  private:
   CFile near_;

@@ -1,5 +1,7 @@
 #include <fcntl.h>
 #include <poll.h>
+#include <sys/file.h>
+#include <sys/ioctl.h>
 #include <unistd.h>
 
 #include <chrono>
@@ -386,6 +388,38 @@ std::string Talk(const std::string& path, const std::string& text) {
   }
   close(file);
   return answer;
+}
+
+TEST(SimulatedLine, KilledClientKeepsNobodyOutAndALivingOneItsOwn) {
+  CSimulatedLine line(ParseOptions(""));
+  line.Start();
+  const int client = open(line.Path().c_str(), O_RDWR | O_NOCTTY);
+  const auto isexclusive = [client] {
+    int state = -1;
+    EXPECT_EQ(ioctl(client, TIOCGEXCL, &state), 0);
+    return state == 1;
+  };
+  ASSERT_EQ(flock(client, LOCK_EX), 0);
+  ASSERT_EQ(ioctl(client, TIOCEXCL), 0);
+  std::this_thread::sleep_for(1200ms);
+  EXPECT_TRUE(isexclusive());
+  ASSERT_EQ(flock(client, LOCK_UN), 0);
+  for (int tries = 0; tries < 400 && isexclusive(); ++tries) std::this_thread::sleep_for(5ms);
+  EXPECT_FALSE(isexclusive());
+  close(client);
+}
+
+TEST(SimulatedLine, HasNoFileUnderTheNumberOfAStandardOne) {
+  const auto withoutfiles = [] {
+    for (const int file : {0, 1, 2}) close(file);
+    CSimulatedLine line(ParseOptions(""));
+    line.Start();
+    bool isgood = line.Ask("UNITS?") == "=C";
+    for (const int file : {0, 1, 2}) isgood = isgood && fcntl(file, F_GETFD) == -1;
+    line.Stop();
+    _exit(isgood ? 0 : 1);
+  };
+  EXPECT_EXIT(withoutfiles(), testing::ExitedWithCode(0), "");
 }
 
 TEST(SimulatedLine, FaultsOnARealTerminal) {
