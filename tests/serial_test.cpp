@@ -4,9 +4,11 @@
 #include <poll.h>
 #include <pty.h>
 #include <sys/ioctl.h>
+#include <sys/stat.h>
 #include <termios.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <functional>
@@ -482,6 +484,55 @@ TEST(LineTrace, ShowsEveryLineButNoSecret) {
 - late answer, skipped
 < #tag =5*C
 )");
+}
+
+TEST(LineTrace, WritesToFilesAndPipesAndTellsOfWhatIsLost) {
+  test::CTemporaryFolder folder;
+  const auto mark = ETraceMark::NOTE;
+  const std::string file = folder / "trace";
+  for (const std::string& text : {std::string("a\tb"), std::string("c")}) {
+    CFileTrace trace(file);
+    trace.Record(mark, text);
+    EXPECT_EQ(trace.Trouble(), "");
+  }
+  const std::string written = test::FileText(file);
+  ASSERT_EQ(std::count(written.begin(), written.end(), '\n'), 2);
+  EXPECT_NE(written.find("Z - a\\x09b\n"), written.npos) << written;
+  EXPECT_TRUE(written.ends_with("Z - c\n"));
+
+  const std::string pipe = folder / "pipe";
+  ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+  for (const std::string& path : {pipe, (folder / "none/trace").string(), folder.Path().string()}) {
+    try {
+      CFileTrace trace(path);
+      ADD_FAILURE() << path;
+    } catch (const LibraryError& error) {
+      EXPECT_EQ(error.Number(), ERR_LINE_TRACE_FILE);
+      EXPECT_NE(error.Description().find(path), std::string::npos);
+    }
+  }
+
+  CFileTrace full("/dev/full");
+  for (int i = 0; i < 2; ++i) full.Record(mark, "lost");
+  EXPECT_EQ(full.Trouble(),
+            "The trace file /dev/full could not be written (No space left on device); lines are "
+            "missing in it.");
+
+  int reader = open(pipe.c_str(), O_RDONLY | O_NONBLOCK);
+  CFileTrace piped("/dev/fd/" + std::to_string(open(pipe.c_str(), O_WRONLY)));
+  piped.Record(mark, "read");
+  char bytes[64];
+  EXPECT_GT(read(reader, bytes, sizeof bytes), 10);
+  const std::string longtext(1000, 'x');
+  for (int i = 0; i < 200; ++i) piped.Record(mark, longtext);  // the reader doesn't read
+  EXPECT_NE(piped.Trouble().find("Resource temporarily unavailable"), std::string::npos);
+  close(std::exchange(reader, -1));
+
+  reader = open(pipe.c_str(), O_RDONLY | O_NONBLOCK);
+  CFileTrace left(pipe);
+  close(reader);
+  left.Record(mark, "lost");  // the signal would end this process
+  EXPECT_NE(left.Trouble().find("Broken pipe"), std::string::npos);
 }
 
 TEST(SerialPorts, ListHasWhatIsThereInNaturalOrder) {

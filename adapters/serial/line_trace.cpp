@@ -1,14 +1,50 @@
 #include "adapters/serial/line_trace.h"
 
+#include <fcntl.h>
+#include <poll.h>
+#include <signal.h>
+#include <unistd.h>
+
 #include <array>
+#include <cerrno>
 #include <chrono>
 #include <cstdio>
 #include <ctime>
+#include <system_error>
 
+#include "adapters/serial/file_handle.h"
 #include "adapters/serial/line_errors.h"
 
 namespace vane {
 namespace {
+
+constexpr int kLongestWait = 1000;  // ms, for the reader of a pipe
+
+// While it lives, a write into a pipe without a reader fails and doesn't end the process, whatever
+// the host makes of that signal.
+class CHeldPipeSignal {
+ public:
+  CHeldPipeSignal() {
+    sigemptyset(&signals_);
+    sigaddset(&signals_, SIGPIPE);
+    sigset_t pending;
+    sigpending(&pending);
+    waspending_ = sigismember(&pending, SIGPIPE) == 1;
+    pthread_sigmask(SIG_BLOCK, &signals_, &before_);
+  }
+  ~CHeldPipeSignal() {
+    constexpr timespec kNoTime{};
+    if (!waspending_) sigtimedwait(&signals_, nullptr, &kNoTime);
+    pthread_sigmask(SIG_SETMASK, &before_, nullptr);
+  }
+  CHeldPipeSignal(const CHeldPipeSignal&) = delete;
+  CHeldPipeSignal& operator=(const CHeldPipeSignal&) = delete;
+
+ private:
+  sigset_t signals_;
+  sigset_t before_;
+  bool waspending_;
+};
 
 std::string TimeStamp() {
   using std::chrono::system_clock;
@@ -45,18 +81,49 @@ std::string EscapedText(std::string_view text) {
   return escaped;
 }
 
-CFileTrace::CFileTrace(const std::string& path) : file_(path, std::ios::app) {
-  if (!file_) {
+CFileTrace::CFileTrace(const std::string& path) : path_(path) {
+  // Without O_NONBLOCK the opening of a pipe would wait for a reader.
+  do {
+    file_ =
+        open(path.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_NOCTTY | O_NONBLOCK | O_CLOEXEC, 0666);
+  } while (file_ < 0 && errno == EINTR);
+  file_ = AboveStandard(file_);
+  if (file_ < 0) {
+    const std::string reason = errno == ENXIO ? "it is a pipe that nobody reads, or a socket"
+                                              : std::generic_category().message(errno);
     throw LibraryError(ERR_LINE_TRACE_FILE, "CFileTrace - Open",
-                       "The trace file " + path + " can't be opened for writing.");
+                       "The trace file " + path + " can't be opened for writing (" + reason + ").");
   }
 }
 
+CFileTrace::~CFileTrace() { close(file_); }
+
 void CFileTrace::Record(ETraceMark mark, std::string_view text) {
   constexpr char kMarks[] = {'>', '<', '-'};
-  file_.clear();
-  file_ << TimeStamp() << ' ' << kMarks[static_cast<int>(mark)] << ' ' << EscapedText(text)
-        << std::endl;
+  std::string record = isbroken_ ? "\n" : "";
+  record += TimeStamp() + ' ' + kMarks[static_cast<int>(mark)] + ' ' + EscapedText(text) + '\n';
+  const CHeldPipeSignal held;
+  for (std::string_view left = record; !left.empty();) {
+    const ssize_t written = write(file_, left.data(), left.size());
+    if (written >= 0) {
+      left.remove_prefix(static_cast<std::size_t>(written));
+      isbroken_ = !left.empty();
+    } else if (const int error = errno; !IsReady(error)) {
+      if (trouble_.empty()) {
+        trouble_ = "The trace file " + path_ + " could not be written (" +
+                   std::generic_category().message(error) + "); lines are missing in it.";
+      }
+      return;
+    }
+  }
+}
+
+// After a write that failed with `error`: may it be tried again?
+bool CFileTrace::IsReady(int error) const {
+  if (error == EINTR) return true;
+  if (error != EAGAIN || !trouble_.empty()) return false;
+  pollfd wanted{file_, POLLOUT, 0};
+  return poll(&wanted, 1, kLongestWait) == 1;
 }
 
 }  // namespace vane

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <cstdint>
-#include <fstream>
 #include <string>
 #include <string_view>
 
@@ -25,18 +24,34 @@ class CLineTrace {
 /// `text` with "\" doubled and every byte outside printable ASCII as "\x" and two digits.
 std::string EscapedText(std::string_view text);
 
-/// Appends to a file, one line per record, complete on the disk when `Record` returns:
-/// "2026-03-01 09:30:00.125Z > #1A2B ID?*5D0E". The time is UTC; "<" is an answer, "-" a remark. A
-/// full disk loses records and disturbs nothing else.
+/// Appends to a file, a terminal or a pipe, one line per record, handed to the system when `Record`
+/// returns: "2026-03-01 09:30:00.125Z > #1A2B ID?*5D0E". The time is UTC; "<" is an answer, "-" a
+/// remark.
+///
+/// A record that can't be written disturbs no exchange; `Trouble` tells of it. A pipe whose reader
+/// is busy is waited for, but no longer than a second and only until the first trouble. A reader
+/// that goes away raises no signal.
 class CFileTrace final : public CLineTrace {
  public:
-  /// Raises ERR_LINE_TRACE_FILE when the file can't be opened.
+  /// Raises ERR_LINE_TRACE_FILE when the file can't be opened. A pipe that nobody reads can't.
   explicit CFileTrace(const std::string& path);
+  ~CFileTrace() override;
+  CFileTrace(const CFileTrace&) = delete;
+  CFileTrace& operator=(const CFileTrace&) = delete;
 
   void Record(ETraceMark mark, std::string_view text) override;
 
+  /// Why the first record that was lost could not be written, as a sentence for the user; empty
+  /// while none was lost. To be asked at the end: a trace with holes must not pass for a whole one.
+  const std::string& Trouble() const { return trouble_; }
+
  private:
-  std::ofstream file_;
+  bool IsReady(int error) const;
+
+  const std::string path_;
+  int file_;
+  bool isbroken_ = false;  // a record ended before its line did
+  std::string trouble_;
 };
 
 }  // namespace vane

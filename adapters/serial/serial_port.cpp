@@ -13,6 +13,8 @@
 #include <system_error>
 #include <utility>
 
+#include "adapters/serial/file_handle.h"
+
 namespace vane {
 namespace {
 
@@ -34,17 +36,6 @@ EPortResult OpenFailure(int error) {
     default:
       return EPortResult::CANNOT_OPEN;
   }
-}
-
-// A program that was started without its standard files gets their numbers for the next ones that
-// it opens, and what it prints would go to the instrument.
-int AboveStandard(int handle) {
-  if (handle < 0 || handle > STDERR_FILENO) return handle;
-  const int moved = fcntl(handle, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
-  const int error = errno;
-  close(handle);
-  errno = error;
-  return moved;
 }
 
 bool HasSettings(const termios& found, const BaudRateRow& rate) {
