@@ -3,6 +3,7 @@
 #include <errno.h>
 #include <gmock/gmock.h>
 #include <signal.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -172,13 +173,30 @@ TEST_F(UserFiles, RegistryPutsADamagedFileAsideAtTheFirstWrite) {
   EXPECT_EQ(FileText(path.string() + ".damaged-2"), "[values\nCOMAutoClose = true\n");
 }
 
-TEST_F(UserFiles, RegistryThatCannotBeReadIsReportedAndNotReplaced) {
-  fs::create_directories(path);
-  CConfigRegistry registry(report, path);
-  EXPECT_EQ(registry.ReadText("DownloadFolder", "/f", kCurrentUserRoot, ""), "/f");
-  EXPECT_THAT(reports, ElementsAre(HasSubstr(path.string())));
-  EXPECT_THROW(registry.WriteBoolean("SelectPrinter", false), std::system_error);
-  EXPECT_TRUE(fs::is_directory(path));
+TEST_F(UserFiles, RegistryThatCannotBeReadIsReportedOnceAndNotReplaced) {
+  fs::create_directories(path.parent_path());
+  const fs::path fifo = folder / "fifo", huge = folder / "huge";
+  EXPECT_EQ(mkfifo(fifo.c_str(), 0600), 0);
+  std::ofstream(huge).close();
+  fs::resize_file(huge, 1 << 30);
+  const std::pair<fs::path, const char*> rows[] = {{folder.Path(), "no regular file"},
+                                                   {fifo, "no regular file"},
+                                                   {"/dev/zero", "no regular file"},
+                                                   {huge, "too large"}};
+  for (const auto& [target, reason] : rows) {
+    fs::create_symlink(target, path);
+    CConfigRegistry registry(report, path);
+    for (int i = 0; i < 2; ++i) {
+      EXPECT_EQ(registry.ReadText("DownloadFolder", "/f", kCurrentUserRoot, ""), "/f");
+    }
+    EXPECT_THAT(reports, ElementsAre(testing::AllOf(HasSubstr(path.string()), HasSubstr(reason))));
+    reports.clear();
+    if (target != "/dev/zero") {
+      EXPECT_THROW(registry.WriteBoolean("SelectPrinter", false), std::runtime_error);
+    }
+    fs::remove(path);
+  }
+  EXPECT_TRUE(fs::is_fifo(fifo));
 }
 
 TEST_F(UserFiles, TwoProcessesLoseNothingOfEachOther) {
@@ -221,6 +239,9 @@ TEST_F(UserFiles, AtomicWriteReplacesTheFileBehindALink) {
   };
   const fs::path real = folder / "new" / "real", link = folder / "link";
   fs::create_symlink("new/real", link);
+  EXPECT_THROW(WriteFileAtomically(link, "one", 0640), std::system_error);
+  EXPECT_FALSE(fs::exists(folder / "new")) << "nobody has asked for a folder";
+  MakePrivateFolders(folder / "new");
   WriteFileAtomically(link, "one", 0640);
   EXPECT_EQ(mode(folder / "new"), 0700u);
   EXPECT_EQ(mode(real), 0640u);

@@ -384,8 +384,9 @@ TEST_F(Download, FailuresEndInOneBoxAndLeaveNoHalfFile) {
   host_.registry->texts["DownloadFolder"] = out_ / "missing";
   host_.forms.Expect("frmShowFiles", [](ui::CForm& form) { form.Hide(); });
   EXPECT_TRUE(Run());
-  EXPECT_NE(Boxes().find("attempting to create download file.//Error: 5 - Cannot make"),
-            std::string::npos);
+  EXPECT_NE(
+      Boxes().find("attempting to create download file.//Error: 5 - Cannot write to the folder"),
+      std::string::npos);
 
   fs::remove(temp_ / "TMPDWNLD.LOG");
   fs::create_directories(temp_ / "TMPDWNLD.LOG" / "x");

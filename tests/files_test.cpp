@@ -149,7 +149,7 @@ TEST_F(Download, OlderFileStaysUntilClose) {
   file.Create(true, success);
   file.Close(success);
   umask(mask);
-  EXPECT_FALSE(fs::exists(folder / "linked"));
+  EXPECT_TRUE(fs::is_symlink(path) && fs::is_regular_file(folder / "linked"));
   EXPECT_EQ(mode(), 0640u);
 
   fs::permissions(path, fs::perms(0604));
@@ -170,21 +170,19 @@ TEST_F(Download, OlderFileStaysUntilClose) {
 
 TEST_F(Download, WhatCannotBeMadeIsAnErrorThatNamesIt) {
   std::ofstream(path) << "old";
-  mkfifo((folder / "fifo").c_str(), 0600);
   const std::string in = folder.Path().string() + "/";
   struct Row {
     std::string folder, name, reason;
     bool replace = true;
   };
-  for (const Row& row : {Row{in + "none/", "a", "No such file or directory"},
-                         {path.string() + "/", "a", "Not a directory"},
-                         {in, "out", "Is a directory"},
-                         {in, "fifo", "File exists"},
-                         {file.Folder(), file.FileName(), "File exists", false}}) {
+  for (const Row& row :
+       {Row{in + "none/", "a", "the folder '" + in + "none': No such file or directory"},
+        {path.string() + "/", "a", "the folder '" + path.string() + "': Not a directory"},
+        {in, "out", "'" + in + "out': Is a directory"},
+        {file.Folder(), file.FileName(), "'" + path.string() + "': File exists", false}}) {
     file.SetFolder(row.folder);
     file.SetFileName(row.name);
-    EXPECT_THAT(Error([&] { file.Create(row.replace, success); }),
-                EndsWith("'" + row.folder + row.name + "': " + row.reason));
+    EXPECT_THAT(Error([&] { file.Create(row.replace, success); }), EndsWith(row.reason));
     EXPECT_THAT(Error([&] { file.WriteHeader(8, success); }), HasSubstr("not open"));
   }
   EXPECT_TRUE(PathIsAlone());
@@ -213,6 +211,22 @@ TEST_F(Download, FullDiskIsAnErrorAndLeavesTheOlderFile) {
   const auto named = HasSubstr(path.string() + "': File too large");
   EXPECT_THAT(errors, ElementsAre(named, "", named, ""));
   EXPECT_EQ(FileText(path), "old");
+}
+
+TEST_F(Download, DeviceInThePlaceOfTheFileGetsTheRows) {
+  fs::create_symlink("/dev/full", path);
+  file.SetField(0, "row");
+  file.Create(true, success);
+  file.WriteRow(success);
+  EXPECT_THAT(Error([&] { file.Close(success); }), EndsWith("No space left on device"));
+  fs::remove(path);
+  fs::create_symlink("/proc/self/fd/" + std::to_string(host), path);
+  file.Create(true, success);
+  file.WriteRow(success);
+  file.Close(success);
+  EXPECT_EQ(Screen(), "row" + std::string(21, ' ') + "\n");
+  EXPECT_TRUE(PathIsAlone() && fs::is_symlink(path));
+  EXPECT_EQ(Error([&] { file.Print(false, success); }), "No file has been written.");
 }
 
 TEST_F(Download, ShowAndPrintHandThePathToAProgram) {

@@ -1,8 +1,5 @@
 #include "adapters/files/column_file.h"
 
-#include <sys/stat.h>
-#include <unistd.h>
-
 #include <algorithm>
 #include <cerrno>
 #include <sstream>
@@ -17,7 +14,6 @@ namespace vane {
 namespace {
 
 constexpr std::size_t kBufferSize = 65536;
-constexpr mode_t kPermissions = 0777;
 
 std::size_t Characters(const std::string& text) {
   return static_cast<std::size_t>(std::count_if(text.begin(), text.end(), [](char c) {
@@ -37,17 +33,6 @@ std::string Lines(const std::string& text) {
   }
   if (!lines.empty() && lines.back() != '\n') lines += '\n';
   return lines;
-}
-
-// Gives `file` the permissions of the older file in whose place it will come, if there is one and
-// it may be replaced. Renaming alone would replace anything.
-void TakeOver(const std::filesystem::path& older, bool replace, CReplacingFile& file) {
-  struct stat status {};
-  if (::lstat(older.c_str(), &status) != 0 || S_ISLNK(status.st_mode)) return;
-  if (S_ISDIR(status.st_mode)) RaiseFileError(EISDIR, "Cannot write", older);
-  if (!replace || !S_ISREG(status.st_mode)) RaiseFileError(EEXIST, "Cannot replace", older);
-  if (::access(older.c_str(), W_OK) != 0) RaiseFileError(errno, "Cannot replace", older);
-  file.SetMode(status.st_mode & kPermissions);
 }
 
 // What the program has said, or that it failed where it said nothing.
@@ -79,8 +64,10 @@ std::vector<std::string> Printers() {
 
 }  // namespace
 
-CColumnTextFile::CColumnTextFile(PrinterChoice printerchoice, std::string opener)
-    : printerchoice_(std::move(printerchoice)), opener_(std::move(opener)) {}
+CColumnTextFile::CColumnTextFile(PrinterChoice printerchoice, std::string opener, Patience patience)
+    : printerchoice_(std::move(printerchoice)),
+      opener_(std::move(opener)),
+      patience_(std::move(patience)) {}
 
 void CColumnTextFile::SetRegistry(std::shared_ptr<CVaneRegistry> registry) {
   registry_ = std::move(registry);
@@ -108,10 +95,14 @@ void CColumnTextFile::Create(bool replace, bool& success) {
   complete_ = false;
   buffer_.clear();
   file_.reset();
-  path_ = std::filesystem::absolute(BuildFullPath(folder_, filename_));
-  auto file = std::make_unique<CReplacingFile>(path_);
-  TakeOver(path_, replace, *file);
-  file_ = std::move(file);
+  const std::filesystem::path path = BuildFullPath(folder_, filename_);
+  std::error_code error;
+  path_ = std::filesystem::absolute(path, error);
+  if (error) RaiseFileError(error.value(), "Cannot make", path);
+  if (!replace && std::filesystem::exists(path_, error)) {
+    RaiseFileError(EEXIST, "Cannot replace", path_);
+  }
+  file_ = std::make_unique<CReplacingFile>(path_, std::nullopt, patience_);
   success = true;
 }
 
@@ -130,8 +121,8 @@ void CColumnTextFile::Close(bool& success) {
   WithFile(success, [this] {
     Flush();
     file_->Commit();
+    complete_ = file_->IsRegular();
     file_.reset();
-    complete_ = true;
   });
 }
 

@@ -27,8 +27,9 @@ using PrinterChoice =
 class CColumnTextFile : public CVaneOutputFile {
  public:
   /// `opener` is the program that `Show` hands the path to. Without a `printerchoice` the default
-  /// printer is taken.
-  explicit CColumnTextFile(PrinterChoice printerchoice = {}, std::string opener = "xdg-open");
+  /// printer is taken. `patience` is for a pipe or a device in the place of the file.
+  explicit CColumnTextFile(PrinterChoice printerchoice = {}, std::string opener = "xdg-open",
+                           Patience patience = {});
 
   void SetHelpFile(const std::string&) override {}  // its errors have no topic
   void SetLayoutOptionA(bool) override {}           // there is one layout
@@ -54,18 +55,20 @@ class CColumnTextFile : public CVaneOutputFile {
   const std::string& FileName() const override { return filename_; }
   void SetFileName(const std::string& name) override { filename_ = name; }
 
-  // What is written goes to a file beside the final one, and an older file stays whole until
-  // `Close`. A failure, and the end of the object before `Close`, leave nothing of the new file.
+  // What is written is kept out of sight, and an older file stays whole until `Close`. A failure,
+  // and the end of the object before `Close`, leave nothing of the new file. What is no regular
+  // file, such as a pipe or a device, gets the rows themselves.
 
   /// An older file keeps its permissions, and is an error when it is write-protected or `replace`
-  /// is false. The folder must exist.
+  /// is false. The folder must exist. A symbolic link is followed.
   void Create(bool replace, bool& success) override;
   /// The titles are the fields at hand.
   void WriteHeader(std::int32_t kind, bool& success) override;
   void WriteRow(bool& success) override;
   void Close(bool& success) override;
 
-  // For the file that this object has written and closed; raised otherwise.
+  // For the file that this object has written and closed; raised otherwise, also for a pipe or a
+  // device.
 
   /// Waits for the opener, which usually ends when another program has taken the file over.
   void Show(bool flag) override;
@@ -87,6 +90,7 @@ class CColumnTextFile : public CVaneOutputFile {
 
   PrinterChoice printerchoice_;
   std::string opener_;
+  Patience patience_;
   std::shared_ptr<CVaneRegistry> registry_;
   std::string folder_;
   std::string filename_;

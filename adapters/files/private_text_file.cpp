@@ -39,7 +39,7 @@ void CPrivateTextFile::WriteAll(std::string_view text) {
 }
 
 void CPrivateTextFile::Close() {
-  if (file_.Close() != 0) RaiseFileError(errno, "Cannot write", path_);
+  if (file_.Close() != 0 && errno != EINTR) RaiseFileError(errno, "Cannot write", path_);
 }
 
 }  // namespace vane

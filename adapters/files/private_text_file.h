@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-#include "adapters/files/posix_file.h"
+#include "adapters/posix/posix_file.h"
 #include "vane/components/text_file.h"
 
 namespace vane {

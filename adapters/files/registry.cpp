@@ -10,12 +10,13 @@
 #include <cstdlib>
 #include <optional>
 #include <sstream>
-#include <system_error>
+#include <stdexcept>
 #include <utility>
 #include <vector>
 
 #include "adapters/files/atomic_file.h"
-#include "adapters/files/posix_file.h"
+#include "adapters/posix/links.h"
+#include "adapters/posix/posix_file.h"
 #include "vane/support/library_error.h"
 
 namespace vane {
@@ -24,6 +25,8 @@ namespace {
 constexpr const char* kValues = "values";
 constexpr char kSubkeySeparator = '\\';
 constexpr mode_t kPrivateFile = S_IRUSR | S_IWUSR;
+constexpr std::size_t kMaxFile = 4 << 20;  // more than any settings
+constexpr const char* kCannotRead = "Cannot read";
 
 // What the file holds. Text that is no TOML has no table.
 struct Content {
@@ -32,13 +35,17 @@ struct Content {
   std::string trouble;  // what is wrong with the text
 };
 
-// The whole file; a missing one is empty. Raises `std::system_error`.
+// The whole file; a missing one is empty. Raises `std::runtime_error`, also for anything but a
+// regular file: nobody keeps settings in a pipe, and reading one would wait.
 std::string ReadFile(const std::filesystem::path& path) {
-  const CDescriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
+  const CDescriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK));
   if (!file.IsOpen()) {
     if (errno == ENOENT || errno == ENOTDIR) return {};
-    RaiseFileError(errno, "Cannot read", path);
+    RaiseFileError(errno, kCannotRead, path);
   }
+  struct stat status {};
+  if (::fstat(file.Get(), &status) != 0) RaiseFileError(errno, kCannotRead, path);
+  if (!S_ISREG(status.st_mode)) RaiseFileError("it is no regular file", kCannotRead, path);
   std::string text;
   char block[4096];
   for (;;) {
@@ -47,8 +54,9 @@ std::string ReadFile(const std::filesystem::path& path) {
     if (size > 0) {
       text.append(block, static_cast<std::size_t>(size));
     } else if (errno != EINTR) {
-      RaiseFileError(errno, "Cannot read", path);
+      RaiseFileError(errno, kCannotRead, path);
     }
+    if (text.size() > kMaxFile) RaiseFileError("it is too large", kCannotRead, path);
   }
 }
 
@@ -178,7 +186,7 @@ T CConfigRegistry::Read(const std::string& name, const T& fallback, std::uint32_
   Content content;
   try {
     content = ReadContent(path_);
-  } catch (const std::system_error& error) {
+  } catch (const std::runtime_error& error) {
     content.trouble = error.what();
   }
   if (!content.table) {

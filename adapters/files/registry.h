@@ -19,8 +19,9 @@ class CConfigRegistry : public CVaneRegistry {
   /// Raises `LibraryError` for a user without a home folder.
   static std::filesystem::path DefaultPath();
 
-  /// `report` gets one text when the file is there and can't be used: no more than once, at its
-  /// first use. The file itself isn't touched before the first write.
+  /// `report` gets one text when the file is there and can't be used, such as a damaged one or a
+  /// pipe: no more than once, at its first use. The file itself isn't touched before the first
+  /// write.
   explicit CConfigRegistry(std::function<void(const std::string&)> report,
                            std::filesystem::path path = DefaultPath());
 
@@ -34,9 +35,9 @@ class CConfigRegistry : public CVaneRegistry {
 
   // Writing, for hosts. The file is read anew under a lock, so that two programs lose nothing of
   // each other's, and replaced as a whole. A file that can't be understood is first put aside as
-  // `registry.toml.damaged-<n>`. Raises `std::system_error` when the file can't be read or written,
-  // and `LibraryError` for a text that isn't UTF-8 and when a value would take the place of a sub
-  // key or the other way round; the file then stays as it was.
+  // `registry.toml.damaged-<n>`. Raises `std::runtime_error` when the file can't be read or
+  // written, and `LibraryError` for a text that isn't UTF-8 and when a value would take the place
+  // of a sub key or the other way round; the file then stays as it was.
 
   void WriteBoolean(const std::string& name, bool value, const std::string& subkey = {});
   void WriteText(const std::string& name, const std::string& value, const std::string& subkey = {});

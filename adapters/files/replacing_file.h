@@ -1,29 +1,39 @@
-// A file that is written piece by piece beside another one and takes its place when it is whole.
+// A file that is written piece by piece out of sight and takes its place when it is whole.
 //
-// Any thread. Every failure is a `std::system_error` that names the target.
+// Any thread. Every failure is a `std::runtime_error` that names the target.
 #pragma once
 
 #include <sys/types.h>
 
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <string_view>
 
-#include "adapters/files/posix_file.h"
+#include "adapters/posix/patience.h"
+#include "adapters/posix/posix_file.h"
 
 namespace vane {
 
-/// Without `Commit` nothing is left of it, and the target is what it was.
+/// Without `Commit` nothing is left of it, and the target is what it was. While it is written it
+/// has no name, where the file system allows that, so that a program that is killed leaves nothing
+/// either.
+///
+/// A target that is no regular file, such as a pipe, a device or an open file of the process, can't
+/// be replaced: it gets what is written at once.
 class CReplacingFile {
  public:
-  /// Makes an empty file in the target's folder, with the permissions that a new file of this user
-  /// gets. A symbolic link at `target` is not followed: the file will take the link's place.
-  explicit CReplacingFile(std::filesystem::path target);
+  /// The file is made in the target's folder, which must exist. A symbolic link at `target` is
+  /// followed. An older file must be writable, and hands on its permissions; a new one gets `mode`,
+  /// or without it those of any new file of this user.
+  explicit CReplacingFile(const std::filesystem::path& target, std::optional<mode_t> mode = {},
+                          const Patience& patience = {});
   ~CReplacingFile();
   CReplacingFile(const CReplacingFile&) = delete;
   CReplacingFile& operator=(const CReplacingFile&) = delete;
 
-  void SetMode(mode_t mode);
+  /// Whether there will be a file to look at after `Commit`.
+  bool IsRegular() const { return !inplace_; }
 
   /// Goes to the file at once.
   void Write(std::string_view text);
@@ -34,10 +44,13 @@ class CReplacingFile {
   void Commit();
 
  private:
+  void Make(std::optional<mode_t> mode);
+  void NameIt();
   void Check(bool done) const;
 
   std::filesystem::path target_;
-  std::string name_;  // empty once the file has taken the target's place
+  std::optional<CPatientOutput> inplace_;
+  std::string name_;  // empty while the file has none, and once it has taken the target's place
   CDescriptor file_;
 };
 

@@ -1,6 +1,7 @@
 #include "adapters/files/run_program.h"
 
 #include <fcntl.h>
+#include <signal.h>
 #include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -9,7 +10,7 @@
 #include <cerrno>
 #include <system_error>
 
-#include "adapters/files/posix_file.h"
+#include "adapters/posix/posix_file.h"
 
 namespace vane {
 namespace {
@@ -19,6 +20,27 @@ constexpr int kSignalled = 128;
 [[noreturn]] void RaiseStartError(int error, const std::string& program) {
   throw std::system_error(error, std::generic_category(), "Cannot start '" + program + "'");
 }
+
+// What this process ignores and other programs count on, such as the end of a reader.
+class CUsualSignals {
+ public:
+  CUsualSignals() {
+    sigset_t signals;
+    sigemptyset(&signals);
+    for (const int signal : {SIGPIPE, SIGXFSZ}) sigaddset(&signals, signal);
+    ::posix_spawnattr_init(&attributes_);
+    ::posix_spawnattr_setsigdefault(&attributes_, &signals);
+    ::posix_spawnattr_setflags(&attributes_, POSIX_SPAWN_SETSIGDEF);
+  }
+  ~CUsualSignals() { ::posix_spawnattr_destroy(&attributes_); }
+  CUsualSignals(const CUsualSignals&) = delete;
+  CUsualSignals& operator=(const CUsualSignals&) = delete;
+
+  const posix_spawnattr_t* Get() const { return &attributes_; }
+
+ private:
+  posix_spawnattr_t attributes_;
+};
 
 class CFileActions {
  public:
@@ -38,9 +60,10 @@ pid_t Start(const std::vector<std::string>& arguments, CFileActions& actions) {
   list.reserve(arguments.size() + 1);
   for (const std::string& argument : arguments) list.push_back(const_cast<char*>(argument.c_str()));
   list.push_back(nullptr);
+  const CUsualSignals signals;
   pid_t process = 0;
   const int error =
-      ::posix_spawnp(&process, list[0], actions.Get(), nullptr, list.data(), ::environ);
+      ::posix_spawnp(&process, list[0], actions.Get(), signals.Get(), list.data(), ::environ);
   if (error != 0) RaiseStartError(error, arguments[0]);
   return process;
 }
