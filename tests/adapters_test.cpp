@@ -303,7 +303,6 @@ TEST_F(Terminal, QuestionAsksUntilItIsAnswered) {
   });
   EXPECT_EQ(ask(platform), EBoxButton::kNo);
   EXPECT_THAT(Screen(), EndsWith("\nNo: interrupted.\n"));
-  interrupts.Clear();
   CTerminalPlatform piped(interrupts, line[0], line[1]);
   EXPECT_EQ(ask(piped), EBoxButton::kNo);
   EXPECT_EQ(Piped(), head + "No: there is no terminal to ask on.\n");
@@ -328,19 +327,31 @@ TEST_F(Terminal, InterruptWakesTheMessageQueueOnceAndStaysPending) {
 }
 
 TEST_F(Terminal, ThirdInterruptGivesTheKeyBackToTheSystem) {
-  const auto handler = [] {
+  const auto handler = [](int signal) {
     struct sigaction action {};
-    sigaction(SIGINT, nullptr, &action);
+    sigaction(signal, nullptr, &action);
     return action.sa_handler;
   };
-  raise(SIGINT);
-  raise(SIGINT);
-  EXPECT_NE(handler(), SIG_DFL);
-  raise(SIGINT);
-  EXPECT_EQ(handler(), SIG_DFL);
-  interrupts.Clear();
-  EXPECT_NE(handler(), SIG_DFL);
   EXPECT_THROW(CInterrupts second, std::logic_error);
+  raise(SIGINT);
+  raise(SIGHUP);
+  EXPECT_NE(handler(SIGINT), SIG_DFL);
+  signal(SIGHUP, SIG_IGN);  // as under nohup
+  raise(SIGTERM);
+  EXPECT_EQ(handler(SIGINT), SIG_DFL);
+  EXPECT_EQ(handler(SIGTERM), SIG_DFL);
+  EXPECT_EQ(handler(SIGHUP), SIG_IGN);
+}
+
+TEST_F(Terminal, InterruptEndsACallThatWaits) {
+  std::jthread later([] {
+    std::this_thread::sleep_for(30ms);
+    kill(getpid(), SIGHUP);
+  });
+  char c = 0;
+  EXPECT_EQ(read(line[0], &c, 1), -1);
+  EXPECT_EQ(errno, EINTR);
+  EXPECT_TRUE(interrupts.Pending());
 }
 
 TEST_F(Terminal, ProgressDrawsOneLineAndTakesItAway) {
@@ -371,7 +382,7 @@ TEST_F(Terminal, ProgressDrawsOneLineAndTakesItAway) {
   EXPECT_EQ(Screen(), "");
 }
 
-TEST_F(Terminal, ProgressStopsAtAnInterruptUntilItFinishes) {
+TEST_F(Terminal, ProgressStopsAtAnInterruptForGood) {
   CTerminalProgress bar(interrupts, line[1]);
   CVaneProgress& progress = bar;
   progress.Start("Reading...", 20.0);
@@ -380,12 +391,10 @@ TEST_F(Terminal, ProgressStopsAtAnInterruptUntilItFinishes) {
   EXPECT_FALSE(progress.Step());
   EXPECT_FALSE(progress.Step());
   progress.Finish();
-  EXPECT_FALSE(interrupts.Pending());
-  progress.Start("Reading...", 20.0);
-  EXPECT_TRUE(progress.Step());
-  raise(SIGINT);
-  progress.Finish();
-  EXPECT_TRUE(interrupts.Pending()) << "no step has reported it, so it isn't dealt with";
+  EXPECT_TRUE(interrupts.Pending());
+  CTerminalProgress next(interrupts, line[1]);
+  next.Start("Writing...", 20.0);
+  EXPECT_FALSE(static_cast<CVaneProgress&>(next).Step()) << "the program would go on after Ctrl-C";
   EXPECT_EQ(Piped(), "");
 }
 

@@ -350,7 +350,7 @@ TEST_F(Cli, AScanSequenceThatWasStoppedHalfWayIsNotShown) {
   const Outcome outcome = program.Wait();
   EXPECT_EQ(outcome.exitcode, 7);
   EXPECT_THAT(outcome.out, IsEmpty());
-  EXPECT_THAT(outcome.err, HasSubstr("Aborted while the scan sequence"));
+  EXPECT_THAT(outcome.err, HasSubstr("Aborted querying information"));
 }
 
 TEST_F(Cli, TakesThePasscodeFromAFileOrDescriptorOnce) {

@@ -11,23 +11,24 @@
 namespace vane {
 namespace {
 
-constexpr std::array<int, 2> kSignals = {SIGINT, SIGTERM};
+constexpr std::array<int, 3> kSignals = {SIGINT, SIGTERM, SIGHUP};
 constexpr int kPatience = 3;
 
 // All that the signal handler may touch.
-std::atomic<int> uncleared{0};
+std::atomic<int> interrupts{0};
 std::atomic<int> pipe_end{-1};
 static_assert(std::atomic<int>::is_always_lock_free);
 
 void UseDefault(int signal) {
   struct sigaction action {};
+  if (::sigaction(signal, nullptr, &action) != 0 || action.sa_handler == SIG_IGN) return;
   action.sa_handler = SIG_DFL;
   ::sigaction(signal, &action, nullptr);
 }
 
 void OnSignal(int) {
   const int error = errno;
-  if (++uncleared >= kPatience) {
+  if (++interrupts >= kPatience) {
     for (const int signal : kSignals) UseDefault(signal);
   }
   // A full pipe has woken the reader already.
@@ -42,26 +43,26 @@ CInterrupts::CInterrupts() {
   if (::pipe2(pipe_.data(), O_CLOEXEC | O_NONBLOCK) != 0) {
     throw std::system_error(errno, std::generic_category(), "Cannot make a pipe for interrupts");
   }
-  uncleared = 0;
+  interrupts = 0;
   pipe_end = pipe_[1];
-  for (std::size_t i = 0; i < kSignals.size(); ++i) ::sigaction(kSignals[i], nullptr, &former_[i]);
-  Handle();
+  // Without SA_RESTART: a call that waits is how a program hangs.
+  struct sigaction action {};
+  action.sa_handler = OnSignal;
+  for (std::size_t i = 0; i < kSignals.size(); ++i) {
+    ::sigaction(kSignals[i], nullptr, &former_[i]);
+    if (former_[i].sa_handler != SIG_IGN) ::sigaction(kSignals[i], &action, nullptr);
+  }
 }
 
 CInterrupts::~CInterrupts() {
-  Restore();
+  for (std::size_t i = 0; i < kSignals.size(); ++i) {
+    ::sigaction(kSignals[i], &former_[i], nullptr);
+  }
   pipe_end = -1;
   for (const int end : pipe_) ::close(end);
 }
 
-bool CInterrupts::Pending() const { return uncleared > 0; }
-
-void CInterrupts::Clear() {
-  const int dealtwith = uncleared.exchange(0);
-  if (dealtwith >= kPatience) Handle();
-  heeded_ = heeded_ || dealtwith > 0;
-  TakeArrivals();
-}
+bool CInterrupts::Pending() const { return interrupts > 0; }
 
 int CInterrupts::TakeArrivals() {
   int arrivals = 0;
@@ -73,21 +74,6 @@ int CInterrupts::TakeArrivals() {
     } else if (size == 0 || errno != EINTR) {
       return arrivals;
     }
-  }
-}
-
-void CInterrupts::Handle() {
-  struct sigaction action {};
-  action.sa_handler = OnSignal;
-  action.sa_flags = SA_RESTART;
-  for (std::size_t i = 0; i < kSignals.size(); ++i) {
-    if (former_[i].sa_handler != SIG_IGN) ::sigaction(kSignals[i], &action, nullptr);
-  }
-}
-
-void CInterrupts::Restore() {
-  for (std::size_t i = 0; i < kSignals.size(); ++i) {
-    ::sigaction(kSignals[i], &former_[i], nullptr);
   }
 }
 

@@ -81,15 +81,12 @@ bool CTerminalProgress::Step(std::int32_t total, std::int32_t position, std::int
   }
   percent_ = std::clamp(percent_, 0.0, kWhole);
   Refresh(false);
-  stopped_ = stopped_ || interrupts_.Pending();
-  return !stopped_;
+  return !interrupts_.Pending();
 }
 
 void CTerminalProgress::Finish() {
   running_ = false;
   Refresh(true);
-  if (stopped_) interrupts_.Clear();
-  stopped_ = false;
 }
 
 void CTerminalProgress::Refresh(bool now) {

@@ -27,12 +27,11 @@ class CTerminalProgress final : public CVaneProgress {
 
   void Start(const std::string& text, double share) override;
 
-  /// False once an interrupt is pending. The bar stops at 100 percent, however many steps come.
-  /// With a position, the line also tells the rate and the time that is left.
+  /// False once an interrupt is pending, also one that came before the run. The bar stops at 100
+  /// percent, however many steps come. With a position, the line also tells the rate and the time
+  /// that is left.
   bool Step(std::int32_t total, std::int32_t position, std::int32_t extra) override;
 
-  /// Clears the interrupt that has stopped the run. One that came after the last step stays pending
-  /// for the run that follows.
   void Finish() override;
 
  private:
@@ -48,7 +47,6 @@ class CTerminalProgress final : public CVaneProgress {
   bool visible_ = true;
   bool hidden_ = false;
   bool running_ = false;
-  bool stopped_ = false;
   std::string caption_;
   double share_ = 0;
   double percent_ = 0;

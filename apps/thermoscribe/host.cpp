@@ -77,7 +77,7 @@ EExitCode CHost::ReadSettings() {
   if (const EExitCode code = Connect(); code != EExitCode::DONE) return code;
   if (!instrument_.QueryInfo(ProgressWindow(), false)) return CodeOfStoppedRun();
   // Stopped within the scan sequence, the library gives the steps up to there as a whole one.
-  if (interrupts_.Heeded()) {
+  if (IsInterrupted()) {
     Say("Aborted while the scan sequence was read.");
     return EExitCode::ABORTED;
   }
@@ -133,7 +133,7 @@ void CHost::StartDryRun() {
 }
 
 EExitCode CHost::CodeOfStoppedRun() const {
-  if (interrupts_.Heeded() || IsInterrupted()) return EExitCode::ABORTED;
+  if (IsInterrupted()) return EExitCode::ABORTED;
   return ExitCodeOfLine(LastFailure().number);
 }
 
