@@ -19,6 +19,7 @@
 #include "adapters/files/atomic_file.h"
 #include "adapters/files/registry.h"
 #include "adapters/terminal/clock_text.h"
+#include "adapters/terminal/terminal_passcode.h"
 #include "adapters/terminal/terminal_platform.h"
 #include "adapters/terminal/terminal_progress.h"
 #include "tests/support/host_machine.h"
@@ -352,6 +353,39 @@ TEST_F(Terminal, InterruptEndsACallThatWaits) {
   EXPECT_EQ(read(line[0], &c, 1), -1);
   EXPECT_EQ(errno, EINTR);
   EXPECT_TRUE(interrupts.Pending());
+}
+
+TEST_F(Terminal, PasscodeSourceIsOneLineAndNotWaitedForWithoutEnd) {
+  test::CTemporaryFolder folder;
+  const std::string fifo = folder / "fifo";
+  EXPECT_EQ(mkfifo(fifo.c_str(), 0600), 0);
+  Patience patience;
+  patience.meeting = patience.silence = 60ms;
+  const auto take = [&](const std::string& source) -> std::string {
+    CTerminalPasscodeDialog dialog(interrupts, source, host, host, patience);
+    std::string entered;
+    try {
+      return dialog.ShowDialog(entered, nullptr) ? entered : Screen();
+    } catch (const std::runtime_error& error) {
+      return error.what();
+    }
+  };
+  EXPECT_EQ(write(line[1], "K9 zQ\r\nnext\n", 13), 13);
+  EXPECT_EQ(take(std::to_string(line[0])), "K9 zQ");
+  EXPECT_EQ(take("/dev/fd/" + std::to_string(line[0])), "next");
+  EXPECT_THAT(take(std::to_string(line[0])), HasSubstr("nothing has come for"));
+  EXPECT_THAT(take("/dev/zero"), HasSubstr("is too long"));
+  EXPECT_THAT(take(fifo), HasSubstr("fifo': nobody has opened the pipe"));
+  EXPECT_THAT(take(folder.Path()), EndsWith("Is a directory"));
+  EXPECT_THAT(take("/dev/null"), HasSubstr("is empty"));
+  patience = {};
+  {
+    std::jthread writer([&] { std::ofstream(fifo) << "piped"; });
+    EXPECT_EQ(take(fifo), "piped");
+  }
+  raise(SIGINT);
+  EXPECT_EQ(take(fifo), "No passcode: interrupted.\n");
+  EXPECT_EQ(DescriptorNumber("-"), 0);
 }
 
 TEST_F(Terminal, ProgressDrawsOneLineAndTakesItAway) {

@@ -290,7 +290,7 @@ TEST_F(Download, FileDialogGivesThePathThatTheUserWants) {
         {folder.Path().string() + "/a.dat\n", folder.Path().string() + "/a.dat", ask},
         {"sub\n", in + "sub/download.txt", ask},
         {"no/a\nsub/a\n", in + "sub/a.txt", ask + "There is no folder '" + in + "no'.\n" + ask},
-        {"old\nn\nold\n y\n", old, exists + exists},
+        {"old\nn\nold\n YES\n", old, exists + exists},
         {"old\n\x04", "", exists + "\nNo file: the input has ended.\n"},
         {"", "", ask + "\nNo file: interrupted.\n"}}) {
     CTerminalFileDialog dialog(interrupts, host, host);
@@ -314,7 +314,9 @@ TEST_F(Download, PrinterIsChosenByNumberOrName) {
   };
   EXPECT_EQ(choose("2\n"), "lab");
   EXPECT_EQ(Screen(), "Printers\n  1  office\n  2  lab\nPrinter (none: don't print): ");
-  EXPECT_EQ(choose("0\n3\n office \n"), "office");
+  EXPECT_EQ(choose("0\n3\n Office \n"), "office");
+  EXPECT_THAT(Screen(), HasSubstr("There is no such printer.\nPrinter (none"));
+  EXPECT_EQ(choose("NONE\n"), "none");
   EXPECT_EQ(choose("\n"), "none");
   EXPECT_EQ(choose("\x04"), "none");
 }

@@ -78,8 +78,8 @@ bool CTerminalFileDialog::IsAccepted(const fs::path& path) {
     return false;
   }
   if (!(flags_ & kOverwritePrompt) || !Exists(path)) return true;
-  const std::string answer = Ask(Quoted(path) + " exists. Replace it (y/n)? ");
-  return answer == "y" || answer == "Y" || answer == "yes";
+  const std::string answer = AnswerWord(Ask(Quoted(path) + " exists. Replace it (y/n)? "));
+  return answer == "y" || answer == "yes";
 }
 
 void CTerminalFileDialog::Say(const std::string& text) const {

@@ -65,8 +65,9 @@ bool CTerminalForm::Obey(const std::string& line) {
     return true;
   }
   const auto boxes = VisibleOf<ui::CCheckBox>(*this);
+  const std::string word = AnswerWord(line);
   for (std::size_t i = 0; i < boxes.size(); ++i) {
-    if (line != std::string(1, LetterOf(i))) continue;
+    if (word != std::string(1, LetterOf(i))) continue;
     boxes[i]->Click();
     WriteToTerminal(output_, PrintableText(Text()));
     return true;

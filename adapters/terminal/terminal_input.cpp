@@ -37,4 +37,12 @@ std::string Trimmed(const std::string& text) {
   return text.substr(begin, text.find_last_not_of(kBlanks) + 1 - begin);
 }
 
+std::string AnswerWord(const std::string& line) {
+  std::string word = Trimmed(line);
+  for (char& c : word) {
+    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
+  }
+  return word;
+}
+
 }  // namespace vane

@@ -23,4 +23,7 @@ bool CanAsk(int input, int output);
 /// `text` without blanks, tabs and line ends on either side.
 std::string Trimmed(const std::string& text);
 
+/// The word that an answer is: `line` trimmed, its letters A to Z in lower case.
+std::string AnswerWord(const std::string& line);
+
 }  // namespace vane

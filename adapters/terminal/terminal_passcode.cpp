@@ -1,7 +1,5 @@
 #include "adapters/terminal/terminal_passcode.h"
 
-#include <fcntl.h>
-#include <poll.h>
 #include <string.h>
 #include <termios.h>
 #include <unistd.h>
@@ -31,9 +29,11 @@ class CSecretLine {
   CSecretLine(const CSecretLine&) = delete;
   CSecretLine& operator=(const CSecretLine&) = delete;
 
-  // What is longer than any passcode can't be one; its rest is dropped.
-  void Add(char c) {
-    if (size_ < text_.size()) text_[size_++] = c;
+  // False when there is no room; what is so long can't be a passcode.
+  bool Add(char c) {
+    if (size_ == text_.size()) return false;
+    text_[size_++] = c;
+    return true;
   }
   std::string_view Text() const { return {text_.data(), size_}; }
 
@@ -65,50 +65,37 @@ class CHiddenTyping {
   termios former_{};
 };
 
-enum class EEnd { LINE, INPUT, INTERRUPT };
+enum class EEnd { LINE, INPUT, INTERRUPT, OVERLONG };
 
-// One character at a time, so that what follows the line stays for whoever reads next.
-EEnd ReadSecret(int fd, const CInterrupts& interrupts, CSecretLine& line) {
+// The first line of the input. One character at a time, so that what follows the line stays for
+// whoever reads next.
+EEnd ReadSecret(CPatientInput& input, CSecretLine& line) {
   for (;;) {
-    if (interrupts.Pending()) return EEnd::INTERRUPT;
-    pollfd waiting[] = {{fd, POLLIN, 0}, {interrupts.Descriptor(), POLLIN, 0}};
-    if (::poll(waiting, 2, -1) < 0 || !waiting[0].revents) continue;
     char c = 0;
-    const ssize_t size = ::read(fd, &c, 1);
-    if (size < 0 && (errno == EINTR || errno == EAGAIN)) continue;
-    if (size < 0) Fail("The passcode can't be read");
-    if (size == 0) return EEnd::INPUT;
+    std::size_t count = 0;
+    switch (input.Read(&c, 1, count)) {
+      case EArrival::kInterrupted:
+        return EEnd::INTERRUPT;
+      case EArrival::kEnd:
+        return EEnd::INPUT;
+      case EArrival::kBytes:
+        break;
+    }
     if (c == '\n') return EEnd::LINE;
-    line.Add(c);
+    if (!line.Add(c)) return EEnd::OVERLONG;
   }
 }
 
-// A descriptor that the host has handed in, or a file that is opened here.
-class CSource {
- public:
-  explicit CSource(const std::string& source) {
-    const std::optional<int> number = DescriptorNumber(source);
-    isown_ = !number;
-    // Not waiting for the other end of a pipe here leaves that to where an interrupt is heeded.
-    fd_ = number ? *number : ::open(source.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK);
-    if (fd_ < 0) Fail("The passcode file " + source + " can't be opened");
-  }
-  ~CSource() {
-    if (isown_) ::close(fd_);
-  }
-  CSource(const CSource&) = delete;
-  CSource& operator=(const CSource&) = delete;
-
-  int Descriptor() const { return fd_; }
-
- private:
-  bool isown_ = false;
-  int fd_ = -1;
-};
+CPatientInput Open(const std::string& source, Patience patience) {
+  const std::optional<int> number = DescriptorNumber(source);
+  if (!number) return {source, std::move(patience)};
+  return {*number, "descriptor " + std::to_string(*number), std::move(patience)};
+}
 
 }  // namespace
 
 std::optional<int> DescriptorNumber(const std::string& source) {
+  if (source == "-") return STDIN_FILENO;
   int number = -1;
   const char* const end = source.data() + source.size();
   const auto [last, error] = std::from_chars(source.data(), end, number);
@@ -117,8 +104,10 @@ std::optional<int> DescriptorNumber(const std::string& source) {
 }
 
 CTerminalPasscodeDialog::CTerminalPasscodeDialog(CInterrupts& interrupts, std::string source,
-                                                 int input, int output)
-    : interrupts_(interrupts), source_(std::move(source)), input_(input), output_(output) {}
+                                                 int input, int output, Patience patience)
+    : source_(std::move(source)), input_(input), output_(output), patience_(std::move(patience)) {
+  patience_.interrupted = [&interrupts] { return interrupts.Pending(); };
+}
 
 bool CTerminalPasscodeDialog::ShowDialog(std::string& entered, ui::CWindow*) {
   return source_.empty() ? AskOnTerminal(entered) : TakeFromSource(entered);
@@ -132,11 +121,13 @@ bool CTerminalPasscodeDialog::AskOnTerminal(std::string& entered) {
   {
     const CHiddenTyping hidden(input_);
     WriteToTerminal(output_, "Passcode (not shown; empty to give up): ");
-    end = ReadSecret(input_, interrupts_, line);
+    CPatientInput input(input_, "the terminal", patience_);
+    end = ReadSecret(input, line);
     WriteToTerminal(output_, "\n");
   }
   if (end == EEnd::INTERRUPT) return Cancel("interrupted");
   if (end == EEnd::INPUT) return Cancel("the input has ended");
+  if (end == EEnd::OVERLONG) return Cancel("the line is too long for one");
   if (line.Text().empty()) return Cancel("none was typed");
   entered = line.Text();
   return true;
@@ -144,11 +135,11 @@ bool CTerminalPasscodeDialog::AskOnTerminal(std::string& entered) {
 
 bool CTerminalPasscodeDialog::TakeFromSource(std::string& entered) {
   if (std::exchange(sourceused_, true)) return Cancel("a passcode file is read only once");
-  const CSource source(source_);
+  CPatientInput input = Open(source_, patience_);
   CSecretLine line;
-  if (ReadSecret(source.Descriptor(), interrupts_, line) == EEnd::INTERRUPT) {
-    return Cancel("interrupted");
-  }
+  const EEnd end = ReadSecret(input, line);
+  if (end == EEnd::INTERRUPT) return Cancel("interrupted");
+  if (end == EEnd::OVERLONG) return Cancel("the first line of the passcode file is too long");
   std::string_view text = line.Text();
   if (text.ends_with('\r')) text.remove_suffix(1);
   if (text.empty()) return Cancel("the first line of the passcode file is empty");

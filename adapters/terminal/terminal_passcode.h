@@ -7,21 +7,23 @@
 #include <optional>
 #include <string>
 
+#include "adapters/posix/patience.h"
 #include "adapters/terminal/interrupts.h"
 #include "vane/components/passcode_dialog.h"
 
 namespace vane {
 
-/// `source` as the number of a descriptor, if it is one; anything else is the path of a file. A
-/// file of such a name is "./3".
+/// `source` as the number of a descriptor, if it is one, or "-" for standard input; anything else
+/// is the path of a file. A file of such a name is "./3".
 std::optional<int> DescriptorNumber(const std::string& source);
 
 class CTerminalPasscodeDialog final : public CVanePasscodeDialog {
  public:
   /// `interrupts` outlives the dialog; the descriptors stay the host's. With `source`, the passcode
-  /// is the first line of that file or descriptor, and nobody is asked.
+  /// is the first line of that file or descriptor, and nobody is asked; `patience` says how long a
+  /// pipe there is waited for. An interrupt ends each wait.
   explicit CTerminalPasscodeDialog(CInterrupts& interrupts, std::string source = {}, int input = 0,
-                                   int output = 2);
+                                   int output = 2, Patience patience = {});
 
   void SetHelpFile(const std::string&) override {}  // a prompt has no place for help
 
@@ -30,7 +32,7 @@ class CTerminalPasscodeDialog final : public CVanePasscodeDialog {
   /// which it was.
   ///
   /// A source is used up by the first call: asked again, it cancels, so that a wrong passcode in a
-  /// script ends. One that can't be read raises `std::system_error`.
+  /// script ends. One that can't be read raises `std::runtime_error`.
   bool ShowDialog(std::string& entered, ui::CWindow* owner) override;
 
  private:
@@ -38,10 +40,10 @@ class CTerminalPasscodeDialog final : public CVanePasscodeDialog {
   bool TakeFromSource(std::string& entered);
   bool Cancel(const std::string& why);
 
-  CInterrupts& interrupts_;
   const std::string source_;
   const int input_;
   const int output_;
+  Patience patience_;
   bool sourceused_ = false;
 };
 

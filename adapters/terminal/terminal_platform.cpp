@@ -37,17 +37,6 @@ std::string HelpTopic(const std::string& helpfile, std::int32_t context) {
   return "Help: " + helpfile + ", topic " + std::to_string(context) + "\n";
 }
 
-// The word of an answer: without blanks, in lower case.
-std::string Word(std::string_view line) {
-  std::string word;
-  for (const char c : line) {
-    if (c != ' ' && c != '\t' && c != '\r') {
-      word += c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-    }
-  }
-  return word;
-}
-
 }  // namespace
 
 CTerminalPlatform::CTerminalPlatform(CInterrupts& interrupts, int input, int output)
@@ -82,7 +71,7 @@ EBoxButton CTerminalPlatform::Ask() {
       case ELineEnd::kLine:
         break;
     }
-    const std::string word = Word(line);
+    const std::string word = AnswerWord(line);
     if (word == "y" || word == "yes") return EBoxButton::kYes;
     if (word == "n" || word == "no") return EBoxButton::kNo;
     WriteToTerminal(output_, "Please answer yes or no: ");

@@ -1,5 +1,7 @@
 #include "adapters/terminal/terminal_printer_choice.h"
 
+#include <algorithm>
+
 #include "adapters/terminal/terminal_input.h"
 #include "adapters/terminal/terminal_output.h"
 
@@ -25,14 +27,17 @@ std::optional<std::string> ChoosePrinter(CInterrupts& interrupts,
     say("Printer (none: don't print): ");
     std::string answer;
     if (ReadLine(interrupts, input, answer) != ELineEnd::kLine) say("\n");
-    answer = Trimmed(answer);
-    if (answer.empty()) {
+    // Names that differ in the case of their letters alone are told apart.
+    if (std::ranges::find(printers, Trimmed(answer)) != printers.end()) return Trimmed(answer);
+    const std::string word = AnswerWord(answer);
+    if (word.empty() || word == "none") {
       say("Not printed.\n");
       return std::nullopt;
     }
     for (std::size_t i = 0; i < printers.size(); ++i) {
-      if (answer == printers[i] || answer == std::to_string(i + 1)) return printers[i];
+      if (word == AnswerWord(printers[i]) || word == std::to_string(i + 1)) return printers[i];
     }
+    say("There is no such printer.\n");
   }
 }
 
