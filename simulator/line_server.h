@@ -41,7 +41,8 @@ class CSimulatedLine {
   /// Ends the thread. The device and the link last until then.
   void Stop();
 
-  /// A path that outlives a hangup: the link, the user's own or one in a private folder.
+  /// A path that outlives a hangup: the user's own link, or a name that is good within this process
+  /// alone.
   const std::string& Path() const { return link_.Path(); }
 
   /// Asks the readout past the line, which counts as no exchange and meets no fault. From any

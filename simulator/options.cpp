@@ -48,7 +48,7 @@ Examples:
   thermoscribe-sim --baud 9600 --fault p=0.02:garble --fault at=40:hangup --seed 7
   thermoscribe-sim --fault at=5:answer=12.3.4 --fault write=2:identify
 
-Ends on SIGINT or SIGTERM and takes its link away. Exit status: 0, or 1 when the line
+Ends on SIGINT, SIGTERM, SIGHUP or SIGQUIT and takes its link away. Exit status: 0, or 1 when the line
 can't be opened, or 2 for wrong options.)";
 
 std::string FirstLine(const std::string& path) {

@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <stdlib.h>
+#include <sys/eventfd.h>
 #include <sys/file.h>
 #include <sys/ioctl.h>
 #include <termios.h>
@@ -21,6 +22,13 @@ namespace fs = std::filesystem;
 
 [[noreturn]] void FailOfSystem(const std::string& what) {
   throw std::system_error(errno, std::generic_category(), what);
+}
+
+// A descriptor whose name in /proc can't be opened, with the error of a device that isn't there.
+CFile UnpluggedPlace() {
+  CFile place(eventfd(0, EFD_CLOEXEC));
+  if (place.Get() < 0) FailOfSystem("can't make a place for the device");
+  return place;
 }
 
 }  // namespace
@@ -91,36 +99,46 @@ void CPseudoTerminal::FreeAbandoned() const {
 
 CDeviceLink::CDeviceLink(std::string path) : path_(std::move(path)) {
   if (!path_.empty()) return;
-  std::string pattern = (fs::temp_directory_path() / "thermoscribe-sim-XXXXXX").string();
-  if (mkdtemp(pattern.data()) == nullptr) FailOfSystem("can't make a folder " + pattern);
-  folder_ = pattern;
-  path_ = folder_ + "/readout";
+  place_ = UnpluggedPlace();
+  path_ = "/proc/self/fd/" + std::to_string(place_.Get());
 }
 
-CDeviceLink::~CDeviceLink() {
-  Remove();
-  std::error_code ignored;
-  if (!folder_.empty()) fs::remove(folder_, ignored);
-}
+CDeviceLink::~CDeviceLink() { Remove(); }
 
 void CDeviceLink::PointTo(const std::string& device) {
-  const fs::file_status status = fs::symlink_status(path_);
+  if (place_.Get() >= 0) {
+    const CFile opened(open(device.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC));
+    if (opened.Get() < 0 || dup3(opened.Get(), place_.Get(), O_CLOEXEC) < 0) {
+      FailOfSystem("can't open " + device);
+    }
+    device_ = device;
+    return;
+  }
+  std::error_code error;
+  const fs::file_status status = fs::symlink_status(path_, error);
   if (fs::exists(status) && !fs::is_symlink(status)) {
     throw std::runtime_error(path_ + " exists and is not a symbolic link");
   }
   // A rename takes the place of an earlier link in one step, so a client always finds one.
-  const std::string fresh = path_ + ".new";
-  std::error_code ignored;
-  fs::remove(fresh, ignored);
-  fs::create_symlink(device, fresh);
-  fs::rename(fresh, path_);
+  const std::string fresh = path_ + "." + std::to_string(getpid());
+  if (symlink(device.c_str(), fresh.c_str()) != 0) FailOfSystem("can't make the link " + path_);
+  if (rename(fresh.c_str(), path_.c_str()) != 0) {
+    const int reason = errno;
+    unlink(fresh.c_str());
+    errno = reason;
+    FailOfSystem("can't make the link " + path_);
+  }
   device_ = device;
 }
 
 void CDeviceLink::Remove() {
+  if (device_.empty()) return;
   std::error_code error;
-  if (device_.empty() || fs::read_symlink(path_, error) != device_ || error) return;
-  fs::remove(path_, error);
+  if (place_.Get() >= 0) {
+    dup3(UnpluggedPlace().Get(), place_.Get(), O_CLOEXEC);
+  } else if (fs::read_symlink(path_, error) == device_ && !error) {
+    fs::remove(path_, error);
+  }
   device_.clear();
 }
 

@@ -1,4 +1,4 @@
-// A pseudo-terminal that stands for the readout's serial port, and a link with a lasting name.
+// A pseudo-terminal that stands for the readout's serial port, and a lasting name for it.
 #pragma once
 
 #include <cstddef>
@@ -56,9 +56,12 @@ class CPseudoTerminal {
 
 /// A symbolic link that is removed at the end of the object's life, unless somebody else has
 /// pointed it elsewhere meanwhile.
+///
+/// With an empty path, the name of a descriptor of this process in its place: good within the
+/// process alone, and nothing on the disk that a killed program would leave behind. Without a
+/// device it can't be opened, as if it weren't there (ENXIO).
 class CDeviceLink {
  public:
-  /// With an empty `path` the link gets a private temporary folder, removed at the end as well.
   /// Raises `std::system_error`.
   explicit CDeviceLink(std::string path);
   CDeviceLink(const CDeviceLink&) = delete;
@@ -68,13 +71,13 @@ class CDeviceLink {
   const std::string& Path() const { return path_; }
 
   /// Takes the place of an earlier link; raises `std::runtime_error` when something else than a
-  /// link stands there.
+  /// link stands there, and when the link can't be made.
   void PointTo(const std::string& device);
 
   void Remove();
 
  private:
-  std::string folder_;
+  CFile place_;  // only without a link
   std::string path_;
   std::string device_;
 };

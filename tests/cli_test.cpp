@@ -560,8 +560,28 @@ TEST_F(Cli, NeedsNoReadoutForPortsAndNoHardwareForASimulatedOne) {
   EXPECT_EQ(JsonLines(Run({"channels", "--json", "--simulate=--no-scanner --seed 3"}).out).size(),
             2u);
   EXPECT_EQ(Run({"--simulate=--model T999", "identify"}).exitcode, 5);
+  CProcess killed(THERMOSCRIBE_PATH, Words("--simulate measure --count 0"));
+  EXPECT_THAT(killed.ReadLine(), Not(IsEmpty()));
+  killed.Signal(SIGKILL);
+  killed.Wait();
   unsetenv("TMPDIR");
   EXPECT_TRUE(std::filesystem::is_empty(folder_ / "tmp"));
+}
+
+TEST_F(Cli, SimulatedReadoutTakesItsLinkAwayAndTellsThatNobodyGetsItsPath) {
+  for (const int signal : {SIGHUP, SIGINT, SIGQUIT, SIGTERM}) {
+    StartSimulator();
+    EXPECT_TRUE(std::filesystem::exists(Port()));
+    simulator_->Signal(signal);
+    EXPECT_EQ(simulator_->Wait().exitcode, 0);
+    EXPECT_FALSE(std::filesystem::is_symlink(Port()));
+  }
+  const std::string nowhere = std::string(THERMOSCRIBE_SIM_PATH) + " --link " + Port();
+  for (const char* output : {" 1>&-", " >/dev/full"}) {
+    const Outcome outcome = CProcess("/bin/sh", {"-c", nowhere + output}).Wait();
+    EXPECT_EQ(outcome.exitcode, 1);
+    EXPECT_THAT(outcome.err, HasSubstr("the output can't be written"));
+  }
 }
 
 }  // namespace

@@ -6,7 +6,9 @@
 #include <exception>
 #include <iostream>
 #include <stdexcept>
+#include <string>
 
+#include "adapters/posix/process_start.h"
 #include "simulator/line_server.h"
 #include "simulator/options.h"
 
@@ -17,31 +19,52 @@ int Fail(const std::exception& error, int status) {
   return status;
 }
 
+// A text that nobody gets is a failure.
+void Print(const std::string& text) {
+  if (!(std::cout << text << std::flush)) throw std::runtime_error("the output can't be written");
+}
+
+// What ends the program. Under nohup a hang-up doesn't: in a blocked set even an ignored signal
+// would end the wait.
+sigset_t EndingSignals() {
+  sigset_t signals;
+  sigemptyset(&signals);
+  for (const int signal : {SIGINT, SIGTERM, SIGQUIT}) sigaddset(&signals, signal);
+  struct sigaction hangup {};
+  sigaction(SIGHUP, nullptr, &hangup);
+  if (hangup.sa_handler != SIG_IGN) sigaddset(&signals, SIGHUP);
+  return signals;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
+  vane::PrepareProcess();
   vane::simulator::Options options;
   try {
     options = vane::simulator::ParseOptions(argc, argv);
   } catch (const std::invalid_argument& error) {
     return Fail(error, 2);
   }
-  if (!options.help.empty()) {
-    std::cout << options.help;
-    return 0;
-  }
-
-  // Blocked before the line's thread begins, so that the signals come to `sigwait` alone.
-  sigset_t signals;
-  sigemptyset(&signals);
-  sigaddset(&signals, SIGINT);
-  sigaddset(&signals, SIGTERM);
-  pthread_sigmask(SIG_BLOCK, &signals, nullptr);
-  std::signal(SIGPIPE, SIG_IGN);  // a reader of the paths may go away
 
   try {
-    vane::simulator::CSimulatedLine line(
-        options, [](const std::string& path) { std::cout << path << std::endl; });
+    if (!options.help.empty()) {
+      Print(options.help);
+      return 0;
+    }
+    // Blocked before the line's thread begins, so that the signals come to `sigwait` alone.
+    const sigset_t signals = EndingSignals();
+    pthread_sigmask(SIG_BLOCK, &signals, nullptr);
+    bool isfirst = true;
+    vane::simulator::CSimulatedLine line(options, [&isfirst](const std::string& path) {
+      if (isfirst) {
+        Print(path + "\n");
+      } else {
+        std::cout << path << std::endl;  // its reader may have gone away
+        std::cout.clear();
+      }
+      isfirst = false;
+    });
     line.Start();
     int signal = 0;
     sigwait(&signals, &signal);

@@ -2,12 +2,12 @@
 
 #include <algorithm>
 #include <clocale>
-#include <csignal>
 #include <exception>
 #include <iostream>
 #include <string>
 #include <string_view>
 
+#include "adapters/posix/process_start.h"
 #include "apps/thermoscribe/command_line.h"
 #include "apps/thermoscribe/host.h"
 #include "apps/thermoscribe/notices.h"
@@ -67,9 +67,7 @@ EExitCode Run(int argc, char** argv) {
 }  // namespace vane
 
 int main(int argc, char** argv) {
-  // A reader that goes away is a failure of the output, not the end of the program: the simulated
-  // readout has a folder to take away.
-  std::signal(SIGPIPE, SIG_IGN);
+  vane::PrepareProcess();
   try {
     return static_cast<int>(vane::Run(argc, argv));
   } catch (const std::exception& error) {
