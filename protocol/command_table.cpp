@@ -31,7 +31,7 @@ constexpr ReplyForm kLong = Number(-kMaxLong - 1, kMaxLong);
 constexpr ReplyForm kName{.kind = EReply::NAME};
 constexpr ReplyForm kText{.kind = EReply::TEXT};
 constexpr ReplyForm kAny{.kind = EReply::ANY};
-// In capital letters only: what isn't "ON" opens a group, and "on" isn't.
+// In capital letters only: to the rule that reads them "on" isn't "ON", and would open the group.
 constexpr ReplyForm kProtection = Words("ON|OFF");
 // A step that was never set answers nothing. The channel's number is the step's plus 2.
 constexpr ReplyForm kScanStep{

@@ -49,7 +49,16 @@ std::optional<double> TakeNumber(std::string_view& text) {
   if (first >= text.size() || !IsDigit(text[first])) return std::nullopt;
   double number = 0;
   const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-  if (error != std::errc{}) return std::nullopt;
+  // Too near to 0 for any Double is 0 to those who read it; too far from it is nothing.
+  if (error == std::errc::result_out_of_range) {
+    const std::string_view digits(text.data(), static_cast<std::size_t>(end - text.data()));
+    const bool isnearzero = digits.find("e-") != digits.npos || digits.find("E-") != digits.npos ||
+                            digits.find_first_not_of("0.") > digits.find('.');
+    if (!isnearzero) return std::nullopt;
+    number = 0;
+  } else if (error != std::errc{}) {
+    return std::nullopt;
+  }
   text.remove_prefix(static_cast<std::size_t>(end - text.data()));
   return isnegative ? -number : number;
 }

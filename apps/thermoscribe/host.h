@@ -10,6 +10,7 @@
 #include <span>
 #include <string>
 
+#include "adapters/posix/patience.h"
 #include "adapters/serial/serial_communications.h"
 #include "adapters/terminal/interrupts.h"
 #include "adapters/terminal/terminal_platform.h"
@@ -93,6 +94,13 @@ class CHost {
   /// To be called inside a catch: shows the pending error once, with the failure of the line behind
   /// it where the error itself doesn't name that. `action` completes "An error occurred while".
   EExitCode ReportFailure(const std::string& action);
+
+  /// For files that may keep the program waiting: Ctrl-C ends the wait.
+  Patience FilePatience() const {
+    Patience patience;
+    patience.interrupted = [this] { return IsInterrupted(); };
+    return patience;
+  }
 
   /// The wall clock in the user's time zone.
   std::chrono::local_seconds LocalTime() { return platform_.LocalTime(); }

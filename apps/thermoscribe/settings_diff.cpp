@@ -15,11 +15,11 @@ EExitCode RunDiff(CHost& host, const std::string& path, const std::string& other
   Json left;
   Json right;
   try {
-    left = ReadSnapshotFile(path);
-    if (!otherpath.empty()) right = ReadSnapshotFile(otherpath);
+    left = ReadSnapshotFile(host, path);
+    if (!otherpath.empty()) right = ReadSnapshotFile(host, otherpath);
   } catch (const std::runtime_error& error) {
     host.Say(error.what());
-    return EExitCode::FAILED;
+    return host.IsInterrupted() ? EExitCode::ABORTED : EExitCode::FAILED;
   }
   if (otherpath.empty()) {
     if (const EExitCode code = TakeSnapshot(host, right); code != EExitCode::DONE) return code;

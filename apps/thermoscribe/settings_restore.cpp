@@ -272,10 +272,10 @@ EExitCode CRestore::Run(bool yes, bool dryrun) {
 EExitCode RunRestore(CHost& host, const std::string& path, bool yes, bool dryrun) {
   Json file;
   try {
-    file = ReadSnapshotFile(path);
+    file = ReadSnapshotFile(host, path);
   } catch (const std::runtime_error& error) {
     host.Say(error.what());
-    return EExitCode::FAILED;
+    return NothingWritten(host, host.IsInterrupted() ? EExitCode::ABORTED : EExitCode::FAILED);
   }
   return CRestore(host, file).Run(yes, dryrun);
 }

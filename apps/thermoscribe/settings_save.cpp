@@ -14,7 +14,9 @@ namespace {
 EExitCode RunSave(CHost& host, const std::string& path) {
   Json snapshot;
   if (const EExitCode code = TakeSnapshot(host, snapshot); code != EExitCode::DONE) return code;
-  WriteSnapshotFile(path, snapshot);
+  WriteSnapshotFile(host, path, snapshot);
+  // With the snapshot itself on standard output, nothing else may stand there.
+  if (path == "-") return EExitCode::DONE;
   host.Output().Record("saved", {{"file", path}, {"taken", snapshot["taken"]}},
                        "The settings were saved in " + path + ".");
   return EExitCode::DONE;
@@ -32,10 +34,12 @@ Command SettingsSaveCommand() {
       .brief = "Save all settings, channels and probes in a file",
       .footer =
           R"(Reads all settings, the probe of each channel and the records of all 16 probes, and writes
-them as indented JSON with all their digits. The file is there as a whole or not at all.
+them as indented JSON with all their digits. The file is there as a whole or not at all; a
+pipe or a device is written to, "-" is standard output.
 
-Example:
-  thermoscribe settings save bath.json --port /dev/ttyUSB0)",
+Examples:
+  thermoscribe settings save bath.json --port /dev/ttyUSB0
+  thermoscribe settings save - | gzip > bath.json.gz)",
       .options = {std::move(file)},
       .body = [path](CHost& host) { return RunSave(host, *path); }};
 }

@@ -2,12 +2,10 @@
 
 #include <algorithm>
 #include <cmath>
-#include <fstream>
-#include <iterator>
 #include <stdexcept>
 #include <utility>
 
-#include "adapters/files/atomic_file.h"
+#include "adapters/files/whole_file.h"
 #include "apps/thermoscribe/host.h"
 #include "apps/thermoscribe/instrument_properties.h"
 #include "apps/thermoscribe/probe_members.h"
@@ -21,6 +19,7 @@ namespace {
 constexpr const char* kFormat = "thermoscribe settings";
 constexpr int kVersion = 1;
 constexpr mode_t kPermissions = 0644;
+constexpr std::size_t kMostBytes = 4 << 20;  // of a file; what is saved has some 20 thousand
 
 [[noreturn]] void Damaged(const std::string& place, const std::string& trouble) {
   throw std::runtime_error(place + ": " + trouble + ".");
@@ -178,28 +177,28 @@ EExitCode TakeSnapshot(CHost& host, Json& snapshot, bool connect) {
   return host.ReadWell([&] { return ReadSnapshot(host, snapshot, connect); });
 }
 
-Json ReadSnapshotFile(const std::string& path) {
-  std::ifstream stream(path, std::ios::binary);
-  const std::string text{std::istreambuf_iterator<char>(stream), {}};
-  if (!stream) throw std::runtime_error(path + " can't be read.");
+Json ReadSnapshotFile(CHost& host, const std::string& path) {
+  const std::string text = ReadWholeFile(path, kMostBytes, host.FilePatience());
+  const std::string name = NameOfInput(path);
   Json file;
   try {
     file = Json::parse(text);
-  } catch (const Json::exception& error) {
-    throw std::runtime_error(path + " is no JSON that can be read: " + error.what());
+  } catch (const Json::parse_error& error) {
+    throw std::runtime_error(name + " is no JSON that can be read: damaged at character " +
+                             std::to_string(error.byte) + ".");
   }
   try {
     Check(file);
   } catch (const std::runtime_error& error) {
-    throw std::runtime_error(path + ": " + error.what());
+    throw std::runtime_error(name + ": " + error.what());
   }
   return file;
 }
 
-void WriteSnapshotFile(const std::string& path, const Json& snapshot) {
+void WriteSnapshotFile(CHost& host, const std::string& path, const Json& snapshot) {
   // An instrument may send any byte; one that is no UTF-8 must not spoil the file.
-  WriteFileAtomically(path, snapshot.dump(2, ' ', false, Json::error_handler_t::replace) + "\n",
-                      kPermissions);
+  WriteWholeFile(path, snapshot.dump(2, ' ', false, Json::error_handler_t::replace) + "\n",
+                 kPermissions, host.FilePatience());
 }
 
 std::vector<Difference> Differences(const Json& left, const Json& right) {

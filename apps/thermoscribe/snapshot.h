@@ -17,9 +17,9 @@ class CHost;
 EExitCode TakeSnapshot(CHost& host, Json& snapshot, bool connect = true);
 
 /// Both raise an error with a text for the user: what can't be read or written, or the place of the
-/// first thing in the file that can't be.
-Json ReadSnapshotFile(const std::string& path);
-void WriteSnapshotFile(const std::string& path, const Json& snapshot);
+/// first thing in the file that can't be. "-" is standard input or output.
+Json ReadSnapshotFile(CHost& host, const std::string& path);
+void WriteSnapshotFile(CHost& host, const std::string& path, const Json& snapshot);
 
 struct Difference {
   std::string place;  ///< "settings.Units", "channel 3", "probe 12.coefficients.R0"
