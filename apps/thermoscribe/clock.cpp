@@ -45,7 +45,8 @@ std::optional<local_seconds> MomentIn(const std::string& text) {
 }
 
 EExitCode RunClockSet(CHost& host, std::optional<local_seconds> moment, bool dryrun) {
-  if (const EExitCode code = host.ReadSettings(); code != EExitCode::DONE) {
+  if (const EExitCode code = host.ReadWell([&] { return host.ReadSettings(); });
+      code != EExitCode::DONE) {
     return NothingWritten(host, code);
   }
   static constexpr EGate kGates[] = {EGate::UNITS_TIME};

@@ -11,6 +11,19 @@
 #include "vane/support/texts.h"
 
 namespace vane {
+namespace {
+
+class CMomentTrace final : public CLineTrace {
+ public:
+  explicit CMomentTrace(std::function<void()> moment) : moment_(std::move(moment)) {}
+
+  void Record(ETraceMark, std::string_view) override { moment_(); }
+
+ private:
+  std::function<void()> moment_;
+};
+
+}  // namespace
 
 // A box with nothing to answer is told like everything else; the error behind it is at hand here.
 EBoxButton CHostPlatform::MessageBox(const std::string& text, const std::string& title,
@@ -27,16 +40,23 @@ EBoxButton CHostPlatform::MessageBox(const std::string& text, const std::string&
   return EBoxButton::kOk;
 }
 
+void CHostPlatform::RunMessageQueue(std::uint32_t longestwait) {
+  if (moment_) moment_();
+  CTerminalPlatform::RunMessageQueue(longestwait);
+}
+
 CHost::CHost(HostOptions options, CNotices& notices)
     : options_(std::move(options)),
       notices_(notices),
-      platform_(interrupts_, notices),
+      platform_(interrupts_, notices, options_.seams.moment),
       line_(std::make_shared<LineSettings>()),
       factory_(line_, interrupts_, options_.passcodefile),
       components_{platform_, factory_},
       installed_(components_),
       instrument_(components_),
       output_(std::cout, options_.json) {
+  if (options_.seams.moment) line_->trace = std::make_shared<CMomentTrace>(options_.seams.moment);
+  if (options_.seams.skipswaits) platform_.SkipWaits();
   platform_.SetInterruptHandler([this] { instrument_.CancelWait(); });
   // There is no help viewer to send the user to.
   instrument_.SetHelpFile({});
@@ -87,7 +107,13 @@ EExitCode CHost::ReadSettings() {
 EExitCode CHost::ReadWell(const std::function<EExitCode()>& read) {
   const std::int32_t failures = line_->failures;
   const std::int32_t boxes = platform_.Boxes();
-  const EExitCode code = read();
+  EExitCode code = EExitCode::FAILED;
+  try {
+    code = read();
+  } catch (...) {
+    return ReportFailure("reading from the instrument");
+  }
+  if (code == EExitCode::DONE && IsInterrupted()) return EExitCode::ABORTED;
   if (code != EExitCode::DONE || (line_->failures == failures && platform_.Boxes() == boxes)) {
     return code;
   }

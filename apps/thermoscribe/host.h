@@ -30,8 +30,10 @@ namespace vane {
 /// The terminal, or what stands for it in a program's own form.
 class CHostPlatform final : public CTerminalPlatform {
  public:
-  CHostPlatform(CInterrupts& interrupts, CNotices& notices)
-      : CTerminalPlatform(interrupts), notices_(notices) {}
+  CHostPlatform(CInterrupts& interrupts, CNotices& notices, std::function<void()> moment)
+      : CTerminalPlatform(interrupts), notices_(notices), moment_(std::move(moment)) {}
+
+  void RunMessageQueue(std::uint32_t longestwait) override;
 
   EBoxButton MessageBox(const std::string& text, const std::string& title, std::int32_t flags,
                         const std::string& helpfile, std::int32_t helpcontext) override;
@@ -41,6 +43,7 @@ class CHostPlatform final : public CTerminalPlatform {
 
  private:
   CNotices& notices_;
+  std::function<void()> moment_;
   std::int32_t boxes_ = 0;
 };
 
@@ -61,8 +64,9 @@ class CHost {
   /// channels. When the result is not `DONE` the user has been told why, or the run was stopped.
   EExitCode ReadSettings();
 
-  /// Runs `read`, and gives its result; where that is `DONE` and still an exchange failed or a box
-  /// was shown meanwhile, says that the reading is not whole, and gives the code of that.
+  /// Runs `read` and gives its result, or the code of what it raises, which is then told. Where the
+  /// result is `DONE` and still an exchange failed or a box was shown meanwhile, says that not
+  /// everything was read well, and gives a code for that; and `ABORTED` once the user has stopped.
   EExitCode ReadWell(const std::function<EExitCode()>& read);
 
   /// Opens editing of the groups of `gates` for this command, with the passcode where one of them

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <chrono>
+#include <functional>
 #include <optional>
 #include <string>
 
@@ -9,6 +10,12 @@
 #include "vane/components/communications.h"
 
 namespace vane {
+
+/// What a test that runs the program in its own process puts in the place of time and chance.
+struct RunSeams {
+  bool skipswaits = false;       ///< pauses take no time
+  std::function<void()> moment;  ///< called at each line of the traffic and in each pause
+};
 
 struct HostOptions {
   std::string port;  ///< device path; empty: the lone USB adapter of the machine
@@ -19,7 +26,8 @@ struct HostOptions {
   std::string passcodefile;  ///< path or number of a descriptor; empty: ask on the terminal
   bool json = false;
   bool progress = false;
-  bool quiet = false;    ///< answers and errors only
+  bool quiet = false;  ///< answers and errors only
+  RunSeams seams;
   bool version = false;  ///< print the version, do nothing
 };
 

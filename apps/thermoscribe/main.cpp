@@ -1,75 +1,15 @@
 // thermoscribe: the readout from the command line.
 
-#include <algorithm>
-#include <clocale>
 #include <exception>
-#include <iostream>
-#include <string>
-#include <string_view>
 
 #include "adapters/posix/process_start.h"
-#include "apps/thermoscribe/command_line.h"
-#include "apps/thermoscribe/host.h"
 #include "apps/thermoscribe/notices.h"
-#include "apps/thermoscribe/program.h"
-
-namespace vane {
-namespace {
-
-EExitCode PrintPage(const std::string& page) {
-  std::cout << page << std::flush;
-  return std::cout ? EExitCode::DONE : EExitCode::FAILED;
-}
-
-// What can't be raised any further: shown once, like every failure of the library.
-EExitCode RunCommand(CHost& host, const CommandBody& body, const std::string& command) {
-  EExitCode code = EExitCode::FAILED;
-  try {
-    code = body(host);
-  } catch (...) {
-    code = host.ReportFailure("carrying out \"" + command + "\"");
-  }
-  host.Close(code, command);
-  return code;
-}
-
-EExitCode Run(int argc, char** argv) {
-  HostOptions options;
-  std::string command;
-  ParsedLine line;
-  try {
-    const Command program = Program(options);
-    line = ParseCommandLine(program, argc, argv, command);
-    if (options.version) line.page = VersionText();
-    if (options.simulated && !options.simulated->help.empty()) line.page = options.simulated->help;
-    if (line.page.empty() && !line.body) {
-      throw CUsageError(command.empty() ? "No command is given."
-                                        : "A command is missing behind \"" + command + "\".");
-    }
-  } catch (const CUsageError& error) {
-    // A line that can't be taken apart may still say in which form its reader wants the reason.
-    const bool json = std::any_of(
-        argv, argv + argc, [](const char* text) { return std::string_view(text) == "--json"; });
-    CNotices notices(json, options.quiet);
-    notices.Tell(error.what());
-    notices.Close(EExitCode::USAGE, Hint(EExitCode::USAGE, command), 0);
-    return EExitCode::USAGE;
-  }
-  if (!line.page.empty()) return PrintPage(line.page);
-  // Not earlier: on the command line the decimal point is "." for everybody.
-  std::setlocale(LC_ALL, "");
-  CNotices notices(options.json, options.quiet);
-  CHost host(options, notices);
-  return RunCommand(host, line.body, command);
-}
-
-}  // namespace
-}  // namespace vane
+#include "apps/thermoscribe/run.h"
 
 int main(int argc, char** argv) {
   vane::PrepareProcess();
   try {
-    return static_cast<int>(vane::Run(argc, argv));
+    return static_cast<int>(vane::RunThermoscribe(argc, argv));
   } catch (const std::exception& error) {
     vane::CNotices(false, false).Tell(error.what());
     return static_cast<int>(vane::EExitCode::FAILED);

@@ -78,12 +78,15 @@ std::string UnknownPart(const Json& record, bool conversiontoo) {
 // Where a record is written, and as what.
 struct Target {
   CVaneT312BPRTTHRMChannel& channel;
-  std::int16_t number;  // of the probe
+  std::int16_t number;  // of the probe; 0: not known yet
   bool ischannel;       // the probe of the channel; otherwise its object only carries the record
 };
 
-EExitCode ReadRecord(CHost& host, const Target& target) {
+// With `number` 0, that of the channel's own probe.
+EExitCode ReadRecord(CHost& host, Target& target) {
   return host.ReadWell([&] {
+    if (target.ischannel) target.channel.QueryProbeIndex();
+    if (target.number == 0) target.number = target.channel.ProbeIndex();
     return target.channel.QueryProbeInfo(target.number, host.ProgressWindow())
                ? EExitCode::DONE
                : host.CodeOfStoppedRun();
@@ -92,18 +95,13 @@ EExitCode ReadRecord(CHost& host, const Target& target) {
 
 EExitCode Write(CHost& host, Target target, const Json& values, bool dryrun) {
   CVaneT312BPRTTHRMChannel& channel = target.channel;
-  if (target.ischannel) {
-    channel.QueryProbeIndex();
-    target.number = channel.ProbeIndex();
-  }
-  const std::int16_t assigned = target.number;
   const bool assigns = values.contains("probe");
   if (assigns) target.number = values["probe"].get<std::int16_t>();
   if (const EExitCode code = ReadRecord(host, target); code != EExitCode::DONE) {
     return NothingWritten(host, code);
   }
   Json before = Flat(ProbeRecord(channel, target.number));
-  before["probe"] = assigned;
+  if (target.ischannel) before["probe"] = channel.ProbeIndex();
   try {
     StoreProbeRecord(channel, values);
   } catch (const std::invalid_argument& error) {
@@ -143,10 +141,7 @@ EExitCode Write(CHost& host, Target target, const Json& values, bool dryrun) {
     return NotReadBack(host, code);
   }
   Json after = Flat(ProbeRecord(channel, target.number));
-  if (target.ischannel) {
-    channel.QueryProbeIndex();
-    after["probe"] = channel.ProbeIndex();
-  }
+  if (target.ischannel) after["probe"] = channel.ProbeIndex();
   return ShowChanges(host, before, Flat(record), after);
 }
 
@@ -170,7 +165,8 @@ std::vector<std::string> ProbeMemberWords(bool takesprobe) {
 }
 
 EExitCode WriteProbe(CHost& host, std::int16_t number, const Json& values, bool dryrun) {
-  if (const EExitCode code = host.ReadSettings(); code != EExitCode::DONE) {
+  if (const EExitCode code = host.ReadWell([&] { return host.ReadSettings(); });
+      code != EExitCode::DONE) {
     return NothingWritten(host, code);
   }
   CVaneT312BPRTTHRMChannel* const channel = host.Instrument().GetChannelReference(1);
@@ -182,7 +178,8 @@ EExitCode WriteProbe(CHost& host, std::int16_t number, const Json& values, bool 
 }
 
 EExitCode WriteChannel(CHost& host, std::int16_t number, const Json& values, bool dryrun) {
-  if (const EExitCode code = host.ReadSettings(); code != EExitCode::DONE) {
+  if (const EExitCode code = host.ReadWell([&] { return host.ReadSettings(); });
+      code != EExitCode::DONE) {
     return NothingWritten(host, code);
   }
   CVaneT312BPRTTHRMChannel* const channel = host.Instrument().GetChannelReference(number);
@@ -191,7 +188,7 @@ EExitCode WriteChannel(CHost& host, std::int16_t number, const Json& values, boo
              std::to_string(host.Instrument().NumChannels()) + ".");
     return EExitCode::USAGE;
   }
-  return Write(host, {*channel, number, true}, values, dryrun);
+  return Write(host, {*channel, 0, true}, values, dryrun);
 }
 
 }  // namespace vane

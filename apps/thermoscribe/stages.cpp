@@ -52,7 +52,8 @@ EExitCode NothingWritten(CHost& host, EExitCode code) {
 }
 
 EExitCode NotReadBack(CHost& host, EExitCode code) {
-  host.Say("Everything was written, but could not be read back.");
+  host.Say(std::string(code == EExitCode::ABORTED ? "Aborted. " : "") +
+           "Everything was written, but could not be read back.");
   return code;
 }
 
