@@ -136,7 +136,11 @@ std::string CSerialCommunications::Run(const char* label, std::int32_t id, bool 
   // With one try alone somebody only looks whether anything answers; that nothing does, or refuses,
   // is an answer then.
   const bool isanswer = Tries() == 1 && (failure.refused || failure.number == ERR_LINE_NO_ANSWER);
-  if (!isanswer) ++settings_->failures;
+  if (!isanswer) {
+    ++settings_->failures;
+    LineFailure& first = settings_->firsttrouble;
+    if (first.number == 0 && !failure.refused) first = failure;
+  }
   throw LibraryError(failure.number, label, failure.description);
 }
 

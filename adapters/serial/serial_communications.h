@@ -54,6 +54,10 @@ struct LineSettings {
   /// not a read with one try that was refused or met silence, which only looks for who is there. A
   /// host that compares it before and after a run learns whether every exchange went well.
   std::int32_t failures = 0;
+
+  /// The first failure of those that was none of the readout's: no refusal. What fails behind it,
+  /// such as opening a port that has hung up, mostly follows from it.
+  LineFailure firsttrouble;
 };
 
 class CSerialCommunications final : public CVaneCommunications {

@@ -42,14 +42,19 @@ std::string HelpTopic(const std::string& helpfile, std::int32_t context) {
 CTerminalPlatform::CTerminalPlatform(CInterrupts& interrupts, int input, int output)
     : interrupts_(interrupts), input_(input), output_(output) {}
 
+std::string CTerminalPlatform::BoxText(const std::string& text, const std::string& title,
+                                       std::int32_t flags, const std::string& helpfile,
+                                       std::int32_t helpcontext) {
+  const std::string box = BoxHeader(title, flags) + "\n" + text + "\n";
+  return PrintableText(flags & kBoxHelpButton ? box + HelpTopic(helpfile, helpcontext) : box);
+}
+
 EBoxButton CTerminalPlatform::MessageBox(const std::string& text, const std::string& title,
                                          std::int32_t flags, const std::string& helpfile,
                                          std::int32_t helpcontext) {
-  std::string box = BoxHeader(title, flags) + "\n" + text + "\n";
-  if (flags & kBoxHelpButton) box += HelpTopic(helpfile, helpcontext);
   // A box may come up while a progress line stands on the screen.
   ClearOpenLine(output_);
-  WriteToTerminal(output_, PrintableText(box));
+  WriteToTerminal(output_, BoxText(text, title, flags, helpfile, helpcontext));
   return flags & kBoxYesNo ? Ask() : EBoxButton::kOk;
 }
 

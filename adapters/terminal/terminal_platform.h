@@ -33,6 +33,10 @@ class CTerminalPlatform : public CPlatform {
   EBoxButton MessageBox(const std::string& text, const std::string& title, std::int32_t flags,
                         const std::string& helpfile, std::int32_t helpcontext) override;
 
+  /// The text of a box without its buttons.
+  static std::string BoxText(const std::string& text, const std::string& title, std::int32_t flags,
+                             const std::string& helpfile, std::int32_t helpcontext);
+
   void SetBusyCursor(bool) override {}
 
   /// Sleeps the whole time unless an interrupt comes.

@@ -1,5 +1,6 @@
 #include "apps/thermoscribe/exit_codes.h"
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 
@@ -21,20 +22,27 @@ constexpr std::array kRows = {
     ExitCodeRow{EExitCode::REFUSED, "the readout refused",
                 "The readout is there but doesn't take the command now; its reason stands above."},
     ExitCodeRow{EExitCode::ABORTED, "aborted by the user before the end", ""},
-    ExitCodeRow{EExitCode::LINE_DAMAGED, "line damaged or lost: garbled, overlong, hung up",
-                "Check the cable and --baud; --trace FILE records what comes over the line."},
+    ExitCodeRow{
+        EExitCode::LINE_DAMAGED,
+        "line damaged or lost: garbled, overlong, hung up,\n     or answers that make no sense",
+        "Check the cable and --baud; --trace FILE records what comes over the line."},
     ExitCodeRow{EExitCode::NO_PASSCODE, "the passcode is wrong, or none was given",
                 "Give it at a terminal, or by --passcode-file in a script."},
     ExitCodeRow{EExitCode::DIFFERS, "the settings differ", ""},
+    ExitCodeRow{EExitCode::READER_GONE, "nobody reads the output any more (a pipe)", ""},
 };
 
 constexpr bool InOrder() {
-  for (std::size_t i = 0; i < kRows.size(); ++i) {
-    if (static_cast<std::size_t>(kRows[i].code) != i) return false;
+  for (std::size_t i = 1; i < kRows.size(); ++i) {
+    if (kRows[i - 1].code >= kRows[i].code) return false;
   }
   return true;
 }
 static_assert(InOrder());
+
+const ExitCodeRow& RowOf(EExitCode code) {
+  return *std::ranges::find(kRows, code, &ExitCodeRow::code);
+}
 
 }  // namespace
 
@@ -45,10 +53,10 @@ std::string Hint(EExitCode code, const std::string& command) {
     return "\"thermoscribe " + command + (command.empty() ? "" : " ") +
            "--help\" tells what can be asked.";
   }
-  return kRows[static_cast<std::size_t>(code)].hint;
+  return RowOf(code).hint;
 }
 
-const char* MeaningOf(EExitCode code) { return kRows[static_cast<std::size_t>(code)].meaning; }
+const char* MeaningOf(EExitCode code) { return RowOf(code).meaning; }
 
 EExitCode ExitCodeOfLine(std::int32_t number) {
   switch (number) {

@@ -20,6 +20,7 @@ enum class EExitCode : std::int32_t {
   LINE_DAMAGED = 8,
   NO_PASSCODE = 9,
   DIFFERS = 10,
+  READER_GONE = 141,  ///< as a shell has it of a program that such a pipe has ended
 };
 
 struct ExitCodeRow {

@@ -1,11 +1,12 @@
 #include "apps/thermoscribe/host.h"
 
 #include <algorithm>
-#include <iostream>
 #include <utility>
 
 #include "adapters/files/registry.h"
+#include "adapters/serial/line_errors.h"
 #include "adapters/terminal/terminal_output.h"
+#include "vane/channels/module.h"
 #include "vane/support/failure.h"
 #include "vane/support/text_table.h"
 #include "vane/support/texts.h"
@@ -29,14 +30,18 @@ class CMomentTrace final : public CLineTrace {
 EBoxButton CHostPlatform::MessageBox(const std::string& text, const std::string& title,
                                      std::int32_t flags, const std::string& helpfile,
                                      std::int32_t helpcontext) {
-  if ((flags & kBoxYesNo) == 0) ++boxes_;
-  if (!notices_.IsJson() || (flags & kBoxYesNo) != 0) {
-    return CTerminalPlatform::MessageBox(text, title, flags, helpfile, helpcontext);
+  if ((flags & kBoxYesNo) != 0) {
+    return notices_.IsSilent()
+               ? EBoxButton::kNo
+               : CTerminalPlatform::MessageBox(text, title, flags, helpfile, helpcontext);
   }
+  ++boxes_;
+  if ((flags & kBoxIconMask) == kBoxStop && onerror_) onerror_();
   const LibraryError error = PendingError();
   std::string lines = text;
   std::ranges::replace(lines, '\r', '\n');
-  notices_.Tell(lines, error.Number(), error.Source());
+  notices_.TellBox(BoxText(text, title, flags, helpfile, helpcontext), lines, error.Number(),
+                   error.Source());
   return EBoxButton::kOk;
 }
 
@@ -50,21 +55,35 @@ CHost::CHost(HostOptions options, CNotices& notices)
       notices_(notices),
       platform_(interrupts_, notices, options_.seams.moment),
       line_(std::make_shared<LineSettings>()),
-      factory_(line_, interrupts_, options_.passcodefile),
+      factory_(line_, interrupts_, options_.passcodefile, notices.TakesLooseText()),
       components_{platform_, factory_},
       installed_(components_),
       instrument_(components_),
-      output_(std::cout, options_.json) {
+      output_(options_.json, {.interrupted = [this] { return IsInterrupted(); }},
+              [&notices] { notices.Silence(); }) {
   if (options_.seams.moment) line_->trace = std::make_shared<CMomentTrace>(options_.seams.moment);
   if (options_.seams.skipswaits) platform_.SkipWaits();
   platform_.SetInterruptHandler([this] { instrument_.CancelWait(); });
+  platform_.SetErrorHandler([this] {
+    if (!errorcode_) errorcode_ = CodeOfError(PendingError().Number());
+  });
   // There is no help viewer to send the user to.
   instrument_.SetHelpFile({});
 }
 
+const std::shared_ptr<CVaneRegistry>& CHost::Registry() {
+  if (!registry_) {
+    registry_ =
+        std::make_shared<CConfigRegistry>([this](const std::string& trouble) { Say(trouble); });
+  }
+  return registry_;
+}
+
 EExitCode CHost::Connect() {
   line_->timeout = options_.timeout;
-  if (!options_.tracefile.empty()) line_->trace = std::make_shared<CFileTrace>(options_.tracefile);
+  if (!options_.tracefile.empty()) {
+    line_->trace = trace_ = std::make_shared<CFileTrace>(options_.tracefile);
+  }
   if (options_.simulated) {
     simulated_ = std::make_unique<simulator::CSimulatedLine>(*options_.simulated);
     simulated_->Start();
@@ -72,25 +91,46 @@ EExitCode CHost::Connect() {
   } else if (!options_.port.empty()) {
     line_->devices[EVanePortNumber::PORT_1] = options_.port;
   }
-  instrument_.SetRegistry(
-      std::make_shared<CConfigRegistry>([](const std::string& trouble) { ShowMessage(trouble); }));
+  instrument_.SetRegistry(Registry());
   instrument_.InitializeCommunications({}, EVanePortNumber::PORT_1, options_.baud);
 
   // The run below would tell of each exchange that fails on a dead line; one message is enough.
-  if (!instrument_.InitializeCommunicationSettings()) return ExitCodeOfLine(LastFailure().number);
-  if (instrument_.QueryChannelInfo()) {
-    // A module that could not be made has been told of, and its place is empty.
-    for (std::int16_t idx = 0; idx < instrument_.NumModules(); ++idx) {
-      if (instrument_.Modules(idx) == nullptr) return EExitCode::FAILED;
-    }
-    return EExitCode::DONE;
+  if (!instrument_.InitializeCommunicationSettings()) return CodeOfStoppedRun();
+  if (instrument_.QueryChannelInfo()) return CheckFindings();
+  if (!instrument_.Identification().empty() &&
+      !Contains(instrument_.Identification(), kReadoutModel)) {
+    return EExitCode::WRONG_MODEL;
   }
-  if (instrument_.Identification().empty()) {
-    Say(LastFailure().description);
-    return ExitCodeOfLine(LastFailure().number);
+  return CodeOfStoppedRun();
+}
+
+// The run reaches its end over failures that it has only told of, or not even that: the search for
+// a scanner of old firmware takes a dead line for no scanner.
+EExitCode CHost::CheckFindings() {
+  if (const std::string problem = ProblemOfCounts(); !problem.empty()) {
+    Say(problem);
+    return EExitCode::LINE_DAMAGED;
   }
-  return Contains(instrument_.Identification(), kReadoutModel) ? EExitCode::ABORTED
-                                                               : EExitCode::WRONG_MODEL;
+  if (errorcode_) return *errorcode_;
+  if (line_->firsttrouble.number == 0) return EExitCode::DONE;
+  Say(line_->firsttrouble.description);
+  return ExitCodeOfLine(line_->firsttrouble.number);
+}
+
+std::string CHost::ProblemOfCounts() const {
+  if (instrument_.NumModules() == 0) {
+    return "The readout counts scanners that it can't have: one is the most.";
+  }
+  std::int16_t channels = 0;
+  for (std::int16_t idx = 0; idx < instrument_.NumModules(); ++idx) {
+    const CModule* const md = instrument_.Modules(idx);
+    if (md == nullptr) return "The readout's module " + std::to_string(idx) + " can't be used.";
+    channels = static_cast<std::int16_t>(channels + md->NumChannels());
+  }
+  if (channels == instrument_.NumChannels()) return {};
+  return "The readout counts " + std::to_string(instrument_.NumChannels()) + " channels, but " +
+         (instrument_.HasScanners() ? "with its scanner" : "without a scanner") + " it has " +
+         std::to_string(channels) + ".";
 }
 
 EExitCode CHost::ReadSettings() {
@@ -118,8 +158,7 @@ EExitCode CHost::ReadWell(const std::function<EExitCode()>& read) {
     return code;
   }
   Say("Not everything could be read well.");
-  const EExitCode linecode = ExitCodeOfLine(LastFailure().number);
-  return linecode == EExitCode::DONE ? EExitCode::FAILED : linecode;
+  return errorcode_.value_or(CodeOfLine());
 }
 
 EExitCode CHost::OpenGates(std::span<const EGate> gates) {
@@ -158,37 +197,70 @@ void CHost::StartDryRun() {
   platform_.SkipWaits();
 }
 
-EExitCode CHost::CodeOfStoppedRun() const {
+// A readout that answers at last after it was lost, or a port that isn't back yet, are the same
+// trouble as what came first.
+EExitCode CHost::CodeOfLine() const {
+  if (line_->firsttrouble.number == ERR_LINE_LOST) return EExitCode::LINE_DAMAGED;
+  return LastFailure().refused ? EExitCode::REFUSED : ExitCodeOfLine(LastFailure().number);
+}
+
+EExitCode CHost::CodeOfError(std::int32_t number) const {
+  // An error that isn't the line's own says nothing about the line, whatever happened there before.
+  const bool isoflines = number == ERR_MEASUREMENT || number == LastFailure().number;
+  if (isoflines && LastFailure().number != 0) return CodeOfLine();
+  return IsInterrupted() ? EExitCode::ABORTED : EExitCode::FAILED;
+}
+
+EExitCode CHost::CodeOfStoppedRun() {
   if (IsInterrupted()) return EExitCode::ABORTED;
-  return ExitCodeOfLine(LastFailure().number);
+  if (errorcode_) return *errorcode_;
+  // A readout that is silent when it is asked who it is ends a run without a word.
+  if (platform_.Boxes() == 0 && LastFailure().number != 0) Say(LastFailure().description);
+  return CodeOfLine();
 }
 
 EExitCode CHost::ReportFailure(const std::string& action) {
   ShowError(action, kCompanyName, {}, 0);
   const std::int32_t number = PendingError().Number();
-  if (number == ERR_INVALID_CHANNEL) {
+  if (number == ERR_INVALID_CHANNEL && LastFailure().number != number) {
     Say("The readout has the channels 1 to " + std::to_string(instrument_.NumChannels()) + ".");
     return EExitCode::USAGE;
   }
-  // An error that isn't the line's own says nothing about the line, whatever happened there before.
-  if (number != ERR_MEASUREMENT && number != LastFailure().number) return EExitCode::FAILED;
-  const EExitCode code = ExitCodeOfLine(LastFailure().number);
-  if (number == ERR_MEASUREMENT) Say(CauseOfNoReading(code));
-  return code;
+  if (number == ERR_MEASUREMENT) Say(CauseOfNoReading());
+  return *errorcode_;
 }
 
-std::string CHost::CauseOfNoReading(EExitCode code) const {
+std::string CHost::CauseOfNoReading() const {
   const auto& [number, description, refused] = LastFailure();
-  if (number == 0) {
-    return "No new reading came in time. Check that measuring is on (\"thermoscribe measure "
-           "--start\"); --limit allows more time.";
+  if (refused) return "The readout refused (number " + std::to_string(number) + "): " + description;
+  if (number != 0) return description;
+  const MeasurementTrouble* const trouble = instrument_.LastMeasurementTrouble();
+  if (trouble == nullptr || trouble->kind == EMeasurementTrouble::FAILED) {
+    return "What the readout sent is no reading" +
+           (trouble == nullptr ? "." : ": " + trouble->error.Description());
   }
-  if (!refused && code != EExitCode::REFUSED) return description;
-  return "The readout refused (number " + std::to_string(number) + "): " + description;
+  if (trouble->kind == EMeasurementTrouble::CANCELLED)
+    return "Aborted while a reading was awaited.";
+  return "No new reading came in time, which was " +
+         std::to_string(instrument_.NewDataLimit() / 1000) +
+         " s. Check that measuring is on (\"thermoscribe measure --start\"); --limit allows more "
+         "time.";
 }
 
-void CHost::Close(EExitCode code, const std::string& command) {
+EExitCode CHost::Close(EExitCode code, const std::string& command) {
+  if (output_.IsReaderGone()) return EExitCode::READER_GONE;
+  if (code == EExitCode::DONE && errorcode_) {
+    code = *errorcode_;
+  } else if (code == EExitCode::DONE && line_->firsttrouble.number != 0) {
+    Say(line_->firsttrouble.description);
+    code = ExitCodeOfLine(line_->firsttrouble.number);
+  }
+  if (trace_ && !trace_->Trouble().empty()) {
+    Say(trace_->Trouble());
+    if (code == EExitCode::DONE) code = EExitCode::FAILED;
+  }
   notices_.Close(code, Hint(code, command), LastFailure().number);
+  return code;
 }
 
 }  // namespace vane

@@ -35,6 +35,9 @@ class CHostPlatform final : public CTerminalPlatform {
 
   void RunMessageQueue(std::uint32_t longestwait) override;
 
+  /// Runs for each box of an error, within the catch of that.
+  void SetErrorHandler(std::function<void()> handler) { onerror_ = std::move(handler); }
+
   EBoxButton MessageBox(const std::string& text, const std::string& title, std::int32_t flags,
                         const std::string& helpfile, std::int32_t helpcontext) override;
 
@@ -44,6 +47,7 @@ class CHostPlatform final : public CTerminalPlatform {
  private:
   CNotices& notices_;
   std::function<void()> moment_;
+  std::function<void()> onerror_;
   std::int32_t boxes_ = 0;
 };
 
@@ -56,9 +60,16 @@ class CHost {
   CHost(const CHost&) = delete;
   CHost& operator=(const CHost&) = delete;
 
+  /// The user's configuration; opens no line.
+  const std::shared_ptr<CVaneRegistry>& Registry();
+
   /// Opens the line, proves the instrument and finds out its modules and channels. When the result
-  /// is not `DONE` the user has been told why.
+  /// is not `DONE` the user has been told why; then what was found out so far is in the instrument
+  /// object.
   EExitCode Connect();
+
+  /// Why the channels and modules that the readout counts can't be; empty when they can.
+  std::string ProblemOfCounts() const;
 
   /// `Connect`, and then reads all settings of the instrument and its scanner, but not the modules'
   /// channels. When the result is not `DONE` the user has been told why, or the run was stopped.
@@ -84,8 +95,8 @@ class CHost {
   /// The owner of the display of a long read; null unless the user wants to see one.
   ui::CWindow* ProgressWindow() { return options_.progress ? &window_ : nullptr; }
 
-  /// Why a run of the library that gave false has ended; the user has been told.
-  EExitCode CodeOfStoppedRun() const;
+  /// Why a run of the library that gave false has ended; the user has been told then.
+  EExitCode CodeOfStoppedRun();
 
   /// True once the user has pressed Ctrl-C, from then on.
   bool IsInterrupted() const { return interrupts_.Pending(); }
@@ -113,11 +124,19 @@ class CHost {
   void Say(const std::string& text) { notices_.Tell(text); }
   void Note(const std::string& text) { notices_.Note(text); }
 
-  /// The last word before the program ends with `code`.
-  void Close(EExitCode code, const std::string& command);
+  /// Holds what is told from now on until `Release`, so that something else is shown before.
+  void Hold() { notices_.Hold(); }
+  void Release() { notices_.Release(); }
+
+  /// The last word before the program ends. Gives the code to end with: that of `code`, unless it
+  /// is `DONE` and something was told to have failed.
+  EExitCode Close(EExitCode code, const std::string& command);
 
  private:
-  std::string CauseOfNoReading(EExitCode code) const;
+  EExitCode CodeOfLine() const;
+  EExitCode CodeOfError(std::int32_t number) const;
+  EExitCode CheckFindings();
+  std::string CauseOfNoReading() const;
 
   // The terminal has no windows; this one stands for it.
   class CTerminalWindow final : public ui::CWindow {};
@@ -132,8 +151,11 @@ class CHost {
   const Components components_;
   CInstalledComponents installed_;
   std::unique_ptr<simulator::CSimulatedLine> simulated_;
+  std::shared_ptr<CFileTrace> trace_;  // null: none
+  std::shared_ptr<CVaneRegistry> registry_;
   CVaneT312B instrument_;
   COutput output_;
+  std::optional<EExitCode> errorcode_;  // of the first error that was told
 };
 
 }  // namespace vane

@@ -15,13 +15,19 @@
 namespace vane {
 namespace {
 
+constexpr const char* kOpener = "xdg-open";
+
 // Both note how far the making of a file has come: the library's result doesn't tell.
 
 class CNotedFile final : public CColumnTextFile {
  public:
-  CNotedFile(PrinterChoice printerchoice, WrittenFile& note)
-      : CColumnTextFile(std::move(printerchoice)), note_(note) {}
+  CNotedFile(PrinterChoice printerchoice, Patience patience, WrittenFile& note)
+      : CColumnTextFile(std::move(printerchoice), kOpener, std::move(patience)), note_(note) {}
 
+  void WriteRow(bool& success) override {
+    CColumnTextFile::WriteRow(success);
+    if (success) ++note_.rows;
+  }
   void Close(bool& success) override {
     CColumnTextFile::Close(success);
     if (success) note_.path = BuildFullPath(Folder(), FileName());
@@ -44,6 +50,18 @@ class CNotedDialog final : public CTerminalFileDialog {
 
  private:
   WrittenFile& note_;
+};
+
+// A window for a reader who is no person.
+class CUnseenForm final : public ui::CForm {
+ public:
+  using CForm::CForm;
+
+ private:
+  void RunModal(ui::CWindow*) override {
+    Paint();
+    Hide();
+  }
 };
 
 }  // namespace
@@ -70,7 +88,7 @@ std::unique_ptr<CVaneOutputFile> CHostFactory::MakeOutputFile() {
       [this](const std::vector<std::string>& printers) {
         return ChoosePrinter(interrupts_, printers);
       },
-      latestfile_);
+      Patience{.interrupted = [this] { return interrupts_.Pending(); }}, latestfile_);
 }
 
 std::unique_ptr<CVaneFileDialog> CHostFactory::MakeFileDialog() {
@@ -82,6 +100,7 @@ std::unique_ptr<CVaneTextFile> CHostFactory::CreateTextFile(const std::string& p
 }
 
 std::unique_ptr<ui::CForm> CHostFactory::MakeForm(const std::string& name) {
+  if (!showsforms_) return std::make_unique<CUnseenForm>(name);
   return std::make_unique<CTerminalForm>(interrupts_, name);
 }
 

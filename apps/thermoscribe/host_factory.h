@@ -1,6 +1,7 @@
 // What the library's operations make for themselves, as a program in a terminal has it.
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <string>
 
@@ -13,15 +14,20 @@ namespace vane {
 /// The latest text file of columns.
 struct WrittenFile {
   std::string path;        ///< empty: none was finished
+  std::int32_t rows = 0;   ///< behind its head
   bool cancelled = false;  ///< whether the user gave up the question for its name
 };
 
 /// Makes what the library's operations need for themselves.
 class CHostFactory final : public CComponentFactory {
  public:
+  /// Without `showsforms`, windows stay unseen, and close at once.
   CHostFactory(std::shared_ptr<LineSettings> line, CInterrupts& interrupts,
-               std::string passcodefile)
-      : line_(std::move(line)), interrupts_(interrupts), passcodefile_(std::move(passcodefile)) {}
+               std::string passcodefile, bool showsforms)
+      : line_(std::move(line)),
+        interrupts_(interrupts),
+        passcodefile_(std::move(passcodefile)),
+        showsforms_(showsforms) {}
 
   std::unique_ptr<CVaneCommunications> MakeCommunications() override;
   std::unique_ptr<CVaneProbe> MakeProbe() override;
@@ -38,6 +44,7 @@ class CHostFactory final : public CComponentFactory {
   std::shared_ptr<LineSettings> line_;
   CInterrupts& interrupts_;
   const std::string passcodefile_;
+  const bool showsforms_;
   WrittenFile latestfile_;
 };
 

@@ -123,7 +123,7 @@ EExitCode RunMeasure(CHost& host, const MeasureOptions& options) {
   if (!options.start && !options.stop) return TakeReadings(host, options);
   CVaneT312B& instrument = host.Instrument();
   if (!(options.start ? instrument.StartMeasure() : instrument.StopMeasure())) {
-    return ExitCodeOfLine(host.LastFailure().number);
+    return host.CodeOfStoppedRun();
   }
   host.Output().Record("measuring", {{"on", options.start}},
                        options.start ? "Measuring is on." : "Measuring is off.");

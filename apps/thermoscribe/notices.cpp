@@ -1,5 +1,7 @@
 #include "apps/thermoscribe/notices.h"
 
+#include <utility>
+
 #include "adapters/terminal/terminal_output.h"
 #include "apps/thermoscribe/output.h"
 
@@ -8,14 +10,8 @@ namespace {
 
 constexpr int kStandardError = 2;
 
-void WriteText(const std::string& text) {
-  ClearOpenLine(kStandardError);
-  WriteToTerminal(kStandardError, PrintableText("thermoscribe: " + text) + "\n");
-}
-
-void WriteJson(const char* kind, const Json& members) {
-  ClearOpenLine(kStandardError);
-  WriteToTerminal(kStandardError, JsonLine(kind, members) + "\n");
+std::string TextLine(const std::string& text) {
+  return PrintableText("thermoscribe: " + text) + "\n";
 }
 
 Json Known(const std::string& text) { return text.empty() ? Json() : Json(text); }
@@ -24,38 +20,58 @@ Json Known(std::int32_t number) { return number == 0 ? Json() : Json(number); }
 }  // namespace
 
 void CNotices::Tell(const std::string& text, std::int32_t number, const std::string& source) {
+  TellBox(TextLine(text), text, number, source);
+}
+
+void CNotices::TellBox(const std::string& box, const std::string& text, std::int32_t number,
+                       const std::string& source) {
   text_ = text;
   if (number != 0) {
     number_ = number;
     source_ = source;
   }
-  if (json_) {
-    WriteJson("message", {{"number", Known(number)}, {"source", Known(source)}, {"text", text}});
-  } else {
-    WriteText(text);
-  }
+  if (!json_) return Write(box);
+  const Json members = {{"number", Known(number)}, {"source", Known(source)}, {"text", text}};
+  Write(JsonLine("message", members) + "\n");
 }
 
 void CNotices::Note(const std::string& text) {
   if (quiet_) return;
-  if (json_) {
-    WriteJson("note", {{"text", text}});
-  } else {
-    WriteText(text);
+  Write(json_ ? JsonLine("note", {{"text", text}}) + "\n" : TextLine(text));
+}
+
+void CNotices::Release() {
+  isholding_ = false;
+  Write(std::exchange(held_, {}));
+}
+
+void CNotices::Write(const std::string& lines) {
+  if (issilent_ || lines.empty()) return;
+  if (isholding_) {
+    held_ += lines;
+    return;
   }
+  ClearOpenLine(kStandardError);
+  WriteToTerminal(kStandardError, lines);
 }
 
 void CNotices::Close(EExitCode code, const std::string& hint, std::int32_t number) {
+  Release();
   if (code == EExitCode::DONE) return;
   if (!json_) {
-    if (!hint.empty() && !quiet_) WriteText(hint);
+    // Nobody shall wonder why; only that settings differ has been seen.
+    if (text_.empty() && code != EExitCode::DIFFERS) {
+      Write(TextLine(MeaningOf(code) + std::string(".")));
+    }
+    if (!hint.empty() && !quiet_) Write(TextLine(hint));
     return;
   }
-  WriteJson("error", {{"number", Known(number_ != 0 ? number_ : number)},
-                      {"source", Known(source_)},
-                      {"text", text_.empty() ? MeaningOf(code) : text_},
-                      {"exitcode", static_cast<std::int32_t>(code)},
-                      {"hint", Known(hint)}});
+  Write(JsonLine("error", {{"number", Known(number_ != 0 ? number_ : number)},
+                           {"source", Known(source_)},
+                           {"text", text_.empty() ? MeaningOf(code) : text_},
+                           {"exitcode", static_cast<std::int32_t>(code)},
+                           {"hint", Known(hint)}}) +
+        "\n");
 }
 
 }  // namespace vane

@@ -2,11 +2,10 @@
 
 #include <algorithm>
 #include <array>
-#include <cerrno>
 #include <charconv>
 #include <cstddef>
 #include <cstdio>
-#include <system_error>
+#include <utility>
 
 #include "adapters/terminal/terminal_output.h"
 #include "vane/support/number_text.h"
@@ -35,6 +34,27 @@ std::string NumberText(Number number) {
   return {text.data(), end};
 }
 
+// A 0 has no sign: nobody measures one, and it would stand in records as if it meant something.
+Json WithoutNegativeZeros(Json value) {
+  if (value.is_number_float() && value.get<double>() == 0) return 0.0;
+  if (value.is_structured()) {
+    for (Json& member : value) member = WithoutNegativeZeros(std::move(member));
+  }
+  return value;
+}
+
+std::string CsvField(const Json& value) {
+  if (value.is_null()) return {};
+  return value.is_string() ? value.get<std::string>() : WithoutNegativeZeros(value).dump();
+}
+
+std::string CsvQuoted(const std::string& field) {
+  if (field.find_first_of("\",\r\n") == field.npos) return field;
+  std::string quoted = "\"";
+  for (const char c : field) quoted += c == '"' ? std::string("\"\"") : std::string(1, c);
+  return quoted + "\"";
+}
+
 // Numbers stand at the right of their column; a place without one doesn't count.
 bool IsNumeric(const std::vector<Row>& rows, std::size_t column) {
   bool numeric = false;
@@ -50,7 +70,7 @@ bool IsNumeric(const std::vector<Row>& rows, std::size_t column) {
 
 std::string JsonLine(std::string_view kind, const Json& members) {
   Json object = {{"version", kVersion}, {"kind", kind}};
-  object.update(members);
+  object.update(WithoutNegativeZeros(members));
   return object.dump(-1, ' ', false, Json::error_handler_t::replace);
 }
 
@@ -64,7 +84,7 @@ std::string TextOf(const Json& value) {
   if (value.is_null()) return "-";
   if (value.is_boolean()) return value.get<bool>() ? "yes" : "no";
   if (value.is_number_integer()) return NumberText(value.get<std::int64_t>());
-  if (value.is_number()) return WithUsersSeparator(NumberText(value.get<double>()));
+  if (value.is_number()) return WithUsersSeparator(NumberText(value.get<double>() + 0.0));
   return PrintableText(value.get<std::string>());
 }
 
@@ -84,17 +104,49 @@ std::string Padded(const std::string& text, std::size_t columns) {
   return text + Blanks(text, columns);
 }
 
-void COutput::Record(std::string_view kind, const Json& members, std::string_view text) {
-  if (!json_) {
-    WriteLine(text);
-    return;
+std::string CsvLine(const std::vector<std::string>& fields) {
+  std::string line;
+  const char* separator = "";
+  for (const std::string& field : fields) {
+    line += std::exchange(separator, ",") + CsvQuoted(field);
   }
-  WriteLine(JsonLine(kind, members));
+  return line + "\r\n";
+}
+
+COutput::COutput(bool json, Patience patience, std::function<void()> onreadergone)
+    : form_(json ? EForm::JSON : EForm::TEXT),
+      patience_(std::move(patience)),
+      onreadergone_(std::move(onreadergone)),
+      lines_(std::make_unique<CLineOutput>(patience_)) {}
+
+void COutput::AppendTo(const std::filesystem::path& path) {
+  lines_ = std::make_unique<CLineOutput>(path, patience_);
+}
+
+bool COutput::StartCsv(const std::vector<std::string>& keys) {
+  form_ = EForm::CSV;
+  head_ = CsvLine(keys);
+  if (!lines_->FirstLine()) return true;
+  const std::string found = *lines_->FirstLine() + "\r\n";
+  return found == std::exchange(head_, {});
+}
+
+void COutput::Record(std::string_view kind, const Json& members, std::string_view text) {
+  switch (form_) {
+    case EForm::TEXT:
+      return WriteLine(text);
+    case EForm::JSON:
+      return WriteLine(JsonLine(kind, members));
+    case EForm::CSV:
+      std::vector<std::string> fields;
+      for (const Json& member : members) fields.push_back(CsvField(member));
+      Plain(std::exchange(head_, {}) + CsvLine(fields));
+  }
 }
 
 void COutput::Table(std::string_view kind, const std::vector<Column>& columns,
                     const std::vector<Row>& rows, std::string_view ifempty) {
-  if (json_) {
+  if (IsJson()) {
     for (const Row& row : rows) {
       Json members = Json::object();
       for (std::size_t i = 0; i < columns.size(); ++i) members[columns[i].key] = row[i];
@@ -124,11 +176,14 @@ void COutput::Table(std::string_view kind, const std::vector<Column>& columns,
   }
 }
 
-void COutput::WriteLine(std::string_view line) {
-  errno = 0;
-  stream_ << line << std::endl;
-  if (!stream_) {
-    throw std::system_error(errno, std::generic_category(), "The output can't be written");
+void COutput::WriteLine(std::string_view line) { Plain(std::string(line) + "\n"); }
+
+void COutput::Plain(std::string_view text) {
+  try {
+    lines_->Write(text);
+  } catch (...) {
+    if (IsReaderGone() && onreadergone_) onreadergone_();
+    throw;
   }
 }
 

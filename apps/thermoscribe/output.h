@@ -1,15 +1,18 @@
 // What the program prints on standard output: aligned text for people, or one JSON object per line
-// for programs. A command builds its answer once, out of JSON values; both forms come from that.
+// for programs. A command builds its answer once, out of JSON values; all forms come from that.
 //
 // The JSON form is a promise, see docs/command_line.md: members are added, never renamed.
 #pragma once
 
 #include <chrono>
+#include <functional>
+#include <memory>
 #include <nlohmann/json.hpp>
-#include <ostream>
 #include <string>
 #include <string_view>
 #include <vector>
+
+#include "apps/thermoscribe/line_output.h"
 
 namespace vane {
 
@@ -27,12 +30,24 @@ using Row = std::vector<Json>;
 
 class COutput {
  public:
-  COutput(std::ostream& stream, bool json) : stream_(stream), json_(json) {}
+  /// `onreadergone` runs when nobody reads the output any more, before that is raised.
+  COutput(bool json, Patience patience, std::function<void()> onreadergone);
 
-  bool IsJson() const { return json_; }
+  bool IsJson() const { return form_ == EForm::JSON; }
+
+  /// From now on everything goes to the end of the file at `path`, see `CLineOutput`.
+  void AppendTo(const std::filesystem::path& path);
+
+  /// From now on records are comma-separated lines of their members, which are `keys`, behind a
+  /// line with these names where the output is empty. False when the file that is to be appended to
+  /// begins with another line.
+  bool StartCsv(const std::vector<std::string>& keys);
+
+  /// True once a write has failed because nobody reads any more.
+  bool IsReaderGone() const { return lines_->IsReaderGone(); }
 
   // Each of these has been handed to the system when it returns. When that fails they raise
-  // `std::system_error`.
+  // `std::runtime_error`.
 
   /// One object per row, or a table with a line of titles. Without rows, `ifempty` for people and
   /// nothing for programs.
@@ -42,12 +57,23 @@ class COutput {
   /// One object; `text` is its form for people, without the last line end.
   void Record(std::string_view kind, const Json& members, std::string_view text);
 
+  /// `text` as it stands.
+  void Plain(std::string_view text);
+
  private:
+  enum class EForm { TEXT, JSON, CSV };
+
   void WriteLine(std::string_view line);
 
-  std::ostream& stream_;
-  bool json_;
+  EForm form_;
+  const Patience patience_;
+  const std::function<void()> onreadergone_;
+  std::unique_ptr<CLineOutput> lines_;
+  std::string head_;  // of comma-separated lines, until it is written
 };
+
+/// `fields` as a line of comma-separated values with its end, as RFC 4180 has it.
+std::string CsvLine(const std::vector<std::string>& fields);
 
 /// One object with `members` behind its version and kind, as one line without an end. An instrument
 /// may send any byte; one that is no UTF-8 becomes U+FFFD.

@@ -2,21 +2,29 @@
 
 #include <algorithm>
 #include <clocale>
-#include <iostream>
+#include <stdexcept>
 #include <string>
 #include <string_view>
 
 #include "apps/thermoscribe/command_line.h"
 #include "apps/thermoscribe/host.h"
+#include "apps/thermoscribe/line_output.h"
 #include "apps/thermoscribe/notices.h"
 #include "apps/thermoscribe/program.h"
 
 namespace vane {
 namespace {
 
-EExitCode PrintPage(const std::string& page) {
-  std::cout << page << std::flush;
-  return std::cout ? EExitCode::DONE : EExitCode::FAILED;
+EExitCode PrintPage(const std::string& page, CNotices& notices) {
+  CLineOutput output({});
+  try {
+    output.Write(page);
+  } catch (const std::runtime_error& error) {
+    if (output.IsReaderGone()) return EExitCode::READER_GONE;
+    notices.Tell(error.what());
+    return EExitCode::FAILED;
+  }
+  return EExitCode::DONE;
 }
 
 // What can't be raised any further: shown once, like every failure of the library.
@@ -27,8 +35,7 @@ EExitCode RunCommand(CHost& host, const CommandBody& body, const std::string& co
   } catch (...) {
     code = host.ReportFailure("carrying out \"" + command + "\"");
   }
-  host.Close(code, command);
-  return code;
+  return host.Close(code, command);
 }
 
 }  // namespace
@@ -56,10 +63,10 @@ EExitCode RunThermoscribe(int argc, char** argv, const RunSeams& seams) {
     notices.Close(EExitCode::USAGE, Hint(EExitCode::USAGE, command), 0);
     return EExitCode::USAGE;
   }
-  if (!line.page.empty()) return PrintPage(line.page);
+  CNotices notices(options.json, options.quiet);
+  if (!line.page.empty()) return PrintPage(line.page, notices);
   // Not earlier: on the command line the decimal point is "." for everybody.
   std::setlocale(LC_ALL, "");
-  CNotices notices(options.json, options.quiet);
   CHost host(options, notices);
   return RunCommand(host, line.body, command);
 }

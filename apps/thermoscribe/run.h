@@ -7,7 +7,7 @@
 
 namespace vane {
 
-/// Does what the command line asks for. Answers go to `std::cout`, all else to descriptor 2.
+/// Does what the command line asks for. Answers go to descriptor 1, all else to descriptor 2.
 /// `PrepareProcess` has been called before. One run at a time.
 EExitCode RunThermoscribe(int argc, char** argv, const RunSeams& seams = {});
 
