@@ -58,7 +58,7 @@ class CParser {
   const Node& NodeOf(const CLI::App* app) const;
   std::vector<const Node*> ChosenPath() const;
   std::string PageOf(const Node& help) const;
-  static void CheckOptions(const Node& node);
+  static void CheckOptions(const Node& node, std::map<std::string, std::size_t>& counts);
   static void TakeValues(const Node& node);
 
   CLI::App app_;
@@ -172,9 +172,9 @@ std::string CParser::PageOf(const Node& help) const {
   return node->app->help(before);
 }
 
-void CParser::CheckOptions(const Node& node) {
+// `counts` has the options of the commands before, which can exclude each other with its own.
+void CParser::CheckOptions(const Node& node, std::map<std::string, std::size_t>& counts) {
   const Command& command = *node.command;
-  std::map<std::string, std::size_t> counts;
   bool isanygiven = false;
   for (std::size_t i = 0; i < command.options.size(); ++i) {
     const std::size_t count = node.options[i]->count();
@@ -243,7 +243,8 @@ ParsedLine CParser::Parse(int argc, char** argv, std::string& name) {
   const std::vector<const Node*> path = ChosenPath();
   const Node& chosen = *path.back();
   if (chosen.command->name == kHelp) return {PageOf(chosen), nullptr};
-  for (const Node* node : path) CheckOptions(*node);
+  std::map<std::string, std::size_t> counts;
+  for (const Node* node : path) CheckOptions(*node, counts);
   for (const Node* node : path) TakeValues(*node);
   return {{}, chosen.command->body};
 }

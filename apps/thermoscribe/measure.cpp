@@ -2,18 +2,21 @@
 
 #include <time.h>
 
-#include <CLI/CLI.hpp>
+#include <algorithm>
 #include <chrono>
 #include <cstdint>
-#include <cstdio>
 #include <memory>
 #include <optional>
 #include <string>
 #include <utility>
+#include <vector>
 
+#include "apps/thermoscribe/channel_list.h"
 #include "apps/thermoscribe/commands.h"
 #include "apps/thermoscribe/host.h"
+#include "apps/thermoscribe/value_rule.h"
 #include "vane/channels/channel.h"
+#include "vane/support/display_texts.h"
 #include "vane/support/library_error.h"
 #include "vane/support/timing.h"
 
@@ -22,18 +25,22 @@ namespace {
 
 using Milliseconds = std::chrono::milliseconds;
 
-constexpr std::int16_t kMaxChannel = 12;
 constexpr std::int64_t kMaxCount = 1'000'000'000;
 constexpr double kDay = 86400;            // s
 constexpr std::size_t kNameColumns = 10;  // "Scanner 10"
 constexpr std::size_t kChannelColumns = 2;
+constexpr std::size_t kUnitColumns = 5;  // "Ratio"
+constexpr const char* kAllChannels = "all";
 
 struct MeasureOptions {
-  std::int16_t channel = 0;  // 0: the first one in use
+  std::vector<std::int16_t> channels;  // empty: the first one in use
+  bool allchannels = false;            // every one that is in use
   bool waitfornew = false;
-  std::int64_t count = 1;       // 0: no end
+  std::int64_t count = 1;       // of rounds over the channels; 0: no end
   std::optional<double> every;  // s
   std::optional<double> limit;  // s
+  bool csv = false;
+  std::string output;  // empty: standard output
   bool start = false;
   bool stop = false;
 };
@@ -57,35 +64,71 @@ std::string LocalTimeStamp() {
   return stamp;
 }
 
-std::int16_t FirstEnabledChannel(const CVaneT312B& instrument) {
+std::vector<std::int16_t> EnabledChannels(const CVaneT312B& instrument) {
+  std::vector<std::int16_t> channels;
   for (std::int16_t chn = 1; chn <= instrument.NumChannels(); ++chn) {
     const CVaneT312BPRTTHRMChannel* const channel = instrument.GetChannelReference(chn);
-    if (channel != nullptr && channel->Enabled()) return chn;
+    if (channel != nullptr && channel->Enabled()) channels.push_back(chn);
   }
-  return 1;
+  return channels;
 }
 
-// Prints one reading. False when the user ended the wait for it.
-bool TakeReading(CHost& host, std::int16_t channel, bool waitfornew) {
-  double reading = 0;
-  try {
-    reading = host.Instrument().QueryMeasurement(channel, waitfornew);
-  } catch (const LibraryError&) {
-    // With the line in order, it was the wait that ended.
-    if (host.IsInterrupted() && host.LastFailure().number == 0) return false;
-    throw;
+// The readings of one channel after another, each in the units that were in force when it was
+// taken.
+class CReadings {
+ public:
+  CReadings(CHost& host, bool waitfornew) : host_(host), waitfornew_(waitfornew) { AskUnits(); }
+
+  /// Prints one reading. False when the user ended the wait for it.
+  bool Take(std::int16_t channel) {
+    double reading = 0;
+    std::string time;
+    // Somebody at the front panel may change the units at any moment. A reading counts when they
+    // were the same before and behind it; else its number might be of other units than its name.
+    do {
+      if (host_.IsInterrupted()) return false;
+      try {
+        reading = host_.Instrument().QueryMeasurement(channel, waitfornew_);
+      } catch (const LibraryError&) {
+        const MeasurementTrouble* const trouble = host_.Instrument().LastMeasurementTrouble();
+        if (trouble != nullptr && trouble->kind == EMeasurementTrouble::CANCELLED) return false;
+        throw;
+      }
+      time = LocalTimeStamp();
+    } while (AskUnits());
+    Print(channel, time, reading);
+    return true;
   }
-  const Json members = {{"time", LocalTimeStamp()},
-                        {"channel", channel},
-                        {"name", host.Instrument().GetScanSeqChannelName(channel)},
-                        {"reading", reading}};
-  const std::string number = TextOf(members["channel"]);
-  host.Output().Record(
-      "reading", members,
-      TextOf(members["time"]) + "  " + std::string(kChannelColumns - number.size(), ' ') + number +
-          "  " + Padded(TextOf(members["name"]), kNameColumns) + "  " + TextOf(members["reading"]));
-  return true;
-}
+
+ private:
+  // Whether the units are others than before.
+  bool AskUnits() {
+    const ET312BUnits before = units_;
+    isunit_ = host_.Instrument().QueryUnits();
+    units_ = host_.Instrument().Units();
+    return units_ != before;
+  }
+
+  void Print(std::int16_t channel, const std::string& time, double reading) {
+    const Json members = {
+        {"time", time},
+        {"channel", channel},
+        {"name", host_.Instrument().GetScanSeqChannelName(channel)},
+        {"reading", reading},
+        {"unit", isunit_ ? Json(UnitsText(static_cast<std::int16_t>(units_))) : Json()}};
+    const std::string number = TextOf(members["channel"]);
+    host_.Output().Record("reading", members,
+                          time + "  " + std::string(kChannelColumns - number.size(), ' ') + number +
+                              "  " + Padded(TextOf(members["name"]), kNameColumns) + "  " +
+                              Padded(TextOf(members["unit"]), kUnitColumns) + "  " +
+                              TextOf(members["reading"]));
+  }
+
+  CHost& host_;
+  const bool waitfornew_;
+  ET312BUnits units_ = ET312BUnits::UNITS_NONE;
+  bool isunit_ = false;
+};
 
 // Waits until `moment`; false when the user ended the wait.
 bool WaitUntil(std::chrono::steady_clock::time_point moment, const CHost& host) {
@@ -98,27 +141,52 @@ bool WaitUntil(std::chrono::steady_clock::time_point moment, const CHost& host) 
 
 EExitCode TakeReadings(CHost& host, const MeasureOptions& options) {
   CVaneT312B& instrument = host.Instrument();
-  instrument.SetNewDataLimit(
-      static_cast<std::int32_t>(FromSeconds(options.limit.value_or(120)).count()));
-  const std::int16_t channel =
-      options.channel == 0 ? FirstEnabledChannel(instrument) : options.channel;
+  std::vector<std::int16_t> channels = options.channels;
+  if (channels.empty()) {
+    channels = EnabledChannels(instrument);
+    if (!options.allchannels) channels.resize(std::min<std::size_t>(channels.size(), 1));
+  }
+  const auto missing = std::ranges::find_if(
+      channels, [&](std::int16_t channel) { return channel > instrument.NumChannels(); });
+  if (missing != channels.end()) {
+    host.Say("There is no channel " + std::to_string(*missing) +
+             ". The readout has the channels 1 to " + std::to_string(instrument.NumChannels()) +
+             ".");
+    return EExitCode::USAGE;
+  }
+  if (options.limit) {
+    instrument.SetNewDataLimit(FromSeconds(*options.limit).count());
+  } else if (options.waitfornew) {
+    instrument.QueryWaitSettings();
+  }
   const Milliseconds every = FromSeconds(options.every.value_or(0));
 
-  std::int64_t taken = 0;
+  CReadings readings(host, options.waitfornew);
+  std::int64_t rounds = 0;
   auto next = std::chrono::steady_clock::now();
-  while (options.count == 0 || taken < options.count) {
+  while (options.count == 0 || rounds < options.count) {
     if (!WaitUntil(next, host)) break;
     next = std::chrono::steady_clock::now() + every;
-    if (!TakeReading(host, channel, options.waitfornew)) break;
-    ++taken;
+    const bool iswhole = std::ranges::all_of(
+        channels, [&readings](std::int16_t channel) { return readings.Take(channel); });
+    if (!iswhole) break;
+    ++rounds;
   }
-  if (taken >= options.count) return EExitCode::DONE;
-  host.Say("Aborted after " + std::to_string(taken) + " of " + std::to_string(options.count) +
-           " readings.");
+  if (rounds >= options.count) return EExitCode::DONE;
+  host.Say("Aborted after " + std::to_string(rounds) + " of " + std::to_string(options.count) +
+           (channels.size() == 1 ? " readings." : " rounds."));
   return EExitCode::ABORTED;
 }
 
 EExitCode RunMeasure(CHost& host, const MeasureOptions& options) {
+  // What is wrong with the file shows before anything is sent.
+  if (!options.output.empty()) host.Output().AppendTo(options.output);
+  if (options.csv && !host.Output().StartCsv({"time", "channel", "name", "reading", "unit"})) {
+    host.Say(options.output +
+             " begins with another line than that of the columns. Choose another "
+             "file.");
+    return EExitCode::USAGE;
+  }
   if (const EExitCode code = host.Connect(); code != EExitCode::DONE) return code;
   if (!options.start && !options.stop) return TakeReadings(host, options);
   CVaneT312B& instrument = host.Instrument();
@@ -130,26 +198,63 @@ EExitCode RunMeasure(CHost& host, const MeasureOptions& options) {
   return EExitCode::DONE;
 }
 
+Option Channels(MeasureOptions& options) {
+  Option channels{"--channel",
+                  "LIST",
+                  "channels of the instrument, such as 2,3,5-8, see\n"
+                  "\"thermoscribe channels\"; \"all\": all in use;\n"
+                  "without it, the first one in use",
+                  {}};
+  channels.take = [&options](const std::string& text) {
+    options.allchannels = Folded(text) == kAllChannels;
+    if (!options.allchannels) options.channels = ChannelList("--channel", text);
+  };
+  channels.offer = EOffer::WORDS;
+  channels.words = {kAllChannels};
+  return channels;
+}
+
+Option OutputFile(MeasureOptions& options) {
+  Option output = TextOption("--output", "FILE", options.output,
+                             "append the lines to FILE; \"-\": standard output");
+  output.take = [&options](const std::string& text) {
+    if (text.empty()) throw CUsageError("--output can't be empty.");
+    options.output = text;
+  };
+  output.offer = EOffer::FILES;
+  return output;
+}
+
 }  // namespace
 
 Command MeasureCommand() {
   const auto options = std::make_shared<MeasureOptions>();
   Option every = RealOption("--every", "S", options->every, 0, kDay,
-                            "seconds from the start of one reading to the\n"
-                            "start of the next; without it, one follows the\n"
-                            "other at once");
+                            "seconds from the start of one round to the start\n"
+                            "of the next; without it, one follows the other at\n"
+                            "once");
   every.needs = {"--count"};
+  Option csv = Flag("--csv", options->csv, "print comma-separated values with a line of names");
+  csv.excludes = {"--json"};
+  const std::vector<std::string> ofreadings = {"--channel", "--new", "--limit", "--count",
+                                               "--every",   "--csv", "--output"};
   Option start = Flag("--start", options->start, "switch measuring on, take no reading");
-  start.excludes = {"--stop", "--channel", "--new", "--limit", "--count", "--every"};
+  start.excludes = ofreadings;
+  start.excludes.push_back("--stop");
   Option stop = Flag("--stop", options->stop, "switch measuring off, take no reading");
-  stop.excludes = {"--channel", "--new", "--limit", "--count", "--every"};
+  stop.excludes = ofreadings;
   return {
       .name = "measure",
       .brief = "Take readings, or switch measuring on and off",
       .footer =
           R"(Prints one line per reading: the local time with its distance from UTC, the channel's
-number and name, and the reading in the readout's units, with all its digits. Each line
-is complete and on its way as soon as the reading is there.
+number and name, the unit, and the reading with all its digits. Each line is complete and
+on its way as soon as the reading is there. A reading during which the units were changed
+is taken again.
+
+A round takes one reading of each channel, in the order of the list. --output appends, so
+that a run that is started anew goes on in the same file; a file for --csv has to begin
+with the line of names, or to be empty.
 
 Ctrl-C ends it at once. With --count 0 that is the normal end (0); before a given count
 is reached it is an abort (7).
@@ -157,17 +262,19 @@ is reached it is an abort (7).
 Examples:
   thermoscribe measure --channel 2
   thermoscribe measure --new --count 10
+  thermoscribe measure --channel all --count 0 --every 60 --csv --output bath.csv
   thermoscribe measure --count 0 --every 60 --json >> bath.jsonl
   thermoscribe measure --start)",
-      .options = {WholeOption("--channel", "N", options->channel, 1, kMaxChannel,
-                              "instrument channel number, see \"thermoscribe\n"
-                              "channels\"; without it, the first one in use"),
+      .options = {Channels(*options),
                   Flag("--new", options->waitfornew, "wait for a new reading each time"),
                   RealOption("--limit", "S", options->limit, 0, kDay,
-                             "longest wait for one new reading, in seconds (120)"),
+                             "longest wait for one new reading, in seconds (120,\n"
+                             "or what a long sample interval takes)"),
                   WholeOption("--count", "N", options->count, 0, kMaxCount,
-                              "take N readings (1); 0: go on until Ctrl-C"),
-                  std::move(every), std::move(start), std::move(stop)},
+                              "take N rounds (1), each of one reading per channel;\n"
+                              "0: go on until Ctrl-C"),
+                  std::move(every), std::move(csv), OutputFile(*options), std::move(start),
+                  std::move(stop)},
       .body = [options](CHost& host) { return RunMeasure(host, *options); }};
 }
 
