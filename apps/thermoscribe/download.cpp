@@ -1,15 +1,16 @@
 // thermoscribe download: one of the readout's logs as a text file of columns.
 
-#include <CLI/CLI.hpp>
 #include <filesystem>
 #include <memory>
 #include <string>
 #include <utility>
 
-#include "adapters/files/atomic_file.h"
 #include "adapters/files/field_reader.h"
+#include "adapters/files/whole_file.h"
+#include "adapters/posix/links.h"
 #include "apps/thermoscribe/commands.h"
 #include "apps/thermoscribe/host.h"
+#include "vane/support/paths.h"
 
 namespace vane {
 namespace {
@@ -18,6 +19,8 @@ constexpr std::int16_t kMaxReadings = 32767;
 constexpr std::int16_t kMaxResolution = 15;
 constexpr std::int32_t kFieldsOfReading = 3;
 constexpr mode_t kUsualMode = 0644;
+constexpr const char* kFileName = "download.txt";
+constexpr const char* kStandard = "-";
 
 struct DownloadOptions {
   std::string log = "history";
@@ -55,68 +58,167 @@ class CFolderRegistry final : public CVaneRegistry {
   std::string folder_;
 };
 
-std::string Quoted(const std::string& field) {
-  if (field.find_first_of("\",\r\n") == field.npos) return field;
-  std::string quoted = "\"";
-  for (const char c : field) quoted += c == '"' ? std::string("\"\"") : std::string(1, c);
-  return quoted + "\"";
-}
-
 // The readings as the instrument sent them, in ASCII, so that nothing is lost on the way into a
 // spreadsheet.
 std::string CsvText(CFieldReader& fields) {
-  std::string text = "number,unit,third\r\n";
+  std::string text = CsvLine({"number", "unit", "third"});
   for (std::int32_t i = kFieldsOfReading; i <= fields.NF(); i += kFieldsOfReading) {
-    text += Quoted(fields.f(i - 2)) + "," + Quoted(fields.f(i - 1)) + "," + Quoted(fields.f(i)) +
-            "\r\n";
+    text += CsvLine({fields.f(i - 2), fields.f(i - 1), fields.f(i)});
   }
   return text;
 }
 
-EExitCode RunDownload(CHost& host, const DownloadOptions& options) {
-  if (const EExitCode code = host.Connect(); code != EExitCode::DONE) return code;
-  CVaneT312B& instrument = host.Instrument();
-  // Without any other word the file comes to where the user is.
-  instrument.SetFilePath(std::filesystem::current_path().string());
-  if (!options.folder.empty()) {
-    instrument.SetRegistry(
-        std::make_shared<CFolderRegistry>(instrument.Registry(), options.folder));
-  }
-  CFieldReader fields;
-  const bool done = instrument.DownloadLog(fields,
-                                           options.log == "memory"
-                                               ? ET312BDownloadLogOption::DOWNLOAD_MEMORY_LOG
-                                               : ET312BDownloadLogOption::DOWNLOAD_HISTORY_LOG,
-                                           ET312BDownloadOption::DOWNLOAD_SINGLE_FILE,
-                                           options.readings, options.resolution, options.prompt);
-  const WrittenFile& file = host.LatestFile();
-  if (!done) return host.CodeOfStoppedRun();
-  // The run also reaches its end when the file could not be made, which the user has been told, or
-  // when he has cancelled the question for it.
-  if (file.path.empty()) return file.cancelled ? EExitCode::ABORTED : EExitCode::FAILED;
-
-  const std::int32_t readings = fields.NF() / kFieldsOfReading;
-  Json members = {{"file", file.path}, {"readings", readings}};
-  std::string text = std::to_string(readings) + (readings == 1 ? " reading" : " readings") +
-                     " written to " + file.path;
-  if (!options.csv.empty()) {
-    WriteFileAtomically(options.csv, CsvText(fields), kUsualMode);
-    members["csv"] = options.csv;
-    text += "\nand as they came to " + options.csv;
-  }
-  host.Output().Record("download", members, text);
-  return EExitCode::DONE;
+bool IsSameFile(const std::filesystem::path& one, const std::filesystem::path& other) {
+  std::error_code missing;
+  if (std::filesystem::equivalent(one, other, missing)) return true;
+  const auto place = [](const std::filesystem::path& path) {
+    return std::filesystem::weakly_canonical(std::filesystem::absolute(FollowLinks(path)));
+  };
+  return place(one) == place(other);
 }
+
+std::string Readings(std::int32_t count) {
+  return std::to_string(count) + (count == 1 ? " reading" : " readings");
+}
+
+// One download, from the choice of its folder to what is told of it.
+class CDownload {
+ public:
+  CDownload(CHost& host, const DownloadOptions& options)
+      : host_(host), options_(options), tostandard_(options.csv == kStandard) {}
+
+  EExitCode Run() {
+    if (const std::string problem = ProblemOfCsv(); !problem.empty()) {
+      host_.Say(problem);
+      return EExitCode::USAGE;
+    }
+    if (const EExitCode code = host_.Connect(); code != EExitCode::DONE) return code;
+    if (!Fetch()) {
+      const EExitCode code = host_.CodeOfStoppedRun();
+      host_.Say(HalfDoneText(code == EExitCode::ABORTED ? "Aborted. " : ""));
+      return code;
+    }
+    // The run also reaches its end when the file could not be made, which the user has been told,
+    // or when he has cancelled the question for it.
+    const WrittenFile& file = host_.LatestFile();
+    if (file.path.empty()) {
+      host_.Say("No file was written.");
+      return file.cancelled ? EExitCode::ABORTED : EExitCode::FAILED;
+    }
+    if (host_.IsInterrupted()) {
+      host_.Say("Aborted. " + Account());
+      return EExitCode::ABORTED;
+    }
+    if (const EExitCode code = WriteCsv(); code != EExitCode::DONE) return code;
+    ShowResult();
+    return EExitCode::DONE;
+  }
+
+ private:
+  // Without any other word the file comes to where the user is.
+  std::string Folder() {
+    if (!options_.folder.empty()) return options_.folder;
+    return host_.Registry()->ReadText("DownloadFolder", CurrentFolder(), kCurrentUserRoot, {});
+  }
+  static std::string CurrentFolder() { return std::filesystem::current_path().string(); }
+
+  // What is known before anything is sent.
+  std::string ProblemOfCsv() {
+    if (options_.csv.empty()) return {};
+    if (tostandard_) {
+      return host_.Output().IsJson() ? "--csv - and --json exclude each other." : std::string();
+    }
+    const bool isknown = !options_.prompt;
+    return isknown && IsSameFile(options_.csv, BuildFullPath(Folder(), kFileName))
+               ? "--csv can't be \"" + options_.csv + "\", which is the download's own file."
+               : std::string();
+  }
+
+  bool Fetch() {
+    CVaneT312B& instrument = host_.Instrument();
+    instrument.SetFilePath(CurrentFolder());
+    if (!options_.folder.empty()) {
+      instrument.SetRegistry(
+          std::make_shared<CFolderRegistry>(instrument.Registry(), options_.folder));
+    }
+    return instrument.DownloadLog(fields_,
+                                  options_.log == "memory"
+                                      ? ET312BDownloadLogOption::DOWNLOAD_MEMORY_LOG
+                                      : ET312BDownloadLogOption::DOWNLOAD_HISTORY_LOG,
+                                  ET312BDownloadOption::DOWNLOAD_SINGLE_FILE, options_.readings,
+                                  options_.resolution, options_.prompt);
+  }
+
+  std::string HalfDoneText(const std::string& before) const {
+    const WrittenFile& file = host_.LatestFile();
+    if (file.path.empty()) return before + "No file was written.";
+    return before + file.path + " holds no more than the first " + Readings(file.rows) + ".";
+  }
+
+  // Of a file that is whole, where there is more to do.
+  std::string Account() const {
+    const WrittenFile& file = host_.LatestFile();
+    return file.path + " holds " + Readings(file.rows) +
+           (options_.csv.empty() ? "." : "; no CSV file was written.");
+  }
+
+  // The download's file is there and stays, whatever becomes of the other one.
+  EExitCode WriteCsv() {
+    if (options_.csv.empty()) return EExitCode::DONE;
+    if (!tostandard_ && IsSameFile(options_.csv, host_.LatestFile().path)) {
+      host_.Say("--csv can't be the download's own file. " + Account());
+      return EExitCode::USAGE;
+    }
+    try {
+      if (tostandard_) {
+        host_.Output().Plain(CsvText(fields_));
+      } else {
+        WriteWholeFile(options_.csv, CsvText(fields_), kUsualMode, host_.UsersPatience());
+      }
+      return EExitCode::DONE;
+    } catch (...) {
+      const EExitCode code = host_.ReportFailure("writing the CSV file");
+      host_.Say(Account());
+      return code;
+    }
+  }
+
+  void ShowResult() {
+    const std::string& path = host_.LatestFile().path;
+    const std::int32_t readings = fields_.NF() / kFieldsOfReading;
+    std::string text = Readings(readings) + " written to " + path;
+    if (tostandard_) return host_.Note(text);
+    Json members = {{"file", path}, {"readings", readings}, {"csv", nullptr}};
+    if (!options_.csv.empty()) {
+      members["csv"] = options_.csv;
+      text += "\nand as they came to " + options_.csv;
+    }
+    host_.Output().Record("download", members, text);
+  }
+
+  CHost& host_;
+  const DownloadOptions& options_;
+  const bool tostandard_;
+  CFieldReader fields_;
+};
 
 }  // namespace
 
 Command DownloadCommand() {
   const auto options = std::make_shared<DownloadOptions>();
   Option folder = TextOption("--folder", "DIR", options->folder, "folder of the file, see below");
+  folder.take = [options](const std::string& text) {
+    if (text.empty()) throw CUsageError("--folder can't be empty.");
+    options->folder = text;
+  };
   folder.offer = EOffer::FOLDERS;
   Option csv = TextOption("--csv", "FILE", options->csv,
                           "also write the readings as comma-separated\nvalues, as the readout sent "
-                          "them");
+                          "them;\n\"-\": standard output");
+  csv.take = [options](const std::string& text) {
+    if (text.empty()) throw CUsageError("--csv can't be empty.");
+    options->csv = text;
+  };
   csv.offer = EOffer::FILES;
   return {
       .name = "download",
@@ -143,7 +245,7 @@ Examples:
                               "the readout sent"),
                   Flag("--prompt", options->prompt, "ask for the name of the file"),
                   std::move(folder), std::move(csv)},
-      .body = [options](CHost& host) { return RunDownload(host, *options); }};
+      .body = [options](CHost& host) { return CDownload(host, *options).Run(); }};
 }
 
 }  // namespace vane

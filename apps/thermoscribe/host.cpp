@@ -59,8 +59,7 @@ CHost::CHost(HostOptions options, CNotices& notices)
       components_{platform_, factory_},
       installed_(components_),
       instrument_(components_),
-      output_(options_.json, {.interrupted = [this] { return IsInterrupted(); }},
-              [&notices] { notices.Silence(); }) {
+      output_(options_.json, UsersPatience(), [&notices] { notices.Silence(); }) {
   if (options_.seams.moment) line_->trace = std::make_shared<CMomentTrace>(options_.seams.moment);
   if (options_.seams.skipswaits) platform_.SkipWaits();
   platform_.SetInterruptHandler([this] { instrument_.CancelWait(); });

@@ -98,6 +98,11 @@ class CHost {
   /// Why a run of the library that gave false has ended; the user has been told then.
   EExitCode CodeOfStoppedRun();
 
+  /// For files that may keep the program waiting.
+  Patience UsersPatience() const {
+    return {.interrupted = [this] { return IsInterrupted(); }};
+  }
+
   /// True once the user has pressed Ctrl-C, from then on.
   bool IsInterrupted() const { return interrupts_.Pending(); }
 

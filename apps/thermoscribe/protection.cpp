@@ -1,7 +1,6 @@
 // thermoscribe protection: which settings are behind the readout's passcode, and whether the user
 // has it.
 
-#include <CLI/CLI.hpp>
 #include <string>
 #include <utility>
 
