@@ -18,7 +18,6 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <iostream>
 #include <map>
 #include <nlohmann/json.hpp>
 #include <regex>
@@ -48,17 +47,20 @@ struct Outcome {
   std::uint64_t exchanges = 0;
 };
 
-// What the program writes to descriptor 2 while this lives.
-class CCapturedErrors {
+// What the program writes to a descriptor while this lives.
+class CCaptured {
  public:
-  CCapturedErrors() : file_(memfd_create("errors", 0)), kept_(dup(2)) { dup2(file_, 2); }
-  ~CCapturedErrors() {
-    dup2(kept_, 2);
+  explicit CCaptured(int descriptor)
+      : descriptor_(descriptor), file_(memfd_create("captured", 0)), kept_(dup(descriptor)) {
+    dup2(file_, descriptor_);
+  }
+  ~CCaptured() {
+    dup2(kept_, descriptor_);
     close(kept_);
     close(file_);
   }
-  CCapturedErrors(const CCapturedErrors&) = delete;
-  CCapturedErrors& operator=(const CCapturedErrors&) = delete;
+  CCaptured(const CCaptured&) = delete;
+  CCaptured& operator=(const CCaptured&) = delete;
 
   std::string Text() const {
     std::string text(static_cast<std::size_t>(lseek(file_, 0, SEEK_END)), '\0');
@@ -68,22 +70,9 @@ class CCapturedErrors {
   }
 
  private:
+  int descriptor_;
   int file_;
   int kept_;
-};
-
-class CCapturedOutput {
- public:
-  CCapturedOutput() : kept_(std::cout.rdbuf(text_.rdbuf())) {}
-  ~CCapturedOutput() { std::cout.rdbuf(kept_); }
-  CCapturedOutput(const CCapturedOutput&) = delete;
-  CCapturedOutput& operator=(const CCapturedOutput&) = delete;
-
-  std::string Text() const { return text_.str(); }
-
- private:
-  std::ostringstream text_;
-  std::streambuf* kept_;
 };
 
 // The values that the fields of a command can have.
@@ -208,8 +197,9 @@ class FaultSweep : public testing::Test {
       words.insert(words.end(), job.arguments.begin(), job.arguments.end());
       std::vector<char*> argv;
       for (std::string& word : words) argv.push_back(word.data());
-      CCapturedErrors errors;
-      CCapturedOutput output;
+      std::fflush(stdout);
+      const CCaptured errors(2);
+      const CCaptured output(1);
       RunSeams seams;
       seams.skipswaits = true;
       const bool waits = std::string(job.name) == "measure --new";

@@ -115,13 +115,6 @@ class CHost {
   /// it where the error itself doesn't name that. `action` completes "An error occurred while".
   EExitCode ReportFailure(const std::string& action);
 
-  /// For files that may keep the program waiting: Ctrl-C ends the wait.
-  Patience FilePatience() const {
-    Patience patience;
-    patience.interrupted = [this] { return IsInterrupted(); };
-    return patience;
-  }
-
   /// The wall clock in the user's time zone.
   std::chrono::local_seconds LocalTime() { return platform_.LocalTime(); }
 

@@ -178,7 +178,7 @@ EExitCode TakeSnapshot(CHost& host, Json& snapshot, bool connect) {
 }
 
 Json ReadSnapshotFile(CHost& host, const std::string& path) {
-  const std::string text = ReadWholeFile(path, kMostBytes, host.FilePatience());
+  const std::string text = ReadWholeFile(path, kMostBytes, host.UsersPatience());
   const std::string name = NameOfInput(path);
   Json file;
   try {
@@ -198,7 +198,7 @@ Json ReadSnapshotFile(CHost& host, const std::string& path) {
 void WriteSnapshotFile(CHost& host, const std::string& path, const Json& snapshot) {
   // An instrument may send any byte; one that is no UTF-8 must not spoil the file.
   WriteWholeFile(path, snapshot.dump(2, ' ', false, Json::error_handler_t::replace) + "\n",
-                 kPermissions, host.FilePatience());
+                 kPermissions, host.UsersPatience());
 }
 
 std::vector<Difference> Differences(const Json& left, const Json& right) {
