@@ -162,6 +162,26 @@ TEST_F(UserFiles, RegistryKeepsWhatItDoesNotKnow) {
   EXPECT_EQ(FileText(path), before);
 }
 
+TEST_F(UserFiles, RegistryTellsAHostWhyThereIsNoText) {
+  CConfigRegistry registry(report, path);
+  registry.Remove("baud", "a");
+  EXPECT_EQ(registry.FindText("baud", "a"), std::nullopt);
+  EXPECT_FALSE(fs::exists(path));
+  Put("[values.a]\nport = ' x'\nbaud = 19_200\nlimit = 2.50\nflag = true\n[values.b]\nbaud = 1\n");
+  for (const auto& [name, text] : {std::pair{"port", " x"}, {"baud", "19200"}, {"limit", "2.5"}}) {
+    EXPECT_EQ(registry.FindText(name, "a"), text);
+  }
+  EXPECT_THROW(registry.FindText("flag", "a"), std::invalid_argument);
+  for (const char* name : {"baud", "nothing"}) registry.Remove(name, "a");
+  EXPECT_EQ(registry.FindText("baud", "a"), std::nullopt);
+  EXPECT_EQ(registry.FindText("baud", "b"), "1");
+  EXPECT_EQ(registry.FindText("port", "a"), " x");
+  Put("[values");
+  EXPECT_THROW(registry.FindText("port", "a"), std::runtime_error);
+  EXPECT_THROW(registry.Remove("port", "a"), std::runtime_error);
+  EXPECT_EQ(FileText(path), "[values");
+}
+
 TEST_F(UserFiles, RegistryPutsADamagedFileAsideAtTheFirstWrite) {
   Put("[values\nCOMAutoClose = true\n");
   CConfigRegistry registry(report, path);

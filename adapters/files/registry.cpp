@@ -6,7 +6,9 @@
 #include <sys/stat.h>
 #include <toml++/toml.h>
 
+#include <array>
 #include <cerrno>
+#include <charconv>
 #include <cstdlib>
 #include <optional>
 #include <sstream>
@@ -100,16 +102,29 @@ class CFileLock {
   CDescriptor file_;
 };
 
+// The table that holds the values of `subkey`; null where there is none.
+template <class Table>
+Table* FindTable(Table& file, const std::string& subkey) {
+  Table* table = &file;
+  for (const std::string& key : TablesOf(subkey)) {
+    auto* const node = table->get(key);
+    table = node ? node->as_table() : nullptr;
+    if (!table) break;
+  }
+  return table;
+}
+
 template <class T>
 std::optional<T> Find(const toml::table& file, const std::string& name, const std::string& subkey) {
-  const toml::table* table = &file;
-  for (const std::string& key : TablesOf(subkey)) {
-    const toml::node* node = table->get(key);
-    table = node ? node->as_table() : nullptr;
-    if (!table) return std::nullopt;
-  }
-  const toml::value<T>* value = table->get_as<T>(name);
+  const toml::table* table = FindTable(file, subkey);
+  const toml::value<T>* value = table ? table->get_as<T>(name) : nullptr;
   return value ? std::optional<T>(value->get()) : std::nullopt;
+}
+
+template <class Number>
+std::string ShortestText(Number number) {
+  std::array<char, 32> text;
+  return {text.data(), std::to_chars(text.data(), text.data() + text.size(), number).ptr};
 }
 
 // Whether the next reader will find the value in `text`. It won't when a name or the value isn't
@@ -170,6 +185,19 @@ std::string CConfigRegistry::ReadText(const std::string& name, const std::string
   return Read<std::string>(name, fallback, root, subkey);
 }
 
+std::optional<std::string> CConfigRegistry::FindText(const std::string& name,
+                                                     const std::string& subkey) const {
+  Content content = ReadContent(path_);
+  if (!content.table) throw std::runtime_error(content.trouble);
+  const toml::table* table = FindTable(*content.table, subkey);
+  const toml::node* node = table ? table->get(name) : nullptr;
+  if (!node) return std::nullopt;
+  if (const auto* text = node->as_string()) return text->get();
+  if (const auto* whole = node->as_integer()) return ShortestText(whole->get());
+  if (const auto* real = node->as_floating_point()) return ShortestText(real->get());
+  throw std::invalid_argument("neither a text nor a number");
+}
+
 void CConfigRegistry::WriteBoolean(const std::string& name, bool value, const std::string& subkey) {
   Write(name, value, subkey);
 }
@@ -177,6 +205,19 @@ void CConfigRegistry::WriteBoolean(const std::string& name, bool value, const st
 void CConfigRegistry::WriteText(const std::string& name, const std::string& value,
                                 const std::string& subkey) {
   Write(name, value, subkey);
+}
+
+void CConfigRegistry::Remove(const std::string& name, const std::string& subkey) {
+  const std::filesystem::path file = FollowLinks(path_);
+  if (!std::filesystem::exists(file)) return;
+  const CFileLock lock(file.string() + ".lock");
+  Content content = ReadContent(file);
+  if (!content.table) throw std::runtime_error(content.trouble);
+  toml::table* table = FindTable(*content.table, subkey);
+  if (!table || table->erase(name) == 0) return;
+  std::ostringstream text;
+  text << *content.table << '\n';
+  WriteFileAtomically(file, text.str(), kPrivateFile);
 }
 
 template <class T>

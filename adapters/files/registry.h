@@ -7,6 +7,7 @@
 
 #include <filesystem>
 #include <functional>
+#include <optional>
 #include <string>
 
 #include "vane/components/registry.h"
@@ -33,6 +34,14 @@ class CConfigRegistry : public CVaneRegistry {
   std::string ReadText(const std::string& name, const std::string& fallback, std::uint32_t root,
                        const std::string& subkey) override;
 
+  /// For hosts, which want to know why there is no value: the text under `name`, or a number as the
+  /// shortest text that reads back equal; nothing where the file has no such entry. Raises
+  /// `std::invalid_argument` for any other kind of value, and `std::runtime_error` when the file is
+  /// there and can't be used.
+  std::optional<std::string> FindText(const std::string& name, const std::string& subkey) const;
+
+  const std::filesystem::path& Path() const { return path_; }
+
   // Writing, for hosts. The file is read anew under a lock, so that two programs lose nothing of
   // each other's, and replaced as a whole. A file that can't be understood is first put aside as
   // `registry.toml.damaged-<n>`. Raises `std::runtime_error` when the file can't be read or
@@ -41,6 +50,10 @@ class CConfigRegistry : public CVaneRegistry {
 
   void WriteBoolean(const std::string& name, bool value, const std::string& subkey = {});
   void WriteText(const std::string& name, const std::string& value, const std::string& subkey = {});
+
+  /// Takes the entry away. A file without it, and one that isn't there, stays as it is; one that
+  /// can't be understood is left alone too, and raises `std::runtime_error`.
+  void Remove(const std::string& name, const std::string& subkey = {});
 
   // A window has no place and size that could be asked or set, so there is nothing to keep and
   // nothing to give back: it opens where its own back end puts it.
