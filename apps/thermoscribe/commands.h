@@ -3,6 +3,7 @@
 #pragma once
 
 #include "apps/thermoscribe/command.h"
+#include "apps/thermoscribe/host_options.h"
 
 namespace vane {
 
@@ -17,6 +18,8 @@ Command ScanCommand();
 Command ProtectionCommand();
 Command ClockCommand();
 Command DownloadCommand();
+/// `options` has what the command line gives once the command runs.
+Command ConfigCommand(const HostOptions& options);
 
 /// The members of `settings`, in the order of its help.
 Command SettingsShowCommand();

@@ -13,7 +13,7 @@ constexpr std::array kRows = {
     ExitCodeRow{EExitCode::DONE, "done", ""},
     ExitCodeRow{EExitCode::FAILED, "any other failure", ""},
     ExitCodeRow{EExitCode::USAGE, "bad usage", ""},
-    ExitCodeRow{EExitCode::NO_PORT, "no serial port: none, can't be opened, in use",
+    ExitCodeRow{EExitCode::NO_PORT, "the serial port can't be opened, or is in use",
                 "\"thermoscribe ports\" lists the ports of this machine, --port chooses one."},
     ExitCodeRow{EExitCode::NO_ANSWER, "no answer",
                 "Check the cable, the power and --baud; a slow readout needs a longer --timeout."},

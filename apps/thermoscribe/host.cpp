@@ -6,6 +6,7 @@
 #include "adapters/files/registry.h"
 #include "adapters/serial/line_errors.h"
 #include "adapters/terminal/terminal_output.h"
+#include "apps/thermoscribe/line_options.h"
 #include "vane/channels/module.h"
 #include "vane/support/failure.h"
 #include "vane/support/text_table.h"
@@ -70,7 +71,7 @@ CHost::CHost(HostOptions options, CNotices& notices)
   instrument_.SetHelpFile({});
 }
 
-const std::shared_ptr<CVaneRegistry>& CHost::Registry() {
+const std::shared_ptr<CConfigRegistry>& CHost::Registry() {
   if (!registry_) {
     registry_ =
         std::make_shared<CConfigRegistry>([this](const std::string& trouble) { Say(trouble); });
@@ -79,6 +80,7 @@ const std::shared_ptr<CVaneRegistry>& CHost::Registry() {
 }
 
 EExitCode CHost::Connect() {
+  TakeDefaults(options_, *Registry());
   line_->timeout = options_.timeout;
   if (!options_.tracefile.empty()) {
     line_->trace = trace_ = std::make_shared<CFileTrace>(options_.tracefile);
@@ -87,7 +89,7 @@ EExitCode CHost::Connect() {
     simulated_ = std::make_unique<simulator::CSimulatedLine>(*options_.simulated);
     simulated_->Start();
     line_->devices[EVanePortNumber::PORT_1] = simulated_->Path();
-  } else if (!options_.port.empty()) {
+  } else {
     line_->devices[EVanePortNumber::PORT_1] = options_.port;
   }
   instrument_.SetRegistry(Registry());
@@ -149,6 +151,8 @@ EExitCode CHost::ReadWell(const std::function<EExitCode()>& read) {
   EExitCode code = EExitCode::FAILED;
   try {
     code = read();
+  } catch (const CUsageError&) {
+    throw;
   } catch (...) {
     return ReportFailure("reading from the instrument");
   }

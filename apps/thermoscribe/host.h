@@ -10,6 +10,7 @@
 #include <span>
 #include <string>
 
+#include "adapters/files/registry.h"
 #include "adapters/posix/patience.h"
 #include "adapters/serial/serial_communications.h"
 #include "adapters/terminal/interrupts.h"
@@ -61,11 +62,11 @@ class CHost {
   CHost& operator=(const CHost&) = delete;
 
   /// The user's configuration; opens no line.
-  const std::shared_ptr<CVaneRegistry>& Registry();
+  const std::shared_ptr<CConfigRegistry>& Registry();
 
   /// Opens the line, proves the instrument and finds out its modules and channels. When the result
   /// is not `DONE` the user has been told why; then what was found out so far is in the instrument
-  /// object.
+  /// object. Raises `CUsageError` when it can't know which line.
   EExitCode Connect();
 
   /// Why the channels and modules that the readout counts can't be; empty when they can.
@@ -150,7 +151,7 @@ class CHost {
   CInstalledComponents installed_;
   std::unique_ptr<simulator::CSimulatedLine> simulated_;
   std::shared_ptr<CFileTrace> trace_;  // null: none
-  std::shared_ptr<CVaneRegistry> registry_;
+  std::shared_ptr<CConfigRegistry> registry_;
   CVaneT312B instrument_;
   COutput output_;
   std::optional<EExitCode> errorcode_;  // of the first error that was told

@@ -5,6 +5,7 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "simulator/options.h"
 #include "vane/components/communications.h"
@@ -18,12 +19,13 @@ struct RunSeams {
 };
 
 struct HostOptions {
-  std::string port;  ///< device path; empty: the lone USB adapter of the machine
+  std::string port;  ///< device path; empty: not chosen yet
   std::optional<simulator::Options> simulated;
   EVaneBaudRate baud = EVaneBaudRate::BR_9600;
   std::chrono::milliseconds timeout{1000};
-  std::string tracefile;     ///< empty: no trace
-  std::string passcodefile;  ///< path or number of a descriptor; empty: ask on the terminal
+  std::vector<std::string> given;  ///< names of the line's options that the command line gave
+  std::string tracefile;           ///< empty: no trace
+  std::string passcodefile;        ///< path or number of a descriptor; empty: ask on the terminal
   bool json = false;
   bool progress = false;
   bool quiet = false;  ///< answers and errors only

@@ -1,31 +1,15 @@
 // thermoscribe ports: what serial ports there are.
 
-#include <string>
-#include <vector>
-
 #include "adapters/serial/serial_ports.h"
 #include "apps/thermoscribe/commands.h"
 #include "apps/thermoscribe/host.h"
+#include "apps/thermoscribe/port_choice.h"
 
 namespace vane {
 namespace {
 
-Json Known(const std::string& text) { return text.empty() ? Json() : Json(text); }
-
 EExitCode RunPorts(CHost& host) {
-  std::vector<Row> rows;
-  for (const SerialPortRecord& port : ListSerialPorts()) {
-    rows.push_back({port.path, Known(port.driver), Known(port.maker), Known(port.product),
-                    Known(port.serialnumber), Known(port.id)});
-  }
-  host.Output().Table("port",
-                      {{"path", "Port"},
-                       {"driver", "Driver"},
-                       {"maker", "Maker"},
-                       {"product", "Product"},
-                       {"serialnumber", "Serial number"},
-                       {"id", "USB id"}},
-                      rows, "This machine has no serial ports.");
+  ShowPorts(host.Output(), ListSerialPorts());
   return EExitCode::DONE;
 }
 

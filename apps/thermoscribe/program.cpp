@@ -2,13 +2,11 @@
 
 #include <fcntl.h>
 
-#include <algorithm>
-#include <chrono>
 #include <utility>
 
-#include "adapters/serial/baud_rates.h"
 #include "adapters/terminal/terminal_passcode.h"
 #include "apps/thermoscribe/commands.h"
+#include "apps/thermoscribe/line_options.h"
 
 namespace vane {
 namespace {
@@ -18,7 +16,8 @@ constexpr const char* kDescription =
 
 constexpr const char* kFooter =
     R"(The options above may stand before or behind the command; "thermoscribe help COMMAND"
-tells the options of a command. Answers go to standard output, messages to standard
+tells the options of a command. Port, speed and time-out have defaults, see
+"thermoscribe help config". Answers go to standard output, messages to standard
 error. --simulate needs no hardware; the options of the simulated readout are those of
 thermoscribe-sim, in one text.
 
@@ -31,9 +30,6 @@ Examples:
 Exit codes:
 )";
 
-constexpr double kMinTimeout = 0.01;  // s
-constexpr double kMaxTimeout = 3600;
-
 std::string Footer() {
   std::string footer = kFooter;
   for (const ExitCodeRow& row : ExitCodes()) {
@@ -43,20 +39,24 @@ std::string Footer() {
   return footer;
 }
 
-std::vector<std::string> BaudRateWords() {
-  std::vector<std::string> words;
-  for (const BaudRateRow& row : BaudRates()) words.push_back(std::to_string(row.bits));
-  return words;
+// One of the options of the line.
+Option LineOption(HostOptions& host, const LineOptionRow& row, std::string value,
+                  std::string brief) {
+  const std::string name = "--" + std::string(row.name);
+  Option option{name, std::move(value), std::move(brief), {}};
+  option.take = [&host, &row, name](const std::string& text) {
+    row.take(host, name, text);
+    host.given.emplace_back(row.name);
+  };
+  option.words = row.words();
+  if (!option.words.empty()) option.offer = EOffer::WORDS;
+  return option;
 }
 
 Option Port(HostOptions& host) {
-  Option option = TextOption("--port", "DEVICE", host.port,
+  Option option = LineOption(host, *FindLineOption("port"), "DEVICE",
                              "device of the serial port; without it, the USB\n"
                              "adapter of the machine if there is only one");
-  option.take = [&host](const std::string& text) {
-    if (text.empty()) throw CUsageError("--port can't be empty.");
-    host.port = text;
-  };
   option.excludes = {"--simulate"};
   option.offer = EOffer::PORTS;
   return option;
@@ -76,39 +76,6 @@ Option Simulate(HostOptions& host) {
     }
   };
   option.isvalueoptional = true;
-  return option;
-}
-
-Option Baud(HostOptions& host) {
-  Option option{"--baud",
-                "N",
-                "speed of the line in bit/s, as the readout has\n"
-                "it; from 300 to 115200 (9600)",
-                {}};
-  option.take = [&host](const std::string& text) {
-    const auto row = std::ranges::find_if(
-        BaudRates(), [&](const BaudRateRow& one) { return std::to_string(one.bits) == text; });
-    if (row == BaudRates().end()) {
-      throw CUsageError("--baud can't be \"" + text + "\". It is " + Listed(BaudRateWords(), "or") +
-                        ".");
-    }
-    host.baud = row->rate;
-  };
-  option.offer = EOffer::WORDS;
-  option.words = BaudRateWords();
-  return option;
-}
-
-Option Timeout(HostOptions& host) {
-  Option option{"--timeout",
-                "S",
-                "longest wait for one answer, in seconds (1); each\n"
-                "command is tried twice",
-                {}};
-  option.take = [&host](const std::string& text) {
-    host.timeout = std::chrono::round<std::chrono::milliseconds>(
-        std::chrono::duration<double>(NumberIn("--timeout", text, kMinTimeout, kMaxTimeout)));
-  };
   return option;
 }
 
@@ -161,8 +128,12 @@ Command Program(HostOptions& host) {
       Flag("-V,--version", host.version, "print the version and exit"),
       Port(host),
       Simulate(host),
-      Baud(host),
-      Timeout(host),
+      LineOption(host, *FindLineOption("baud"), "N",
+                 "speed of the line in bit/s, as the readout has\n"
+                 "it; from 300 to 115200 (9600)"),
+      LineOption(host, *FindLineOption("timeout"), "S",
+                 "longest wait for one answer, in seconds (1); each\n"
+                 "command is tried twice"),
       Trace(host),
       PasscodeFile(host),
       Flag("--progress", host.progress, "show how far a long read is, on a terminal"),
@@ -171,7 +142,8 @@ Command Program(HostOptions& host) {
   };
   program.members = {PortsCommand(),      IdentifyCommand(), ChannelsCommand(), MeasureCommand(),
                      ChannelCommand(),    ProbeCommand(),    SettingsCommand(), ScanCommand(),
-                     ProtectionCommand(), ClockCommand(),    DownloadCommand(), HelpCommand()};
+                     ProtectionCommand(), ClockCommand(),    DownloadCommand(), ConfigCommand(host),
+                     HelpCommand()};
   return program;
 }
 

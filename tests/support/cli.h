@@ -131,6 +131,9 @@ class Cli : public testing::Test {
     folder_ = mkdtemp(pattern.data());
     setenv("XDG_CONFIG_HOME", (folder_ / "config").c_str(), 1);
     setenv("LC_ALL", "C", 1);
+    for (const char* name : {"PORT", "BAUD", "TIMEOUT"}) {
+      unsetenv((std::string("THERMOSCRIBE_") + name).c_str());
+    }
   }
   void TearDown() override {
     simulator_.reset();
