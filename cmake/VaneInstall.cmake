@@ -1,5 +1,5 @@
 # What a host gets: the libraries with their headers, as a CMake package and for pkg-config, and the
-# programs with their manual pages. The simulated readout comes as a program only.
+# programs with their manual page and completions. The simulated readout comes as a program only.
 
 include(CMakePackageConfigHelpers)
 
@@ -36,4 +36,7 @@ if(VANE_BUILD_PROGRAMS)
   install(TARGETS thermoscribe thermoscribe-sim RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
   install(FILES ${PROJECT_SOURCE_DIR}/docs/thermoscribe.1
           DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+  # In the folders where bash, zsh and fish look for completions.
+  install(DIRECTORY ${PROJECT_BINARY_DIR}/apps/thermoscribe/share/
+          DESTINATION ${CMAKE_INSTALL_DATADIR})
 endif()

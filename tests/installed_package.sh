@@ -21,7 +21,10 @@ prefix=$work/moved
 
 stray=$(find "$prefix/include" -type f ! -name '*.h')
 [ -z "$stray" ] || { echo "Installed beside the headers: $stray" >&2; exit 1; }
-[ -s "$prefix/share/man/man1/thermoscribe.1" ] || { echo "No manual page" >&2; exit 1; }
+for file in man/man1/thermoscribe.1 bash-completion/completions/thermoscribe \
+            zsh/site-functions/_thermoscribe fish/vendor_completions.d/thermoscribe.fish; do
+  [ -s "$prefix/share/$file" ] || { echo "No share/$file" >&2; exit 1; }
+done
 "$prefix/bin/thermoscribe" --version
 
 cmake -S "$source/examples/minimal_host" -B "$work/by-cmake" -G Ninja \

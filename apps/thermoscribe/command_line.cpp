@@ -68,7 +68,7 @@ class CParser {
 CParser::CParser(const Command& program) : app_(program.brief, program.name) {
   app_.formatter(std::make_shared<CHelpFormatter>());
   app_.fallthrough();
-  app_.set_help_flag("-h,--help", "print this help and exit");
+  app_.set_help_flag(HelpFlag().name, HelpFlag().brief);
   Add(program, app_);
 }
 
@@ -250,6 +250,8 @@ ParsedLine CParser::Parse(int argc, char** argv, std::string& name) {
 }
 
 }  // namespace
+
+Option HelpFlag() { return {"-h,--help", {}, "print this help and exit", {}}; }
 
 ParsedLine ParseCommandLine(const Command& program, int argc, char** argv, std::string& command) {
   return CParser(program).Parse(argc, argv, command);

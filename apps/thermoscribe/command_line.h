@@ -8,6 +8,9 @@
 
 namespace vane {
 
+/// Every command takes it, and the parser itself answers it.
+Option HelpFlag();
+
 /// What was asked for. `body` is null where there is only a page to print.
 struct ParsedLine {
   std::string page;

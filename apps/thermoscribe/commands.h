@@ -18,6 +18,8 @@ Command ScanCommand();
 Command ProtectionCommand();
 Command ClockCommand();
 Command DownloadCommand();
+Command CompletionCommand();
+
 /// `options` has what the command line gives once the command runs.
 Command ConfigCommand(const HostOptions& options);
 

@@ -1,6 +1,7 @@
 // thermoscribe config: the user's defaults for the line, and where each comes from.
 
 #include <algorithm>
+#include <iterator>
 #include <memory>
 #include <string>
 #include <utility>
@@ -106,10 +107,8 @@ Command SetCommand(const HostOptions& options) {
   assignments.takesmany = true;
   assignments.offer = EOffer::WORDS;
   for (const LineOptionRow& row : LineOptions()) {
-    assignments.words.push_back(std::string(row.name) + "=");
-    for (const std::string& word : row.words()) {
-      assignments.words.push_back(std::string(row.name) + "=" + word);
-    }
+    std::ranges::copy(AssignmentWords(row.name, {.choices = row.words}),
+                      std::back_inserter(assignments.words));
   }
   return {
       .name = "set",

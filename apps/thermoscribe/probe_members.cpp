@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
 #include <optional>
 #include <stdexcept>
 
@@ -143,10 +144,12 @@ void AssignProbeMember(Json& values, const std::string& name, const std::string&
   coefficients[name] = *number;
 }
 
-std::vector<std::string> ProbeMemberNames() {
-  std::vector<std::string> names;
-  for (const MemberRow& row : kMembers) names.emplace_back(row.name);
-  return names;
+std::vector<std::string> ProbeMemberAssignments() {
+  std::vector<std::string> all;
+  for (const MemberRow& row : kMembers) {
+    std::ranges::move(AssignmentWords(row.name, row.rule), std::back_inserter(all));
+  }
+  return all;
 }
 
 bool HoldsConversion(const Json& values) {

@@ -15,8 +15,8 @@ namespace vane {
 /// member remains to be seen.
 void AssignProbeMember(Json& values, const std::string& name, const std::string& text);
 
-/// The names of the members but the coefficients.
-std::vector<std::string> ProbeMemberNames();
+/// What can be typed for the members but the coefficients: "serial=", "scale=90".
+std::vector<std::string> ProbeMemberAssignments();
 
 /// Whether `values` touches the conversion, which may be behind the passcode.
 bool HoldsConversion(const Json& values);

@@ -158,9 +158,8 @@ void AddProbeAssignment(Json& values, const std::string& text, bool takesprobe) 
 }
 
 std::vector<std::string> ProbeMemberWords(bool takesprobe) {
-  std::vector<std::string> words = ProbeMemberNames();
-  if (takesprobe) words.insert(words.begin(), "probe");
-  for (std::string& word : words) word += "=";
+  std::vector<std::string> words = ProbeMemberAssignments();
+  if (takesprobe) words.insert(words.begin(), "probe=");
   return words;
 }
 

@@ -16,7 +16,7 @@ class CHost;
 /// well, the number of the probe to be assigned. Raises `CUsageError`.
 void AddProbeAssignment(Json& values, const std::string& text, bool takesprobe);
 
-/// "serial=" and the other names that can be assigned, for a shell to offer.
+/// What can be typed, "serial=" and "scale=90", for a shell to offer.
 std::vector<std::string> ProbeMemberWords(bool takesprobe);
 
 /// Reads the probe's record, asks for the passcode where it takes one, writes the record with

@@ -143,7 +143,7 @@ Command Program(HostOptions& host) {
   program.members = {PortsCommand(),      IdentifyCommand(), ChannelsCommand(), MeasureCommand(),
                      ChannelCommand(),    ProbeCommand(),    SettingsCommand(), ScanCommand(),
                      ProtectionCommand(), ClockCommand(),    DownloadCommand(), ConfigCommand(host),
-                     HelpCommand()};
+                     CompletionCommand(), HelpCommand()};
   return program;
 }
 

@@ -5,8 +5,10 @@
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "apps/thermoscribe/command_line.h"
+#include "apps/thermoscribe/completion.h"
 #include "apps/thermoscribe/host.h"
 #include "apps/thermoscribe/line_output.h"
 #include "apps/thermoscribe/notices.h"
@@ -46,6 +48,11 @@ EExitCode RunCommand(CHost& host, const CommandBody& body, const std::string& co
 EExitCode RunThermoscribe(int argc, char** argv, const RunSeams& seams) {
   HostOptions options;
   options.seams = seams;
+  if (argc > 1 && std::string_view(argv[1]) == kCompleteWord) {
+    CNotices notices(false, false);
+    const std::vector<std::string> words(argv + 2, argv + argc);
+    return PrintPage(CompletionText(Program(options), words), notices);
+  }
   std::string command;
   ParsedLine line;
   try {

@@ -1,5 +1,7 @@
 // thermoscribe settings set: settings by the names of their properties.
 
+#include <algorithm>
+#include <iterator>
 #include <memory>
 #include <string>
 #include <utility>
@@ -25,7 +27,8 @@ Command SettingsSetCommand() {
   assignments.takesmany = true;
   assignments.offer = EOffer::WORDS;
   for (const PropertyRow& row : InstrumentProperties()) {
-    if (row.set != nullptr) assignments.words.push_back(std::string(row.name) + "=");
+    if (row.set == nullptr) continue;
+    std::ranges::copy(AssignmentWords(row.name, row.Rule()), std::back_inserter(assignments.words));
   }
   return {
       .name = "set",

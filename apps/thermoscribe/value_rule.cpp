@@ -65,6 +65,13 @@ std::optional<Json> ValueOf(const ValueRule& rule, std::string_view text) {
   return rule.whole ? Json(static_cast<std::int32_t>(*number)) : Json(*number);
 }
 
+std::vector<std::string> AssignmentWords(std::string_view name, const ValueRule& rule) {
+  std::vector<std::string> words = {std::string(name) + "="};
+  if (rule.choices == nullptr) return words;
+  for (const std::string& word : rule.choices()) words.push_back(words.front() + word);
+  return words;
+}
+
 bool Allows(const ValueRule& rule, const Json& value) {
   if (HasLimits(rule)) return value.is_number() && IsWithin(rule, value.get<double>());
   if (!value.is_string()) return false;

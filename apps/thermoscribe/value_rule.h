@@ -31,6 +31,9 @@ std::optional<double> NumberOf(std::string_view text);
 /// none of these.
 std::optional<Json> ValueOf(const ValueRule& rule, std::string_view text);
 
+/// What can be typed to set `name`: "NAME=", and with each word that there is.
+std::vector<std::string> AssignmentWords(std::string_view name, const ValueRule& rule);
+
 /// What `ValueOf` would give, whether a program has written it or a person has changed it.
 bool Allows(const ValueRule& rule, const Json& value);
 
