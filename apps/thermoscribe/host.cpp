@@ -6,6 +6,7 @@
 #include "adapters/files/registry.h"
 #include "adapters/serial/line_errors.h"
 #include "adapters/terminal/terminal_output.h"
+#include "apps/thermoscribe/command.h"
 #include "apps/thermoscribe/line_options.h"
 #include "vane/channels/module.h"
 #include "vane/support/failure.h"
