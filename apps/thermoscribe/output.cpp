@@ -113,6 +113,26 @@ std::string CsvLine(const std::vector<std::string>& fields) {
   return line + "\r\n";
 }
 
+std::string TableText(const std::vector<Column>& columns, const std::vector<Row>& rows) {
+  std::vector<std::string> lines(rows.size() + 1);
+  for (std::size_t i = 0; i < columns.size(); ++i) {
+    std::vector<std::string> cells = {columns[i].title};
+    for (const Row& row : rows) cells.push_back(TextOf(row[i]));
+    const bool isnumeric = IsNumeric(rows, i);
+    const std::size_t width = Columns(*std::ranges::max_element(cells, {}, Columns));
+    for (std::size_t line = 0; line < lines.size(); ++line) {
+      const std::string blanks = Blanks(cells[line], width);
+      if (i > 0) lines[line] += kGap;
+      lines[line] += isnumeric ? blanks + cells[line] : cells[line] + blanks;
+    }
+  }
+  std::string text;
+  for (const std::string& line : lines) {
+    text += (text.empty() ? "" : "\n") + line.substr(0, line.find_last_not_of(' ') + 1);
+  }
+  return text;
+}
+
 COutput::COutput(bool json, Patience patience, std::function<void()> onreadergone)
     : form_(json ? EForm::JSON : EForm::TEXT),
       patience_(std::move(patience)),
@@ -158,22 +178,7 @@ void COutput::Table(std::string_view kind, const std::vector<Column>& columns,
     WriteLine(ifempty);
     return;
   }
-  std::vector<std::string> lines(rows.size() + 1);
-  for (std::size_t i = 0; i < columns.size(); ++i) {
-    std::vector<std::string> cells = {columns[i].title};
-    for (const Row& row : rows) cells.push_back(TextOf(row[i]));
-    const bool isnumeric = IsNumeric(rows, i);
-    const std::size_t width = Columns(*std::ranges::max_element(cells, {}, Columns));
-    for (std::size_t line = 0; line < lines.size(); ++line) {
-      const std::string blanks = Blanks(cells[line], width);
-      if (i > 0) lines[line] += kGap;
-      lines[line] += isnumeric ? blanks + cells[line] : cells[line] + blanks;
-    }
-  }
-  for (std::string& line : lines) {
-    line.resize(line.find_last_not_of(' ') + 1);
-    WriteLine(line);
-  }
+  WriteLine(TableText(columns, rows));
 }
 
 void COutput::WriteLine(std::string_view line) { Plain(std::string(line) + "\n"); }

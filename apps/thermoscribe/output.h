@@ -75,6 +75,9 @@ class COutput {
 /// `fields` as a line of comma-separated values with its end, as RFC 4180 has it.
 std::string CsvLine(const std::vector<std::string>& fields);
 
+/// Aligned columns under a line of titles, without the last line end.
+std::string TableText(const std::vector<Column>& columns, const std::vector<Row>& rows);
+
 /// One object with `members` behind its version and kind, as one line without an end. An instrument
 /// may send any byte; one that is no UTF-8 becomes U+FFFD.
 std::string JsonLine(std::string_view kind, const Json& members);

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <sstream>
 
 #include "apps/thermoscribe/command.h"
 
@@ -13,32 +12,33 @@ Json Known(const std::string& text) { return text.empty() ? Json() : Json(text);
 
 bool IsAdapter(const SerialPortRecord& port) { return !port.id.empty(); }
 
-}  // namespace
+const std::vector<Column> kColumns = {{"path", "Port"},
+                                      {"driver", "Driver"},
+                                      {"maker", "Maker"},
+                                      {"product", "Product"},
+                                      {"serialnumber", "Serial number"},
+                                      {"id", "USB id"}};
+constexpr const char* kNoPorts = "This machine has no serial ports.";
 
-void ShowPorts(COutput& output, const std::vector<SerialPortRecord>& ports) {
+std::vector<Row> Rows(const std::vector<SerialPortRecord>& ports) {
   std::vector<Row> rows;
   for (const SerialPortRecord& port : ports) {
     rows.push_back({port.path, Known(port.driver), Known(port.maker), Known(port.product),
                     Known(port.serialnumber), Known(port.id)});
   }
-  output.Table("port",
-               {{"path", "Port"},
-                {"driver", "Driver"},
-                {"maker", "Maker"},
-                {"product", "Product"},
-                {"serialnumber", "Serial number"},
-                {"id", "USB id"}},
-               rows, "This machine has no serial ports.");
+  return rows;
+}
+
+}  // namespace
+
+void ShowPorts(COutput& output, const std::vector<SerialPortRecord>& ports) {
+  output.Table("port", kColumns, Rows(ports), kNoPorts);
 }
 
 std::string LoneAdapter(const std::vector<SerialPortRecord>& ports) {
   const auto count = std::ranges::count_if(ports, IsAdapter);
   if (count == 1) return std::ranges::find_if(ports, IsAdapter)->path;
-  std::ostringstream list;
-  COutput output(list, false);
-  ShowPorts(output, ports);
-  std::string text = list.str();
-  text.pop_back();
+  const std::string text = ports.empty() ? kNoPorts : TableText(kColumns, Rows(ports));
   throw CUsageError(
       "No port is given, and this machine has " +
       (count == 0 ? std::string("no USB adapter") : std::to_string(count) + " USB adapters") +
