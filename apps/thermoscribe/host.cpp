@@ -152,8 +152,6 @@ EExitCode CHost::ReadWell(const std::function<EExitCode()>& read) {
   EExitCode code = EExitCode::FAILED;
   try {
     code = read();
-  } catch (const CUsageError&) {
-    throw;
   } catch (...) {
     return ReportFailure("reading from the instrument");
   }
@@ -224,6 +222,13 @@ EExitCode CHost::CodeOfStoppedRun() {
 }
 
 EExitCode CHost::ReportFailure(const std::string& action) {
+  try {
+    throw;
+  } catch (const CUsageError& error) {
+    Say(error.what());
+    return EExitCode::USAGE;
+  } catch (...) {
+  }
   ShowError(action, kCompanyName, {}, 0);
   const std::int32_t number = PendingError().Number();
   if (number == ERR_INVALID_CHANNEL && LastFailure().number != number) {

@@ -34,9 +34,6 @@ EExitCode RunCommand(CHost& host, const CommandBody& body, const std::string& co
   EExitCode code = EExitCode::FAILED;
   try {
     code = body(host);
-  } catch (const CUsageError& error) {
-    host.Say(error.what());
-    code = EExitCode::USAGE;
   } catch (...) {
     code = host.ReportFailure("carrying out \"" + command + "\"");
   }
