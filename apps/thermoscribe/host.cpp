@@ -181,8 +181,12 @@ EExitCode CHost::OpenGates(std::span<const EGate> gates) {
     return false;
   };
   if (std::ranges::none_of(gates, isshut)) return EExitCode::DONE;
-  if (!instrument_.ValidatePasscode(nullptr)) {
-    return IsInterrupted() ? EExitCode::ABORTED : EExitCode::NO_PASSCODE;
+  try {
+    if (!instrument_.ValidatePasscode(nullptr)) {
+      return IsInterrupted() ? EExitCode::ABORTED : EExitCode::NO_PASSCODE;
+    }
+  } catch (...) {
+    return ReportFailure("checking the passcode");
   }
   // One passcode opens all groups.
   instrument_.SetUnitsTimePasscodeState(ET312BPasscodeState::PS_ENABLED);
