@@ -104,8 +104,13 @@ std::optional<int> DescriptorNumber(const std::string& source) {
 }
 
 CTerminalPasscodeDialog::CTerminalPasscodeDialog(CInterrupts& interrupts, std::string source,
-                                                 int input, int output, Patience patience)
-    : source_(std::move(source)), input_(input), output_(output), patience_(std::move(patience)) {
+                                                 int input, int output, Patience patience,
+                                                 std::function<void(const std::string&)> tell)
+    : source_(std::move(source)),
+      input_(input),
+      output_(output),
+      patience_(std::move(patience)),
+      tell_(std::move(tell)) {
   patience_.interrupted = [&interrupts] { return interrupts.Pending(); };
 }
 
@@ -148,7 +153,12 @@ bool CTerminalPasscodeDialog::TakeFromSource(std::string& entered) {
 }
 
 bool CTerminalPasscodeDialog::Cancel(const std::string& why) {
-  WriteToTerminal(output_, "No passcode: " + why + ".\n");
+  const std::string text = "No passcode: " + why + ".";
+  if (tell_) {
+    tell_(text);
+  } else {
+    WriteToTerminal(output_, text + "\n");
+  }
   return false;
 }
 

@@ -79,7 +79,8 @@ std::unique_ptr<CVaneProgress> CHostFactory::MakeProgress() {
 }
 
 std::unique_ptr<CVanePasscodeDialog> CHostFactory::MakePasscodeDialog() {
-  return std::make_unique<CTerminalPasscodeDialog>(interrupts_, passcodefile_);
+  return std::make_unique<CTerminalPasscodeDialog>(interrupts_, passcodefile_, 0, 2, Patience{},
+                                                   tell_);
 }
 
 std::unique_ptr<CVaneOutputFile> CHostFactory::MakeOutputFile() {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 
@@ -21,13 +22,16 @@ struct WrittenFile {
 /// Makes what the library's operations need for themselves.
 class CHostFactory final : public CComponentFactory {
  public:
-  /// Without `showsforms`, windows stay unseen, and close at once.
+  /// Without `showsforms`, windows stay unseen, and close at once. `tell` gets what the user has to
+  /// know.
   CHostFactory(std::shared_ptr<LineSettings> line, CInterrupts& interrupts,
-               std::string passcodefile, bool showsforms)
+               std::string passcodefile, bool showsforms,
+               std::function<void(const std::string&)> tell)
       : line_(std::move(line)),
         interrupts_(interrupts),
         passcodefile_(std::move(passcodefile)),
-        showsforms_(showsforms) {}
+        showsforms_(showsforms),
+        tell_(std::move(tell)) {}
 
   std::unique_ptr<CVaneCommunications> MakeCommunications() override;
   std::unique_ptr<CVaneProbe> MakeProbe() override;
@@ -45,6 +49,7 @@ class CHostFactory final : public CComponentFactory {
   CInterrupts& interrupts_;
   const std::string passcodefile_;
   const bool showsforms_;
+  const std::function<void(const std::string&)> tell_;
   WrittenFile latestfile_;
 };
 
