@@ -1,5 +1,5 @@
 # What a host gets: the libraries with their headers, as a CMake package and for pkg-config, and the
-# programs with their manual page and completions. The simulated readout comes as a program only.
+# programs with their manual page, the schemas of their output and completions. The simulated readout comes as a program only.
 
 include(CMakePackageConfigHelpers)
 
@@ -36,6 +36,8 @@ if(VANE_BUILD_PROGRAMS)
   install(TARGETS thermoscribe thermoscribe-sim RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
   install(FILES ${PROJECT_SOURCE_DIR}/docs/thermoscribe.1
           DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+  install(DIRECTORY ${PROJECT_SOURCE_DIR}/docs/schema
+          DESTINATION ${CMAKE_INSTALL_DATADIR}/VaneT312B)
   # In the folders where bash, zsh and fish look for completions.
   install(DIRECTORY ${PROJECT_BINARY_DIR}/apps/thermoscribe/share/
           DESTINATION ${CMAKE_INSTALL_DATADIR})

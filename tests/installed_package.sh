@@ -21,7 +21,8 @@ prefix=$work/moved
 
 stray=$(find "$prefix/include" -type f ! -name '*.h')
 [ -z "$stray" ] || { echo "Installed beside the headers: $stray" >&2; exit 1; }
-for file in man/man1/thermoscribe.1 bash-completion/completions/thermoscribe \
+for file in man/man1/thermoscribe.1 VaneT312B/schema/output.schema.json \
+            VaneT312B/schema/snapshot.schema.json bash-completion/completions/thermoscribe \
             zsh/site-functions/_thermoscribe fish/vendor_completions.d/thermoscribe.fish; do
   [ -s "$prefix/share/$file" ] || { echo "No share/$file" >&2; exit 1; }
 done
