@@ -92,14 +92,14 @@ TEST_F(Cli, GivesAReadingWithAllTheDigitsOfTheLine) {
     EXPECT_EQ(outcome.exitcode, 0);
     const json object = json::parse(outcome.out);
     EXPECT_EQ(object["channel"], std::stoi(channel));
-    EXPECT_THAT(LastAnswer(), Not(IsEmpty()));
-    EXPECT_EQ(object["reading"].get<double>(), std::stod(LastAnswer()));
+    EXPECT_THAT(LastNumber(), Not(IsEmpty()));
+    EXPECT_EQ(object["reading"].get<double>(), std::stod(LastNumber()));
     EXPECT_THAT(object["time"].get<std::string>(),
                 testing::MatchesRegex(
                     "[0-9]{4}-[0-9]{2}-[0-9]{2}T[0-9:]{8}\\.[0-9]{3}[+-][0-9]{2}:[0-9]{2}"));
     const Outcome text = Ask("measure --channel " + channel);
     const std::string line = Lines(text.out).at(0);
-    EXPECT_EQ(line.substr(line.rfind(' ') + 1), LastAnswer());
+    EXPECT_EQ(line.substr(line.rfind(' ') + 1), LastNumber());
     EXPECT_THAT(line, HasSubstr("  " + object["name"].get<std::string>() + " "));
   }
   // Input 1 carries the scanner.
@@ -118,23 +118,23 @@ TEST_F(Cli, SwitchesMeasuringOffAndOn) {
   EXPECT_EQ(Lines(Ask("measure --new --count 2").out).size(), 2u);
 }
 
-// The sixth exchange is the first reading; a command is sent twice at most.
+// The seventh exchange is the first reading; a command is sent twice at most.
 TEST_F(Cli, TellsEachFailureByItsExitCodeAndATextAndPrintsNoValue) {
   const struct {
     std::string simulator;
     int exitcode;
     std::string text;
   } cases[] = {
-      {"--fault at=6:drop --fault at=7:drop", 4, "No answer"},
-      {"--fault at=6:late=0.4 --fault at=7:late=0.4", 4, "No answer"},
-      {"--fault at=6:garble --fault at=7:garble", 8, "garbled"},
-      {"--fault at=6:hangup", 8, "lost"},
-      {"--fault at=6:refuse", 6, "Unable to successfully query measurement."},
+      {"--fault at=7:drop --fault at=8:drop", 4, "No answer"},
+      {"--fault at=7:late=0.4 --fault at=8:late=0.4", 4, "No answer"},
+      {"--fault at=7:garble --fault at=8:garble", 8, "garbled"},
+      {"--fault at=7:hangup", 8, "lost"},
+      {"--fault at=7:refuse", 6, "Unable to successfully query measurement."},
       {"--fault at=1:refuse", 6, "attempting to initialize communications"},
       {"--fault at=1:drop --fault at=2:drop", 4, "attempting to initialize"},
       {"--fault at=3:drop --fault at=4:drop", 4, "No answer"},
       {"--model T999", 5, "is not a model 'T312B'"},
-      {"--no-scanner", 2, "Invalid channel index"},
+      {"--no-scanner", 2, "The readout has the channels 1 to 2."},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.simulator);
@@ -150,19 +150,19 @@ TEST_F(Cli, TellsEachFailureByItsExitCodeAndATextAndPrintsNoValue) {
 TEST_F(Cli, RecoversFromASingleDamageOnTheLine) {
   for (const std::string fault : {"drop", "garble", "split", "late=0.15", "delay=0.05"}) {
     SCOPED_TRACE(fault);
-    StartSimulator("--fault at=6:" + fault);
+    StartSimulator("--fault at=7:" + fault);
     const Outcome outcome = Ask("measure --channel 3 --count 3 --json");
     EXPECT_EQ(outcome.exitcode, 0) << outcome.err;
     const std::vector<json> readings = JsonLines(outcome.out);
     ASSERT_EQ(readings.size(), 3u);
-    EXPECT_EQ(readings[2]["reading"].get<double>(), std::stod(LastAnswer()));
+    EXPECT_EQ(readings[2]["reading"].get<double>(), std::stod(LastNumber()));
     EXPECT_NEAR(readings[0]["reading"], readings[2]["reading"], 0.1);
   }
 }
 
 TEST_F(Cli, TakesNoLateAnswerForTheAnswerToTheNextCommand) {
   // The number of modules comes while the reading is awaited, and before it.
-  StartSimulator("--fault at=5:late=0.15 --fault at=7:delay=0.08");
+  StartSimulator("--fault at=5:late=0.15 --fault at=8:delay=0.08");
   const Outcome outcome = Ask("measure --channel 2 --json");
   EXPECT_EQ(outcome.exitcode, 0) << outcome.err;
   EXPECT_THAT(Trace(), HasSubstr("late answer, skipped"));

@@ -91,6 +91,12 @@ Json SettingValue(const PropertyRow& row, std::size_t pass) {
   return row.whole ? Json(static_cast<std::int32_t>(values[pass % 3])) : Json(values[pass % 3]);
 }
 
+TEST(Output, AZeroHasNoSignInAnyForm) {
+  const Json value = {{"a", -0.0}, {"b", {{"c", {-0.0, -1.5}}}}};
+  EXPECT_EQ(JsonLine("x", value), R"({"version":1,"kind":"x","a":0.0,"b":{"c":[0.0,-1.5]}})");
+  EXPECT_EQ(TextOf(value["a"]), "0");
+}
+
 TEST_F(Sweep, EverySettingComesBackAsItWasWritten) {
   for (std::size_t pass = 0; pass < kPasses; ++pass) {
     auto writer = Fresh();

@@ -82,7 +82,8 @@ class CHost {
   EExitCode ReadWell(const std::function<EExitCode()>& read);
 
   /// Opens editing of the groups of `gates` for this command, with the passcode where one of them
-  /// is protected; the user is asked at most once. After `ReadSettings`. `DONE`, or why not.
+  /// is protected; the user is asked at most once. After `ReadSettings`. `DONE`, or why not,
+  /// which has been told.
   EExitCode OpenGates(std::span<const EGate> gates);
 
   /// From now on no write is sent: its line goes to the output instead, as it would go out. Reads

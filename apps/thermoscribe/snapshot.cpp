@@ -197,8 +197,9 @@ Json ReadSnapshotFile(CHost& host, const std::string& path) {
 
 void WriteSnapshotFile(CHost& host, const std::string& path, const Json& snapshot) {
   // An instrument may send any byte; one that is no UTF-8 must not spoil the file.
-  WriteWholeFile(path, snapshot.dump(2, ' ', false, Json::error_handler_t::replace) + "\n",
-                 kPermissions, host.UsersPatience());
+  const std::string text = snapshot.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
+  if (path == "-") return host.Output().Plain(text);
+  WriteWholeFile(path, text, kPermissions, host.UsersPatience());
 }
 
 std::vector<Difference> Differences(const Json& left, const Json& right) {

@@ -174,11 +174,11 @@ class Cli : public testing::Test {
   }
   std::string Trace() const { return FileText("trace"); }
 
-  // The value of the answer that came last, as it stood on the line.
-  std::string LastAnswer() const {
+  // The number that came last, as it stood on the line.
+  std::string LastNumber() const {
     std::string value;
     const std::string trace = Trace();
-    const std::regex answer(R"(< #[0-9A-F]{4} =(.*)\*[0-9A-F]{4}\n)");
+    const std::regex answer(R"(< #[0-9A-F]{4} =(-?[0-9].*)\*[0-9A-F]{4}\n)");
     for (std::sregex_iterator at(trace.begin(), trace.end(), answer), end; at != end; ++at) {
       value = (*at)[1];
     }
