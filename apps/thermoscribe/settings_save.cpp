@@ -1,8 +1,10 @@
 // thermoscribe settings save: everything that the readout keeps, into a file.
 
 #include <CLI/CLI.hpp>
+#include <filesystem>
 #include <memory>
 #include <string>
+#include <system_error>
 
 #include "apps/thermoscribe/commands.h"
 #include "apps/thermoscribe/host.h"
@@ -16,7 +18,10 @@ EExitCode RunSave(CHost& host, const std::string& path) {
   if (const EExitCode code = TakeSnapshot(host, snapshot); code != EExitCode::DONE) return code;
   WriteSnapshotFile(host, path, snapshot);
   // With the snapshot itself on standard output, nothing else may stand there.
-  if (path == "-") return EExitCode::DONE;
+  std::error_code error;
+  if (path == "-" || std::filesystem::equivalent(path, "/proc/self/fd/1", error)) {
+    return EExitCode::DONE;
+  }
   host.Output().Record("saved", {{"file", path}, {"taken", snapshot["taken"]}},
                        "The settings were saved in " + path + ".");
   return EExitCode::DONE;
