@@ -1,10 +1,11 @@
 // thermoscribe settings save: everything that the readout keeps, into a file.
 
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <CLI/CLI.hpp>
-#include <filesystem>
 #include <memory>
 #include <string>
-#include <system_error>
 
 #include "apps/thermoscribe/commands.h"
 #include "apps/thermoscribe/host.h"
@@ -13,15 +14,21 @@
 namespace vane {
 namespace {
 
+// Under any of its names.
+bool IsStandardOutput(const std::string& path) {
+  struct stat named {};
+  struct stat output {};
+  return path == "-" ||
+         (::stat(path.c_str(), &named) == 0 && ::fstat(STDOUT_FILENO, &output) == 0 &&
+          named.st_dev == output.st_dev && named.st_ino == output.st_ino);
+}
+
 EExitCode RunSave(CHost& host, const std::string& path) {
   Json snapshot;
   if (const EExitCode code = TakeSnapshot(host, snapshot); code != EExitCode::DONE) return code;
   WriteSnapshotFile(host, path, snapshot);
   // With the snapshot itself on standard output, nothing else may stand there.
-  std::error_code error;
-  if (path == "-" || std::filesystem::equivalent(path, "/proc/self/fd/1", error)) {
-    return EExitCode::DONE;
-  }
+  if (IsStandardOutput(path)) return EExitCode::DONE;
   host.Output().Record("saved", {{"file", path}, {"taken", snapshot["taken"]}},
                        "The settings were saved in " + path + ".");
   return EExitCode::DONE;
