@@ -6,6 +6,7 @@
 
 #include "simulator/numbers.h"
 #include "simulator/reply.h"
+#include "simulator/words.h"
 
 namespace vane::simulator {
 namespace {
@@ -77,14 +78,14 @@ FaultRule ParseFaultRule(std::string_view text) {
   const std::size_t equals = std::min(when.find('='), when.size());
   const std::string_view word = when.substr(0, equals);
   const std::string_view number = when.substr(std::min(equals + 1, when.size()));
-  if (word == "p") {
+  if (IsSameWord(word, "p")) {
     rule.when = FaultRule::EWhen::kChance;
     const auto chance = ParseReal(number);
     if (!chance || *chance < 0 || *chance > 1) Fail(text, "p is a probability from 0 to 1");
     rule.chance = *chance;
-  } else if (word == "at" || word == "every" || word == "write") {
+  } else if (IsSameWord(word, "at") || IsSameWord(word, "every") || IsSameWord(word, "write")) {
     using enum FaultRule::EWhen;
-    rule.when = word == "at" ? kAt : word == "every" ? kEvery : kWrite;
+    rule.when = IsSameWord(word, "at") ? kAt : IsSameWord(word, "every") ? kEvery : kWrite;
     const auto exchange = ParseWhole(number);
     if (!exchange || *exchange < 1) Fail(text, "exchanges are counted from 1");
     rule.number = static_cast<std::uint64_t>(*exchange);
@@ -94,7 +95,9 @@ FaultRule ParseFaultRule(std::string_view text) {
 
   const std::string_view what = text.substr(colon + 1);
   const std::size_t value = what.find('=');
-  const auto* kind = std::ranges::find(kFaultKinds, what.substr(0, value), &FaultKind::name);
+  const auto* kind = std::ranges::find_if(kFaultKinds, [&](const FaultKind& one) {
+    return IsSameWord(one.name, what.substr(0, value));
+  });
   if (kind == std::end(kFaultKinds)) {
     Fail(text,
          "KIND is drop, delay, garble, split, late, refuse, hangup, identify, answer or overlong");

@@ -101,7 +101,9 @@ Options Parse(const std::function<void(CLI::App&)>& parse) {
                  "groups that report as protected, separated by\n"
                  "commas: conversion, calibration, sampling, units")
       ->delimiter(',')
-      ->check(CLI::IsMember({"conversion", "calibration", "sampling", "units"}).description(""))
+      ->transform(
+          CLI::IsMember({"conversion", "calibration", "sampling", "units"}, CLI::ignore_case)
+              .description(""))
       ->type_name("GROUPS");
   app.add_option("--seed", options.readout.seed, "start of all chance: readings, logs, faults")
       ->type_name("N")

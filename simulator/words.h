@@ -2,6 +2,7 @@
 // same, so each choice has both.
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <optional>
 #include <span>
@@ -14,15 +15,16 @@ struct Word {
   std::string_view text;  ///< what a read gives
 };
 
+/// Whether both are the same letters of either case.
+inline bool IsSameWord(std::string_view one, std::string_view other) {
+  const auto upper = [](char c) { return c >= 'a' && c <= 'z' ? c - 'a' + 'A' : int{c}; };
+  return std::ranges::equal(one, other, {}, upper, upper);
+}
+
 /// The place in `words` of `code`, matched without regard to case; nothing when it isn't there.
 inline std::optional<std::size_t> FindCode(std::span<const Word> words, std::string_view code) {
-  const auto upper = [](char c) { return c >= 'a' && c <= 'z' ? c - 'a' + 'A' : int{c}; };
   for (std::size_t i = 0; i < words.size(); ++i) {
-    const std::string_view known = words[i].code;
-    if (known.size() != code.size()) continue;
-    std::size_t same = 0;
-    while (same < code.size() && upper(known[same]) == upper(code[same])) ++same;
-    if (same == code.size()) return i;
+    if (IsSameWord(words[i].code, code)) return i;
   }
   return std::nullopt;
 }

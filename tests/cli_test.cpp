@@ -317,7 +317,7 @@ TEST_F(Cli, ShowsEverySettingAsTheReadoutHasIt) {
                {"SCANNER:SEQUENCE:STEPS 2", "ScanSeqSteps", 2},
                {"SCANNER:STEP 1 10", "ScanChannels", "12,2"}};
   for (const bool scanner : {true, false}) {
-    StartSimulator(scanner ? "--protect sampling" : "--no-scanner --protect sampling");
+    StartSimulator(scanner ? "--protect Sampling" : "--no-scanner --protect sampling");
     const auto isthere = [&](const auto& c) { return scanner || !c.command.starts_with("SCAN"); };
     for (const auto& c : cases) {
       if (isthere(c)) Tell(c.command);

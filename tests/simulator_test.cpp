@@ -283,7 +283,7 @@ TEST(FaultPlan, StrikesAsWritten) {
   };
   EXPECT_EQ(struck("at=3:drop"), (std::vector<std::uint64_t>{3}));
   EXPECT_EQ(struck("every=400:garble"), (std::vector<std::uint64_t>{400, 800}));
-  EXPECT_EQ(struck("write=3:drop"), (std::vector<std::uint64_t>{30}));
+  EXPECT_EQ(struck("Write=3:DROP"), (std::vector<std::uint64_t>{30}));
   EXPECT_EQ(struck("p=1:refuse").size(), 1000u);
   EXPECT_NEAR(static_cast<double>(struck("p=0.1:refuse").size()), 100, 40);
   EXPECT_EQ(ParseFaultRule("at=1:late").seconds, 1.5);
