@@ -32,7 +32,7 @@ CASES = [
     (0, "--no-scanner --firmware 5.02", "identify"),
     (5, "--model T999", "identify"),
     (0, "", "channels"),
-    (0, "", "measure --count 2"),
+    (0, "", "measure --count 2 --channel all"),
     (4, "--fault every=1:drop", "measure --timeout 0.02"),
     (0, "", "measure --stop"),
     *((0, "", f"probe {number}") for number in range(1, 17)),
@@ -48,6 +48,7 @@ CASES = [
     (2, "--no-scanner", "settings set ScanChannel=2"),
     (0, "", "settings save a.json"),
     (0, "--no-scanner --seed 4", "settings save b.json"),
+    (0, "", "settings save -"),
     (0, "", "settings diff a.json"),
     (10, None, "settings diff a.json b.json"),
     (1, None, "settings diff a.json missing.json"),
@@ -90,6 +91,10 @@ def check_line(line, where):
     check(OUTPUT["$defs"].get(kind, False), value, where)
 
 
+def check_file(snapshot, where):
+    check({"$ref": (folder / "snapshot.schema.json").as_uri()}, snapshot, where)
+
+
 def objects(schema):
     """All schemas of objects within."""
     if isinstance(schema, dict):
@@ -130,16 +135,13 @@ def main():
         run = subprocess.run(words, capture_output=True, text=True, stdin=subprocess.DEVNULL)
         if run.returncode != exitcode:
             failures.append(f"{line}: {run.returncode} in place of {exitcode}: {run.stderr}")
-        for text in run.stdout.splitlines():
+        if line == "settings save -":
+            check_file(json.loads(run.stdout), line)
+            run.stdout = ""
+        for text in run.stdout.splitlines() + run.stderr.splitlines():
             check_line(text, line)
-        for text in run.stderr.splitlines():
-            # The list of downloaded files is a window, and drawn as one.
-            if not line.startswith("download") or text.startswith("{"):
-                check_line(text, line)
     for name in ("a.json", "b.json"):
-        snapshot = json.loads(pathlib.Path(name).read_text())
-        schema = {"$ref": (folder / "snapshot.schema.json").as_uri()}
-        check(schema, snapshot, name)
+        check_file(json.loads(pathlib.Path(name).read_text()), name)
 
     known = {name for name, schema in OUTPUT["$defs"].items() if "kind" in schema["properties"]}
     # A machine need not have a port.
