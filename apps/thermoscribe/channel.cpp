@@ -1,7 +1,6 @@
 // thermoscribe channel and thermoscribe probe: one channel's probe, or one probe, whole; and with
 // "set" the writing of it.
 
-#include <CLI/CLI.hpp>
 #include <cstdint>
 #include <memory>
 #include <string>

@@ -1,6 +1,5 @@
 // thermoscribe clock set: the readout's date and time.
 
-#include <CLI/CLI.hpp>
 #include <chrono>
 #include <cstdio>
 #include <memory>

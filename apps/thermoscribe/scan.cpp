@@ -1,6 +1,5 @@
 // thermoscribe scan: what the readout measures and how it walks its channels.
 
-#include <CLI/CLI.hpp>
 #include <cstdint>
 #include <memory>
 #include <sstream>

@@ -1,6 +1,5 @@
 // thermoscribe settings diff: what a file and the readout, or two files, differ in.
 
-#include <CLI/CLI.hpp>
 #include <memory>
 #include <string>
 

@@ -1,6 +1,5 @@
 // thermoscribe settings show: every setting, for people in groups with unit and limits.
 
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <memory>
 #include <optional>

@@ -1,6 +1,5 @@
 #include "apps/thermoscribe/settings_write.h"
 
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <optional>
 
