@@ -338,6 +338,23 @@ TEST_F(FaultSweep, EveryFaultGivesTheRightAnswerOrAnErrorAndNoStrayValue) {
   }
 }
 
+// Which exchange it strikes makes no difference to what a script is told.
+TEST_F(FaultSweep, AHangUpHasOneExitCodeAtEveryExchange) {
+  std::vector<Job> jobs = Jobs();
+  std::erase_if(jobs, [](const Job& job) { return job.writes; });
+  jobs.push_back({"old", {"identify"}, false, "--firmware 5.02"});
+  jobs.push_back({"old inputs", {"channels"}, false, "--firmware 5.02 --no-scanner"});
+  for (const Job& job : jobs) {
+    const std::uint64_t exchanges = std::min<std::uint64_t>(Run(job, {}, {}).exchanges, 50);
+    for (std::uint64_t exchange = 1; exchange <= exchanges; ++exchange) {
+      const Outcome outcome = Run(job, "at=" + std::to_string(exchange) + ":hangup=0.01", {});
+      EXPECT_EQ(outcome.exitcode, static_cast<int>(EExitCode::LINE_DAMAGED))
+          << job.name << " " << exchange << outcome.err;
+      EXPECT_THAT(outcome.err, testing::HasSubstr("was lost"));
+    }
+  }
+}
+
 TEST_F(FaultSweep, ASignalAtAnyMomentStopsAWriteAndIsToldOf) {
   const std::uint64_t moments = FromEnvironment("FAULT_SWEEP_MOMENTS", 12);
   for (const Job& job : Jobs()) {

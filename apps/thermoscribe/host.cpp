@@ -110,14 +110,16 @@ EExitCode CHost::Connect() {
 // The run reaches its end over failures that it has only told of, or not even that: the search for
 // a scanner of old firmware takes a dead line for no scanner.
 EExitCode CHost::CheckFindings() {
+  const LineFailure& first = line_->firsttrouble;
+  if (!errorcode_ && first.number != 0) {
+    Say(first.description);
+    return ExitCodeOfLine(first.number);
+  }
   if (const std::string problem = ProblemOfCounts(); !problem.empty()) {
     Say(problem);
     return EExitCode::LINE_DAMAGED;
   }
-  if (errorcode_) return *errorcode_;
-  if (line_->firsttrouble.number == 0) return EExitCode::DONE;
-  Say(line_->firsttrouble.description);
-  return ExitCodeOfLine(line_->firsttrouble.number);
+  return errorcode_.value_or(EExitCode::DONE);
 }
 
 std::string CHost::ProblemOfCounts() const {
@@ -234,13 +236,19 @@ EExitCode CHost::ReportFailure(const std::string& action) {
     return EExitCode::USAGE;
   } catch (...) {
   }
+  const bool isfirst = !errorcode_;
   ShowError(action, kCompanyName, {}, 0);
   const std::int32_t number = PendingError().Number();
   if (number == ERR_INVALID_CHANNEL && LastFailure().number != number) {
     Say("The readout has the channels 1 to " + std::to_string(instrument_.NumChannels()) + ".");
     return EExitCode::USAGE;
   }
-  if (number == ERR_MEASUREMENT) Say(CauseOfNoReading());
+  if (number == ERR_MEASUREMENT) {
+    Say(CauseOfNoReading());
+  } else if (isfirst && line_->firsttrouble.number != 0 && line_->firsttrouble.number != number) {
+    // Nobody was told of it, and what is told now may follow from it.
+    Say("Before that: " + line_->firsttrouble.description);
+  }
   return *errorcode_;
 }
 
