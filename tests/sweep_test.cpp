@@ -79,16 +79,17 @@ constexpr std::size_t kPasses = 6;  // as many as the longest list of words has 
 
 // The lowest, the highest and an odd one between; or each word in turn.
 Json SettingValue(const PropertyRow& row, std::size_t pass) {
-  if (row.choices != nullptr) return row.choices()[pass % row.choices().size()];
-  if (row.name == "ScanChannels") {
+  if (const auto words = WordsOf(*row.rule); !words.empty()) return words[pass % words.size()];
+  if (row.issequence) {
     std::string longest = "12";
     for (int step = 2; step <= 100; ++step) longest += "," + std::to_string(2 + step % 11);
     return std::vector<std::string>{"2", longest, "12,2,7"}[pass % 3];
   }
-  const double odd = row.minimum + (row.maximum - row.minimum) / 3;
-  const double values[] = {row.minimum, row.maximum,
-                           row.whole ? std::floor(odd) : std::round(odd * 100) / 100};
-  return row.whole ? Json(static_cast<std::int32_t>(values[pass % 3])) : Json(values[pass % 3]);
+  const auto& limits = std::get<NumberRule>(*row.rule);
+  const double odd = limits.minimum + (limits.maximum - limits.minimum) / 3;
+  const double values[] = {limits.minimum, limits.maximum,
+                           limits.whole ? std::floor(odd) : std::round(odd * 100) / 100};
+  return limits.whole ? Json(static_cast<std::int32_t>(values[pass % 3])) : Json(values[pass % 3]);
 }
 
 TEST(Output, AZeroHasNoSignInAnyForm) {

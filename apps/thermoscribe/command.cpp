@@ -45,7 +45,7 @@ double NumberIn(std::string_view name, const std::string& text, double minimum, 
   const std::optional<double> number = NumberOf(text);
   if (number && *number >= minimum && *number <= maximum) return *number;
   throw CUsageError(std::string(name) + " can't be \"" + text + "\". It is " +
-                    ExpectedText({.minimum = minimum, .maximum = maximum}) + ".");
+                    ExpectedText(NumberRule{minimum, maximum}) + ".");
 }
 
 std::int64_t WholeNumberIn(std::string_view name, const std::string& text, std::int64_t minimum,

@@ -107,7 +107,7 @@ Command SetCommand(const HostOptions& options) {
   assignments.takesmany = true;
   assignments.offer = EOffer::WORDS;
   for (const LineOptionRow& row : LineOptions()) {
-    std::ranges::copy(AssignmentWords(row.name, {.choices = row.words}),
+    std::ranges::copy(AssignmentWords(row.name, WordRule{row.words}),
                       std::back_inserter(assignments.words));
   }
   return {

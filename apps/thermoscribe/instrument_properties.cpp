@@ -1,8 +1,11 @@
 #include "apps/thermoscribe/instrument_properties.h"
 
+#include <algorithm>
 #include <type_traits>
 
 #include "vane/support/display_texts.h"
+#include "vane/support/texts.h"
+#include "vane/topology/numbering.h"
 
 namespace vane {
 namespace {
@@ -23,6 +26,7 @@ constexpr std::string_view kSeconds = "s";
 constexpr std::string_view kDigits = "digits";
 constexpr std::string_view kOhms = "Ohms";
 constexpr double kScannerChannels = 10;
+constexpr std::size_t kMaxSteps = 100;  // of a scan sequence
 
 // The makers of rows, by what the property holds.
 
@@ -52,9 +56,7 @@ constexpr PropertyRow Number(std::string_view name, EPropertyGroup group, std::s
           .unit = unit,
           .get = Value<Get>,
           .set = Store<T, Set>,
-          .minimum = minimum,
-          .maximum = maximum,
-          .whole = std::is_integral_v<T>};
+          .rule = NumberRule{minimum, maximum, std::is_integral_v<T>}};
 }
 
 template <ET312BCalParams Cp>
@@ -66,8 +68,7 @@ PropertyRow CalParam(std::string_view name, std::string_view words) {
           .get = [](const CVaneT312B& instrument) { return Json(instrument.CalParams(Cp)); },
           .set = [](CVaneT312B& instrument,
                     const Json& value) { instrument.SetCalParams(Cp, value.get<double>()); },
-          .minimum = CVaneT312B::MinCalParamValue(Cp),
-          .maximum = CVaneT312B::MaxCalParamValue(Cp)};
+          .rule = NumberRule{CVaneT312B::MinCalParamValue(Cp), CVaneT312B::MaxCalParamValue(Cp)}};
 }
 
 // An enumeration with the texts of its members.
@@ -97,7 +98,7 @@ constexpr PropertyRow Choice(std::string_view name, EPropertyGroup group, std::s
           .unit = {},
           .get = Words::template Value<Get>,
           .set = Words::template Store<Set>,
-          .choices = Words::All};
+          .rule = WordRule{Words::All}};
 }
 
 // The same row with what its write needs beside it.
@@ -111,6 +112,11 @@ constexpr PropertyRow Alone(PropertyRow row, EGate gate = EGate::NONE) {
 
 constexpr PropertyRow Behind(EGate gate, PropertyRow row) {
   row.gate = gate;
+  return row;
+}
+
+constexpr PropertyRow WithScannerOnly(bool (*needsscanner)(const Json&), PropertyRow row) {
+  row.needsscanner = needsscanner;
   return row;
 }
 
@@ -162,9 +168,7 @@ const PropertyRow kProperties[] = {
      .unit = kSeconds,
      .get = Value<&I::Interval>,
      .set = Store<std::int32_t, &I::SetInterval>,
-     .minimum = I::MinInterval(),
-     .maximum = I::MaxInterval(),
-     .whole = true,
+     .rule = NumberRule{I::MinInterval(), I::MaxInterval(), true},
      .update = [](I& instrument) { return instrument.UpdateInterval(); },
      .gate = EGate::SAMPLING},
     Alone<&I::UpdateIntegrationTime>(Number<&I::IntegrationTime, &I::SetIntegrationTime>(
@@ -186,8 +190,13 @@ const PropertyRow kProperties[] = {
         "RatioResolution", SAMPLING, "Ratio resolution", kDigits, I::MinRatioResolution(),
         I::MaxRatioResolution())),
 
-    Alone<&I::UpdateChannelMode>(Choice<ChannelModeWords, &I::ChannelMode, &I::SetChannelMode>(
-        "ChannelMode", MEASUREMENT, "Channel mode")),
+    WithScannerOnly(
+        [](const Json& mode) {
+          return mode == ChannelModeText(CM_SCANNER_CHANNEL) ||
+                 mode == ChannelModeText(CM_SCANNER_SEQUENCE);
+        },
+        Alone<&I::UpdateChannelMode>(Choice<ChannelModeWords, &I::ChannelMode, &I::SetChannelMode>(
+            "ChannelMode", MEASUREMENT, "Channel mode"))),
     Alone<&I::UpdateRepetitions>(Number<&I::Repetitions, &I::SetRepetitions>(
         "Repetitions", MEASUREMENT, "Repetitions", {}, I::MinRepetitions(), I::MaxRepetitions())),
 
@@ -210,6 +219,8 @@ const PropertyRow kProperties[] = {
      .unit = {},
      .get = Value<&I::ScanChannels>,
      .set = Store<std::string, &I::SetScanChannels>,
+     .rule = TextRule{[](std::string_view list) { return ScanSequence(list, kHighestChannel); },
+                      "a list of channels from 2 to 12, with \",\" between them"},
      .update = [](I& instrument) { return instrument.UpdateScanChannelList(); },
      .issequence = true},
 
@@ -256,10 +267,26 @@ bool IsThere(EPropertyGroup group, const CVaneT312B& instrument) {
   return group != SCAN || instrument.HasScanners();
 }
 
+std::optional<std::string> ScanSequence(std::string_view list, std::int32_t highest) {
+  std::string sequence;
+  std::size_t count = 0;
+  for (std::size_t begin = 0; begin <= list.size(); ++count) {
+    const std::size_t end = std::min(list.find(',', begin), list.size());
+    const std::string item(TrimBlanks(list.substr(begin, end - begin)));
+    begin = end + 1;
+    const bool digits =
+        !item.empty() && item.size() <= 2 && item.find_first_not_of("0123456789") == item.npos;
+    if (!digits) return std::nullopt;
+    const int channel = std::stoi(item);
+    if (channel < kNumInputs || channel > highest) return std::nullopt;
+    sequence += (sequence.empty() ? "" : ",") + std::to_string(channel);
+  }
+  if (count > kMaxSteps) return std::nullopt;
+  return sequence;
+}
+
 bool NeedsScanner(const PropertyRow& row, const Json& value) {
-  if (row.group == SCAN) return true;
-  return row.name == "ChannelMode" && (value == ChannelModeText(CM_SCANNER_CHANNEL) ||
-                                       value == ChannelModeText(CM_SCANNER_SEQUENCE));
+  return row.group == SCAN || (row.needsscanner != nullptr && row.needsscanner(value));
 }
 
 Json PropertyValue(const PropertyRow& row, const CVaneT312B& instrument) {

@@ -4,6 +4,7 @@
 
 #include <array>
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -52,13 +53,8 @@ struct PropertyRow {
   /// Takes what `get` gives, within the limits; null for what a host can't set.
   void (*set)(CVaneT312B& instrument, const Json& value) = nullptr;
 
-  // Of a number that can be set; otherwise both limits are 0.
-  double minimum = 0;
-  double maximum = 0;
-  bool whole = false;
-
-  /// The texts that the property can have, in the order of the enumeration; null for any other.
-  std::vector<std::string> (*choices)() = nullptr;
+  /// What it can be set to, of what can be set.
+  std::optional<ValueRule> rule = std::nullopt;
 
   /// The library's operation that writes it alone; null for what only the whole write can write.
   bool (*update)(CVaneT312B& instrument) = nullptr;
@@ -68,11 +64,19 @@ struct PropertyRow {
   /// A list of channels, which is written step by step.
   bool issequence = false;
 
-  ValueRule Rule() const { return {minimum, maximum, whole, choices}; }
+  /// Whether the readout can only have `value` with a scanner; null for what it can have without.
+  bool (*needsscanner)(const Json& value) = nullptr;
 };
 
 /// Whether the readout can only have `value` with a scanner.
 bool NeedsScanner(const PropertyRow& row, const Json& value);
+
+/// The highest channel that any instrument has.
+inline constexpr std::int32_t kHighestChannel = 12;
+
+/// `list` as the instrument's settings hold a scan sequence, if it names, with "," between,
+/// channels of the instrument from Input 2 to `highest`.
+std::optional<std::string> ScanSequence(std::string_view list, std::int32_t highest);
 
 /// All properties, by group.
 std::span<const PropertyRow> InstrumentProperties();

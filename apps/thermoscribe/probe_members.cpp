@@ -12,36 +12,59 @@
 #include "vane/components/components.h"
 #include "vane/support/display_texts.h"
 #include "vane/support/field_editing.h"
+#include "vane/support/texts.h"
 
 namespace vane {
 namespace {
 
 using Channel = CVaneT312BPRTTHRMChannel;
 
-struct MemberRow {
-  std::string_view name;
-  ValueRule rule;
-  bool maybenone = false;  ///< null is a value of it
-  bool isconversion = true;
-};
+// The readout's serial numbers are read in capital letters.
+std::optional<std::string> SerialTaken(std::string_view typed) {
+  const bool isgood = !typed.empty() &&
+                      typed.size() <= static_cast<std::size_t>(Channel::MaxSerialLength()) &&
+                      std::ranges::all_of(typed, [](char character) {
+                        if (character <= ' ') return false;
+                        std::int16_t key = character;
+                        FilterSerialKey(key);
+                        return key != 0;
+                      });
+  return isgood ? std::optional<std::string>(UpperCase(typed)) : std::nullopt;
+}
 
-constexpr MemberRow kMembers[] = {
-    {.name = "serial", .rule = {}, .isconversion = false},
-    {.name = "reference", .rule = {.choices = ReferenceWords}, .isconversion = false},
+std::optional<std::string> SerialInFile(std::string_view serial) {
+  const bool isgood =
+      serial.size() <= static_cast<std::size_t>(Channel::MaxSerialLength()) &&
+      std::ranges::none_of(serial, [](unsigned char c) { return c < ' ' || c == 0x7F; });
+  return isgood ? std::optional<std::string>(serial) : std::nullopt;
+}
+
+std::optional<std::string> UnknownReference(std::string_view word) {
+  const std::string unknown = RefResistorText(ET312BProbeRefResistor::PRR_NONE);
+  return word == unknown ? std::optional<std::string>(unknown) : std::nullopt;
+}
+
+std::vector<std::string> ScaleWords() { return {"90", "68"}; }
+
+const ProbeMemberRow kMembers[] = {
+    {.name = "serial",
+     .rule = TextRule{SerialTaken, "1 to 8 letters, digits and \"-\""},
+     .isconversion = false,
+     .infile = TextRule{SerialInFile, "a text of up to 8 characters without control characters"}},
+    {.name = "reference",
+     .rule = WordRule{ReferenceWords},
+     .isconversion = false,
+     .infile = TextRule{UnknownReference, nullptr}},
     {.name = "current",
-     .rule = {.minimum = Channel::MinProbeCurrent(), .maximum = Channel::MaxProbeCurrent()},
+     .rule = NumberRule{Channel::MinProbeCurrent(), Channel::MaxProbeCurrent()},
      .isconversion = false},
     {.name = "offset3wire",
-     .rule = {.minimum = Channel::MinProbe3WireOffset(), .maximum = Channel::MaxProbe3WireOffset()},
+     .rule = NumberRule{Channel::MinProbe3WireOffset(), Channel::MaxProbe3WireOffset()},
      .isconversion = false},
-    {.name = "conversion", .rule = {.choices = ConversionWords}},
-    {.name = "lowrange", .rule = {.minimum = 1, .maximum = 5, .whole = true}, .maybenone = true},
-    {.name = "highrange", .rule = {.minimum = 6, .maximum = 11, .whole = true}, .maybenone = true},
-    {.name = "scale",
-     .rule = {.choices =
-                  [] {
-                    return std::vector<std::string>{"90", "68"};
-                  }}},
+    {.name = "conversion", .rule = WordRule{ConversionWords}, .maybeunknown = true},
+    {.name = "lowrange", .rule = NumberRule{1, 5, true}, .ofsome = true, .maybenone = true},
+    {.name = "highrange", .rule = NumberRule{6, 11, true}, .ofsome = true, .maybenone = true},
+    {.name = "scale", .rule = WordRule{ScaleWords, true}, .ofsome = true, .maybeunknown = true},
 };
 
 // The coefficients of all conversions; several conversions share a name.
@@ -62,68 +85,39 @@ bool IsCoefficient(const std::string& folded) {
   throw CUsageError(std::string(name) + " can't be \"" + text + "\". It is " + expected + ".");
 }
 
-Json MemberValue(const MemberRow& row, const std::string& text) {
-  if (row.name == "serial") {
-    if (!IsSerial(text)) Refuse(row.name, text, kSerialRule);
-    // The readout's serial numbers are read in capital letters.
-    std::string serial = text;
-    std::ranges::transform(serial, serial.begin(), [](char c) {
-      return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
-    });
-    return serial;
-  }
+Json MemberValue(const ProbeMemberRow& row, const std::string& text) {
   if (row.maybenone && Folded(text) == "none") return nullptr;
   std::optional<Json> value = ValueOf(row.rule, text);
   if (!value) Refuse(row.name, text, ExpectedText(row.rule) + (row.maybenone ? ", or none" : ""));
-  return row.name == "scale" ? Json(std::stoi(value->get<std::string>())) : *std::move(value);
+  return *std::move(value);
 }
 
 std::string MemberNames() {
   std::string names;
-  for (const MemberRow& row : kMembers) names += std::string(row.name) + ", ";
+  for (const ProbeMemberRow& row : kMembers) names += std::string(row.name) + ", ";
   return names +
          "and the coefficients of the conversion (RTPW, R0, alpha, delta, beta, a4, c1, d, A0, B0, "
          "c0 ...)";
 }
 
 // Whether a file's record may hold it; what a readout tells as unknown stands there too.
-bool MayStand(const MemberRow& row, const Json& value) {
-  if (row.name == "serial") {
-    // A readout may hold one that nobody can write, but none with a control character.
-    return value.is_string() &&
-           value.get<std::string>().size() <=
-               static_cast<std::size_t>(Channel::MaxSerialLength()) &&
-           std::ranges::none_of(value.get<std::string>(),
-                                [](unsigned char c) { return c < ' ' || c == 0x7F; });
-  }
-  if (row.name == "scale") return value.is_null() || value == 90 || value == 68;
-  if (row.name == "reference" && value == RefResistorText(ET312BProbeRefResistor::PRR_NONE)) {
-    return true;
-  }
-  if (value.is_null()) return row.maybenone || row.name == "conversion";
-  return Allows(row.rule, value);
+bool MayStand(const ProbeMemberRow& row, const Json& value) {
+  if (value.is_null()) return row.maybenone || row.maybeunknown;
+  return Allows(row.rule, value) || (row.infile && Allows(*row.infile, value));
 }
 
-std::string ExpectedInFile(const MemberRow& row) {
-  if (row.name == "serial") return "a text of up to 8 characters without control characters";
-  if (row.name == "scale") return "90, 68 or null";
-  return ExpectedText(row.rule) + (row.maybenone ? ", or null" : "");
+std::string ExpectedInFile(const ProbeMemberRow& row) {
+  const bool isother = row.infile && row.infile->expected != nullptr;
+  return (isother ? row.infile->expected : ExpectedText(row.rule)) +
+         (row.maybenone || row.maybeunknown ? ", or null" : "");
 }
 
 }  // namespace
 
-bool IsSerial(const std::string& text) {
-  return !text.empty() && text.size() <= static_cast<std::size_t>(Channel::MaxSerialLength()) &&
-         std::ranges::all_of(text, [](char character) {
-           if (character <= ' ') return false;
-           std::int16_t key = character;
-           FilterSerialKey(key);
-           return key != 0;
-         });
-}
+std::span<const ProbeMemberRow> ProbeMembers() { return kMembers; }
 
 void AssignProbeMember(Json& values, const std::string& name, const std::string& text) {
-  for (const MemberRow& row : kMembers) {
+  for (const ProbeMemberRow& row : kMembers) {
     if (Folded(row.name) != Folded(name)) continue;
     if (values.contains(std::string(row.name))) {
       throw CUsageError(std::string(row.name) + " is given twice.");
@@ -146,7 +140,7 @@ void AssignProbeMember(Json& values, const std::string& name, const std::string&
 
 std::vector<std::string> ProbeMemberAssignments() {
   std::vector<std::string> all;
-  for (const MemberRow& row : kMembers) {
+  for (const ProbeMemberRow& row : kMembers) {
     std::ranges::move(AssignmentWords(row.name, row.rule), std::back_inserter(all));
   }
   return all;
@@ -159,11 +153,11 @@ bool HoldsConversion(const Json& values) {
 }
 
 std::string ProblemOfRecord(const Json& record) {
-  for (const MemberRow& row : kMembers) {
+  for (const ProbeMemberRow& row : kMembers) {
     const std::string name(row.name);
-    const bool isoptional = row.isconversion && row.name != "conversion";
+    // What only some conversions have may be left out; the conversion itself misses it then.
     if (!record.contains(name)) {
-      if (isoptional) continue;
+      if (row.ofsome) continue;
       return name + " is missing";
     }
     if (!MayStand(row, record[name])) {

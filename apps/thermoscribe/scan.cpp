@@ -111,10 +111,8 @@ Examples:
     option.take = [options, row](const std::string& text) {
       AddAssignment(options->assignments, row.property, text, row.option);
     };
-    if (const auto choices = FindProperty(row.property)->choices; choices != nullptr) {
-      option.offer = EOffer::WORDS;
-      option.words = choices();
-    }
+    option.words = WordsOf(*FindProperty(row.property)->rule);
+    if (!option.words.empty()) option.offer = EOffer::WORDS;
     command.options.push_back(std::move(option));
   }
   command.options.push_back(DryRun(options->dryrun));

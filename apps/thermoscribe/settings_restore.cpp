@@ -17,32 +17,12 @@
 #include "apps/thermoscribe/stages.h"
 #include "apps/thermoscribe/value_check.h"
 #include "vane/components/components.h"
-#include "vane/support/display_texts.h"
 #include "vane/support/texts.h"
 
 namespace vane {
 namespace {
 
-bool IsIn(const Difference& difference, const std::string& place) {
-  return difference.place == place || difference.place.starts_with(place + ".");
-}
-
-bool IsPlain(const std::string& member) {
-  return member == "serial" || member == "reference" || member == "current" ||
-         member == "offset3wire";
-}
-
-// The part of a record that is behind the passcode.
-bool IsConversion(const Difference& difference) {
-  return difference.place.starts_with("probe ") &&
-         !IsPlain(difference.place.substr(difference.place.find('.') + 1));
-}
-
-const PropertyRow* PropertyOf(const Difference& difference) {
-  constexpr std::string_view kSettings = "settings.";
-  if (!difference.place.starts_with(kSettings)) return nullptr;
-  return FindProperty(difference.place.substr(kSettings.size()));
-}
+using enum Place::EPart;
 
 class CRestore {
  public:
@@ -53,7 +33,7 @@ class CRestore {
  private:
   EExitCode RefuseUntypable() const;
   std::string WhyImpossible(const Difference& difference) const;
-  bool Differs(const std::string& place) const;
+  bool Differs(Place::EPart part, std::int16_t number = 0) const;
   EExitCode AskUser() const;
   EExitCode OpenGates();
   std::vector<Stage> Stages();
@@ -71,40 +51,36 @@ class CRestore {
 
 // Empty: it can be written.
 std::string CRestore::WhyImpossible(const Difference& difference) const {
+  const Place& place = difference.place;
   if (difference.left.is_null()) {
-    const bool isrange = difference.place.ends_with("range");
-    const bool isold = difference.place.starts_with("probe ") && !isrange &&
-                       !difference.place.ends_with(".scale") &&
-                       !difference.place.ends_with(".conversion");
-    // What only the older conversion has goes with it.
-    if (isrange || isold) return {};
-    return "the file has no value for it";
+    // What only the older conversion has goes with it, and no subrange is one.
+    const bool goes =
+        place.part == PROBE && (place.member == nullptr || !place.member->maybeunknown);
+    return goes ? "" : "the file has no value for it";
   }
   if (host_.Instrument().HasScanners()) return {};
-  const PropertyRow* const row = PropertyOf(difference);
   const bool isscanners =
-      (row != nullptr && row->group == EPropertyGroup::SCAN) ||
-      (difference.place.starts_with("channel ") && difference.right.is_null()) ||
-      (row != nullptr && row->name == "ChannelMode" &&
-       (difference.left == ChannelModeText(ET312BChannelMode::CM_SCANNER_CHANNEL) ||
-        difference.left == ChannelModeText(ET312BChannelMode::CM_SCANNER_SEQUENCE)));
+      (place.part == SETTING && NeedsScanner(*place.setting, difference.left)) ||
+      (place.part == CHANNEL && difference.right.is_null());
   return isscanners ? "no scanner is attached" : "";
 }
 
-// A serial number that only a readout can have got is left alone where it is, and can't be written.
+// What only a readout can have got is left alone where it is, and can't be written.
 EExitCode CRestore::RefuseUntypable() const {
-  for (const Difference& difference : wanted_) {
-    if (!difference.place.starts_with("probe ") || !difference.place.ends_with(".serial")) continue;
-    if (IsSerial(difference.left.get<std::string>())) continue;
-    host_.Say(difference.place + ": " + difference.left.dump() + " can't be written. It is " +
-              kSerialRule + ".");
+  for (const auto& [place, left, right] : wanted_) {
+    const bool isother = place.member != nullptr && place.member->infile && !left.is_null() &&
+                         !Allows(place.member->rule, left);
+    if (!isother) continue;
+    host_.Say(place.Text() + ": " + left.dump() + " can't be written. It is " +
+              ExpectedText(place.member->rule) + ".");
     return EExitCode::FAILED;
   }
   return EExitCode::DONE;
 }
 
-bool CRestore::Differs(const std::string& place) const {
-  return std::ranges::any_of(wanted_, [&](const Difference& one) { return IsIn(one, place); });
+bool CRestore::Differs(Place::EPart part, std::int16_t number) const {
+  return std::ranges::any_of(wanted_,
+                             [&](const Difference& one) { return one.place.IsIn(part, number); });
 }
 
 EExitCode CRestore::AskUser() const {
@@ -124,12 +100,12 @@ EExitCode CRestore::AskUser() const {
 EExitCode CRestore::OpenGates() {
   std::vector<EGate> gates;
   for (const Difference& difference : wanted_) {
-    if (const PropertyRow* const row = PropertyOf(difference)) {
+    if (const PropertyRow* const row = difference.place.setting) {
       gates.push_back(row->gate);
       // The whole write takes the calibration as one group, the external resistor with it.
       if (row->group == EPropertyGroup::CALIBRATION) gates.push_back(EGate::CALIBRATION);
     }
-    if (IsConversion(difference)) gates.push_back(EGate::CONVERSION);
+    if (difference.place.IsConversion()) gates.push_back(EGate::CONVERSION);
   }
   return host_.OpenGates(gates);
 }
@@ -138,7 +114,7 @@ bool CRestore::WriteSettings() {
   CVaneT312B& instrument = host_.Instrument();
   bool calibrates = false;
   for (const Difference& difference : wanted_) {
-    const PropertyRow* const row = PropertyOf(difference);
+    const PropertyRow* const row = difference.place.setting;
     if (row == nullptr) continue;
     row->set(instrument, difference.left);
     calibrates = calibrates || row->group == EPropertyGroup::CALIBRATION;
@@ -151,9 +127,9 @@ bool CRestore::WriteSettings() {
 bool CRestore::WriteProbe(std::int16_t number) {
   CVaneT312B& instrument = host_.Instrument();
   CVaneT312BPRTTHRMChannel& carrier = *instrument.GetChannelReference(1);
-  const std::string place = "probe " + std::to_string(number);
-  const bool converts = std::ranges::any_of(
-      wanted_, [&](const Difference& one) { return IsIn(one, place) && IsConversion(one); });
+  const bool converts = std::ranges::any_of(wanted_, [&](const Difference& one) {
+    return one.place.IsIn(PROBE, number) && one.place.IsConversion();
+  });
   instrument.SetConvPasscodeState(converts ? ET312BPasscodeState::PS_ENABLED
                                            : ET312BPasscodeState::PS_DISABLED);
   const auto index = static_cast<std::size_t>(number - 1);
@@ -175,7 +151,7 @@ bool CRestore::WriteChannels() {
   instrument.SetConvPasscodeState(ET312BPasscodeState::PS_DISABLED);
   for (const Json& entry : file_["channels"]) {
     const auto number = entry["channel"].get<std::int16_t>();
-    if (!Differs("channel " + std::to_string(number))) continue;
+    if (!Differs(CHANNEL, number)) continue;
     CVaneT312BPRTTHRMChannel& channel = *instrument.GetChannelReference(number);
     const auto probe = entry["probe"].get<std::int16_t>();
     const EExitCode code = host_.ReadWell([&] {
@@ -191,16 +167,17 @@ bool CRestore::WriteChannels() {
 
 std::vector<Stage> CRestore::Stages() {
   std::vector<Stage> stages;
-  if (Differs("settings")) {
+  if (Differs(SETTING)) {
     stages.push_back({host_.Instrument().HasScanners() ? "scanner and settings" : "settings",
                       [this] { return WriteSettings(); }});
   }
   for (std::int16_t number = 1; number <= CVaneT312B::NumProbes(); ++number) {
-    const std::string name = "probe " + std::to_string(number);
-    if (Differs(name)) stages.push_back({name, [this, number] { return WriteProbe(number); }});
+    if (!Differs(PROBE, number)) continue;
+    stages.push_back(
+        {"probe " + std::to_string(number), [this, number] { return WriteProbe(number); }});
   }
-  const bool assigns = std::ranges::any_of(
-      wanted_, [](const Difference& one) { return one.place.starts_with("channel "); });
+  const bool assigns =
+      std::ranges::any_of(wanted_, [](const Difference& one) { return one.place.part == CHANNEL; });
   if (assigns) stages.push_back({"channel assignments", [this] { return WriteChannels(); }});
   return stages;
 }
@@ -212,11 +189,11 @@ EExitCode CRestore::Verify() {
   }
   Json missing = Json::array();
   const auto tell = [&](const Difference& difference, const std::string& reason) {
-    missing.push_back({{"place", difference.place},
+    missing.push_back({{"place", difference.place.Text()},
                        {"file", difference.left},
                        {"readout", difference.right},
                        {"reason", reason}});
-    host_.Say(difference.place + ": " + TextOf(difference.left) +
+    host_.Say(difference.place.Text() + ": " + TextOf(difference.left) +
               " did not arrive, the readout has " + TextOf(difference.right) + ": " + reason + ".");
   };
   for (const Difference& difference : Differences(file_, after)) {

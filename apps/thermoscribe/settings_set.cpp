@@ -28,7 +28,7 @@ Command SettingsSetCommand() {
   assignments.offer = EOffer::WORDS;
   for (const PropertyRow& row : InstrumentProperties()) {
     if (row.set == nullptr) continue;
-    std::ranges::copy(AssignmentWords(row.name, row.Rule()), std::back_inserter(assignments.words));
+    std::ranges::copy(AssignmentWords(row.name, *row.rule), std::back_inserter(assignments.words));
   }
   return {
       .name = "set",

@@ -37,7 +37,7 @@ std::string GroupText(const PropertyGroupRow& group, const CVaneT312B& instrumen
   for (const PropertyRow& row : InstrumentProperties()) {
     if (row.group != group.group) continue;
     const std::string value = PropertyText(row, row.get(instrument));
-    const std::string allowed = InColumn(AllowedText(row.Rule()));
+    const std::string allowed = row.rule ? InColumn(AllowedText(*row.rule)) : std::string();
     text += "\n" + Padded("  " + std::string(row.words), kTitleColumns) +
             Padded(std::string(row.name), kNameColumns);
     text += allowed.empty() ? value : Padded(value, kValueColumns - 2) + "  " + allowed;

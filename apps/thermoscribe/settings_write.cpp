@@ -13,8 +13,6 @@
 namespace vane {
 namespace {
 
-constexpr std::size_t kMaxSteps = 100;  // of a scan sequence
-
 // What can only be judged once the instrument is known. Empty: nothing is wrong.
 std::string ProblemOf(const Assignment& assignment, const CVaneT312B& instrument) {
   const std::string name(assignment.row->name);
@@ -95,24 +93,6 @@ EExitCode ShowChanges(CHost& host, const Json& before, const Json& wanted) {
 
 }  // namespace
 
-std::optional<std::string> ScanSequence(std::string_view list, std::int32_t highest) {
-  std::string sequence;
-  std::size_t count = 0;
-  for (std::size_t begin = 0; begin <= list.size(); ++count) {
-    const std::size_t end = std::min(list.find(',', begin), list.size());
-    const std::string item(TrimBlanks(list.substr(begin, end - begin)));
-    begin = end + 1;
-    const bool digits =
-        !item.empty() && item.size() <= 2 && item.find_first_not_of("0123456789") == item.npos;
-    if (!digits) return std::nullopt;
-    const int channel = std::stoi(item);
-    if (channel < kNumInputs || channel > highest) return std::nullopt;
-    sequence += (sequence.empty() ? "" : ",") + std::to_string(channel);
-  }
-  if (count > kMaxSteps) return std::nullopt;
-  return sequence;
-}
-
 std::pair<std::string, std::string> AssignmentIn(const std::string& text) {
   const std::size_t sign = text.find('=');
   if (sign == text.npos) throw CUsageError("\"" + text + "\" is not NAME=VALUE.");
@@ -134,16 +114,11 @@ void AddAssignment(std::vector<Assignment>& assignments, std::string_view name,
   if (std::ranges::find(assignments, row, &Assignment::row) != assignments.end()) {
     throw CUsageError(std::string(row->name) + " is given twice.");
   }
-  std::optional<Json> value = ValueOf(row->Rule(), text);
-  std::string expected = ExpectedText(row->Rule());
-  if (row->issequence) {
-    const std::optional<std::string> sequence = ScanSequence(text, kHighestChannel);
-    value = sequence ? std::optional<Json>(*sequence) : std::nullopt;
-    expected = "a list of channels from 2 to 12, with \",\" between them";
-  }
+  std::optional<Json> value = ValueOf(*row->rule, text);
   if (!value) {
     throw CUsageError((label.empty() ? std::string(row->name) : std::string(label)) +
-                      " can't be \"" + std::string(text) + "\". It is " + expected + ".");
+                      " can't be \"" + std::string(text) + "\". It is " + ExpectedText(*row->rule) +
+                      ".");
   }
   assignments.push_back({row, std::move(*value)});
 }

@@ -29,13 +29,6 @@ std::pair<std::string, std::string> AssignmentIn(const std::string& text);
 void AddAssignment(std::vector<Assignment>& assignments, std::string_view name,
                    std::string_view text, std::string_view label = {});
 
-/// The highest channel that any instrument has.
-inline constexpr std::int32_t kHighestChannel = 12;
-
-/// `list` as the instrument's settings hold a scan sequence, if it names, with "," between,
-/// channels of the instrument from Input 2 to `highest`.
-std::optional<std::string> ScanSequence(std::string_view list, std::int32_t highest);
-
 /// Reads all settings, asks for the passcode where it takes one, writes the assignments, reads all
 /// settings again, and shows what has changed. A value that did not arrive is told, and so is one
 /// that has changed and should not have. Nothing is written unless everything was read well.

@@ -57,19 +57,16 @@ void CheckSettings(const Json& settings) {
     if (!settings.contains(name)) Damaged(place, "missing");
     const Json& value = settings[name];
     if (row.group == EPropertyGroup::SCAN && value.is_null()) continue;
-    if (!Allows(row.Rule(), value)) {
-      Damaged(place, value.dump() + " is not " + ExpectedText(row.Rule()));
-    }
-    if (row.issequence && ScanSequence(value.get<std::string>(), kHighestChannel) != value) {
-      Damaged(place, value.dump() + " is no list of channels from 2 to 12");
+    if (!Allows(*row.rule, value)) {
+      Damaged(place, value.dump() + " is not " + ExpectedText(*row.rule));
     }
   }
 }
 
 bool IsWhole(const Json& object, const char* name, int minimum, int maximum) {
   if (!object.is_object() || !object.contains(name)) return false;
-  const ValueRule rule{static_cast<double>(minimum), static_cast<double>(maximum), true};
-  return Allows(rule, object[name]);
+  return Allows(NumberRule{static_cast<double>(minimum), static_cast<double>(maximum), true},
+                object[name]);
 }
 
 void Check(const Json& file) {
@@ -112,19 +109,27 @@ void Check(const Json& file) {
   }
 }
 
-// The members of both, in the order of the left.
-void Compare(std::vector<Difference>& differences, const std::string& place, const Json& left,
-             const Json& right) {
-  if (left.is_object() && right.is_object()) {
-    const std::string begin = place + (place.empty() ? "" : ".");
-    for (const auto& [name, value] : left.items()) {
-      Compare(differences, begin + name, value, right.contains(name) ? right[name] : Json());
-    }
-    for (const auto& [name, value] : right.items()) {
-      if (!left.contains(name)) Compare(differences, begin + name, nullptr, value);
-    }
-  } else if (left != right) {
-    differences.push_back({place, left, right});
+// The value under `name`; null when it isn't there.
+Json ValueUnder(const Json& object, const std::string& name) {
+  const auto member = object.find(name);
+  return member == object.end() ? Json() : *member;
+}
+
+void Compare(std::vector<Difference>& differences, Place place, Json left, Json right) {
+  if (left == right) return;
+  differences.push_back({std::move(place), std::move(left), std::move(right)});
+}
+
+// The coefficients of both, in the order of the left.
+void CompareCoefficients(std::vector<Difference>& differences, std::int16_t number,
+                         const Json& left, const Json& right) {
+  const auto compare = [&](const std::string& name) {
+    Compare(differences, {.part = Place::EPart::PROBE, .number = number, .coefficient = name},
+            ValueUnder(left, name), ValueUnder(right, name));
+  };
+  for (const auto& [name, value] : left.items()) compare(name);
+  for (const auto& [name, value] : right.items()) {
+    if (!left.contains(name)) compare(name);
   }
 }
 
@@ -202,20 +207,41 @@ void WriteSnapshotFile(CHost& host, const std::string& path, const Json& snapsho
   WriteWholeFile(path, text, kPermissions, host.UsersPatience());
 }
 
+std::string Place::Text() const {
+  if (part == EPart::SETTING) return "settings." + std::string(setting->name);
+  if (part == EPart::CHANNEL) return "channel " + std::to_string(number);
+  return "probe " + std::to_string(number) + "." +
+         (member != nullptr ? std::string(member->name) : "coefficients." + coefficient);
+}
+
 std::vector<Difference> Differences(const Json& left, const Json& right) {
   std::vector<Difference> differences;
-  Compare(differences, "settings", left["settings"], right["settings"]);
+  for (const PropertyRow& row : InstrumentProperties()) {
+    if (row.set == nullptr) continue;
+    const std::string name(row.name);
+    Compare(differences, {.part = Place::EPart::SETTING, .setting = &row},
+            ValueUnder(left["settings"], name), ValueUnder(right["settings"], name));
+  }
   const Json& leftchannels = left["channels"];
   const Json& rightchannels = right["channels"];
   for (std::size_t i = 0; i < std::max(leftchannels.size(), rightchannels.size()); ++i) {
     const auto probe = [i](const Json& channels) {
       return i < channels.size() ? channels[i]["probe"] : Json();
     };
-    Compare(differences, "channel " + std::to_string(i + 1), probe(leftchannels),
-            probe(rightchannels));
+    Compare(differences,
+            {.part = Place::EPart::CHANNEL, .number = static_cast<std::int16_t>(i + 1)},
+            probe(leftchannels), probe(rightchannels));
   }
   for (std::size_t i = 0; i < left["probes"].size(); ++i) {
-    Compare(differences, "probe " + std::to_string(i + 1), left["probes"][i], right["probes"][i]);
+    const Json& leftprobe = left["probes"][i];
+    const Json& rightprobe = right["probes"][i];
+    const auto number = static_cast<std::int16_t>(i + 1);
+    for (const ProbeMemberRow& row : ProbeMembers()) {
+      const std::string name(row.name);
+      Compare(differences, {.part = Place::EPart::PROBE, .number = number, .member = &row},
+              ValueUnder(leftprobe, name), ValueUnder(rightprobe, name));
+    }
+    CompareCoefficients(differences, number, leftprobe["coefficients"], rightprobe["coefficients"]);
   }
   return differences;
 }
@@ -223,7 +249,7 @@ std::vector<Difference> Differences(const Json& left, const Json& right) {
 void ShowDifferences(CHost& host, const std::vector<Difference>& differences, const char* lefttitle,
                      const char* righttitle) {
   std::vector<Row> rows;
-  for (const auto& [place, left, right] : differences) rows.push_back({place, left, right});
+  for (const auto& [place, left, right] : differences) rows.push_back({place.Text(), left, right});
   host.Output().Table("difference",
                       {{"place", "Place"}, {"left", lefttitle}, {"right", righttitle}}, rows,
                       "Nothing differs.");

@@ -6,13 +6,12 @@
 #include <cmath>
 #include <cstdint>
 #include <system_error>
+#include <utility>
 
 namespace vane {
 namespace {
 
-bool HasLimits(const ValueRule& rule) { return rule.minimum < rule.maximum; }
-
-bool IsWithin(const ValueRule& rule, double number) {
+bool IsWithin(const NumberRule& rule, double number) {
   return number >= rule.minimum && number <= rule.maximum &&
          (!rule.whole || std::trunc(number) == number);
 }
@@ -25,9 +24,9 @@ std::string LimitText(double limit) {
   return {text.data(), end};
 }
 
-std::string ChoicesText(const ValueRule& rule) {
+std::string WordsText(const WordRule& rule) {
   std::string text;
-  for (const std::string& word : rule.choices()) text += (text.empty() ? "" : ", ") + word;
+  for (const std::string& word : rule.words()) text += (text.empty() ? "" : ", ") + word;
   return text;
 }
 
@@ -53,45 +52,56 @@ std::optional<double> NumberOf(std::string_view text) {
 }
 
 std::optional<Json> ValueOf(const ValueRule& rule, std::string_view text) {
-  if (rule.choices != nullptr) {
-    for (std::string& word : rule.choices()) {
-      if (Folded(word) == Folded(text)) return Json(std::move(word));
+  if (const auto* const words = std::get_if<WordRule>(&rule)) {
+    for (std::string& word : words->words()) {
+      if (Folded(word) != Folded(text)) continue;
+      return words->arenumbers ? Json(std::stoi(word)) : Json(std::move(word));
     }
     return std::nullopt;
   }
-  if (!HasLimits(rule)) return Json(text);
+  if (const auto* const form = std::get_if<TextRule>(&rule)) {
+    std::optional<std::string> taken = form->taken(text);
+    return taken ? std::optional<Json>(*std::move(taken)) : std::nullopt;
+  }
+  const auto& limits = std::get<NumberRule>(rule);
   const std::optional<double> number = NumberOf(text);
-  if (!number || !IsWithin(rule, *number)) return std::nullopt;
-  return rule.whole ? Json(static_cast<std::int32_t>(*number)) : Json(*number);
+  if (!number || !IsWithin(limits, *number)) return std::nullopt;
+  return limits.whole ? Json(static_cast<std::int32_t>(*number)) : Json(*number);
 }
 
 std::vector<std::string> AssignmentWords(std::string_view name, const ValueRule& rule) {
-  std::vector<std::string> words = {std::string(name) + "="};
-  if (rule.choices == nullptr) return words;
-  for (const std::string& word : rule.choices()) words.push_back(words.front() + word);
-  return words;
+  std::vector<std::string> all = {std::string(name) + "="};
+  for (const std::string& word : WordsOf(rule)) all.push_back(all.front() + word);
+  return all;
+}
+
+std::vector<std::string> WordsOf(const ValueRule& rule) {
+  const auto* const words = std::get_if<WordRule>(&rule);
+  return words == nullptr ? std::vector<std::string>() : words->words();
 }
 
 bool Allows(const ValueRule& rule, const Json& value) {
-  if (HasLimits(rule)) return value.is_number() && IsWithin(rule, value.get<double>());
-  if (!value.is_string()) return false;
-  if (rule.choices == nullptr) return true;
-  const auto words = rule.choices();
-  return std::ranges::find(words, value.get<std::string>()) != words.end();
+  if (const auto* const limits = std::get_if<NumberRule>(&rule)) {
+    return value.is_number() && IsWithin(*limits, value.get<double>());
+  }
+  return (value.is_string() && ValueOf(rule, value.get<std::string>()) == value) ||
+         (value.is_number_integer() && ValueOf(rule, value.dump()) == value);
 }
 
 std::string AllowedText(const ValueRule& rule) {
-  if (rule.choices != nullptr) return ChoicesText(rule);
-  if (!HasLimits(rule)) return {};
-  return WithUsersSeparator(LimitText(rule.minimum)) + " to " +
-         WithUsersSeparator(LimitText(rule.maximum));
+  if (const auto* const words = std::get_if<WordRule>(&rule)) return WordsText(*words);
+  const auto* const limits = std::get_if<NumberRule>(&rule);
+  if (limits == nullptr) return {};
+  return WithUsersSeparator(LimitText(limits->minimum)) + " to " +
+         WithUsersSeparator(LimitText(limits->maximum));
 }
 
 std::string ExpectedText(const ValueRule& rule) {
-  if (rule.choices != nullptr) return "one of " + ChoicesText(rule);
-  if (!HasLimits(rule)) return "a text";
-  return (rule.whole ? "a whole number, " : "a number, ") + LimitText(rule.minimum) + " to " +
-         LimitText(rule.maximum);
+  if (const auto* const words = std::get_if<WordRule>(&rule)) return "one of " + WordsText(*words);
+  if (const auto* const form = std::get_if<TextRule>(&rule)) return form->expected;
+  const auto& limits = std::get<NumberRule>(rule);
+  return (limits.whole ? "a whole number, " : "a number, ") + LimitText(limits.minimum) + " to " +
+         LimitText(limits.maximum);
 }
 
 }  // namespace vane

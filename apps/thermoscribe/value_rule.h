@@ -1,24 +1,38 @@
-// What a value that a person may write can be: a number within limits, or one of some words.
+// What a value that a person may write can be: a number within limits, one of some words, or a text
+// of some form.
 #pragma once
 
 #include <optional>
 #include <string>
 #include <string_view>
+#include <variant>
 #include <vector>
 
 #include "apps/thermoscribe/output.h"
 
 namespace vane {
 
-struct ValueRule {
-  // Of a number; otherwise both are 0.
-  double minimum = 0;
-  double maximum = 0;
+/// A number from `minimum` to `maximum`.
+struct NumberRule {
+  double minimum;
+  double maximum;
   bool whole = false;
-
-  /// The words, in their order; null for any other value.
-  std::vector<std::string> (*choices)() = nullptr;
 };
+
+/// One of some words, in their order; or of some whole numbers that are chosen like words.
+struct WordRule {
+  std::vector<std::string> (*words)();
+  bool arenumbers = false;
+};
+
+/// A text of some form.
+struct TextRule {
+  /// The text as it is kept; nothing where `typed` is none of that form.
+  std::optional<std::string> (*taken)(std::string_view typed);
+  const char* expected;  ///< what it is, as the end of a sentence
+};
+
+using ValueRule = std::variant<NumberRule, WordRule, TextRule>;
 
 /// A word as it is compared: in lower case, without the sign of degrees.
 std::string Folded(std::string_view text);
@@ -27,9 +41,12 @@ std::string Folded(std::string_view text);
 std::optional<double> NumberOf(std::string_view text);
 
 /// The value that a person has typed: a choice in letters of either case and with or without the
-/// sign of degrees, a number within the limits, any text where there is no rule. Nothing when it is
-/// none of these.
+/// sign of degrees, a number within the limits, a text of the form. Nothing when it is none of
+/// these.
 std::optional<Json> ValueOf(const ValueRule& rule, std::string_view text);
+
+/// The words of a rule that has some; none of any other.
+std::vector<std::string> WordsOf(const ValueRule& rule);
 
 /// What can be typed to set `name`: "NAME=", and with each word that there is.
 std::vector<std::string> AssignmentWords(std::string_view name, const ValueRule& rule);
@@ -37,7 +54,7 @@ std::vector<std::string> AssignmentWords(std::string_view name, const ValueRule&
 /// What `ValueOf` would give, whether a program has written it or a person has changed it.
 bool Allows(const ValueRule& rule, const Json& value);
 
-/// "2 to 200", or "None, Average, Exponential"; empty where there is no rule.
+/// "2 to 200", or "None, Average, Exponential"; empty for a text.
 std::string AllowedText(const ValueRule& rule);
 
 /// The same as the end of a sentence that refuses a value: "one of ...", "a whole number, ...". The
