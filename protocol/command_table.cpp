@@ -43,140 +43,144 @@ constexpr ReplyForm kReference = WordsInEitherCase("EXT|EXTERNAL|1 OHM|10 OHM|10
 
 // A command without a form changes something. Both inputs are always there, so no readout has fewer
 // than two channels. A log's reading is any text: who downloads a log knows a bad one himself.
+// A command's symbol is its name, spelled out.
+#define COMMAND(name, ...) \
+  { ECommand::name, #name, __VA_ARGS__ }
 constexpr CommandRow kCommands[] = {
-    {0, "WRITE_INITIALIZE", "INIT"},
-    {5, "READ_PROTECT_CONVERSION", "PROTECT:CONVERSION?", kProtection},
-    {6, "READ_PROTECT_CALIBRATION", "PROTECT:CALIBRATION?", kProtection},
-    {7, "READ_PROTECT_SAMPLING", "PROTECT:SAMPLING?", kProtection},
-    {8, "READ_PROTECT_UNITS_TIME", "PROTECT:UNITS?", kProtection},
-    {10, "WRITE_START_MEASURE", "MEASURE:START"},
-    {11, "WRITE_STOP_MEASURE", "MEASURE:STOP"},
-    {12, "READ_MEASUREMENT", "MEASURE {Channel}?", kNumber},
-    {15, "READ_NEW_DATA", "MEASURE:NEW?", Words("0|1")},
-    {18, "READ_IDENTIFICATION", "ID?", kText},
-    {24, "READ_FILTER_TYPE", "FILTER:TYPE?", Words("NONE|AVERAGE|EXP|EXPONENTIAL")},
-    {25, "WRITE_FILTER_TYPE", "FILTER:TYPE {FilterCode}"},
-    {26, "READ_FILTER_RESPONSE_TIME", "FILTER:RESPONSE?", kNumber},
-    {27, "WRITE_FILTER_RESPONSE_TIME", "FILTER:RESPONSE {value}"},
-    {28, "READ_FILTER_THRESHOLD", "FILTER:THRESHOLD?", kNumber},
-    {29, "WRITE_FILTER_THRESHOLD", "FILTER:THRESHOLD {value}"},
-    {32, "READ_INTERVAL", "SAMPLE:INTERVAL?", kLong},
-    {33, "WRITE_INTERVAL", "SAMPLE:INTERVAL {value}"},
-    {34, "READ_CONVERSION_TIME", "SAMPLE:CONVERSION?", kInteger},
-    {35, "WRITE_CONVERSION_TIME", "SAMPLE:CONVERSION {value}"},
-    {36, "READ_INTEGRATION_TIME", "SAMPLE:INTEGRATION?", kInteger},
-    {37, "WRITE_INTEGRATION_TIME", "SAMPLE:INTEGRATION {value}"},
-    {41, "READ_SCANNER_MODULES", "SCANNER:MODULES?", Whole(0, kMaxInteger - 1)},
-    {43, "READ_CHANNEL_COUNT", "CHANNEL:COUNT?", Whole(2, kMaxInteger)},
-    {54, "READ_REPETITIONS", "SAMPLE:REPETITIONS?", kInteger},
-    {55, "WRITE_REPETITIONS", "SAMPLE:REPETITIONS {value}"},
-    {56, "READ_CHANNEL_MODE", "CHANNEL:MODE?", kNumber},
-    {57, "WRITE_CHANNEL_MODE", "CHANNEL:MODE {value}"},
-    {58, "READ_SAMPLE_N", "SAMPLE:COUNT?", kInteger},
-    {59, "WRITE_SAMPLE_N", "SAMPLE:COUNT {value}"},
-    {60, "READ_SAMPLE_ACTION", "SAMPLE:ACTION?", Words("R|RUN|ST|STOP|SAMPLE N")},
-    {61, "WRITE_SAMPLE_ACTION", "SAMPLE:ACTION {value}"},
-    {66, "READ_RESOLUTION", "RESOLUTION:TEMPERATURE?", kInteger},
-    {67, "WRITE_RESOLUTION", "RESOLUTION:TEMPERATURE {value}"},
-    {68, "READ_RESISTANCE_RESOLUTION", "RESOLUTION:RESISTANCE?", kInteger},
-    {69, "WRITE_RESISTANCE_RESOLUTION", "RESOLUTION:RESISTANCE {value}"},
-    {70, "READ_RATIO_RESOLUTION", "RESOLUTION:RATIO?", kInteger},
-    {71, "WRITE_RATIO_RESOLUTION", "RESOLUTION:RATIO {value}"},
-    {76, "READ_CAL_PARAM", "CAL:PARAM {Index}?", kNumber},
-    {77, "WRITE_CAL_PARAM", "CAL:PARAM {Index} {value}"},
-    {84, "READ_ADC", "CAL:ADC?", kNumber},
-    {85, "WRITE_ADC", "CAL:ADC {value}"},
-    {86, "READ_OVEN", "CAL:OVEN?", WordsInEitherCase("ON|OFF")},
-    {87, "WRITE_OVEN", "CAL:OVEN {value}"},
-    {103, "READ_SCANNER_MEASUREMENT", "SCANNER:MEASURE {Channel}?", kNumber},
-    {104, "READ_SCANNER_SCAN_MODE", "SCANNER:MODE?", kNumber},
-    {105, "WRITE_SCANNER_SCAN_MODE", "SCANNER:MODE {value}"},
-    {106, "READ_SCAN_SEQ_CHANNELS", "SCANNER:SEQUENCE:CHANNELS?", Whole(0, kMaxInteger)},
-    {107, "WRITE_SCAN_SEQ_CHANNELS", "SCANNER:SEQUENCE:CHANNELS {value}"},
-    {108, "READ_SCAN_SEQ_STEPS", "SCANNER:SEQUENCE:STEPS?", Whole(1, kMaxInteger)},
-    {109, "WRITE_SCAN_SEQ_STEPS", "SCANNER:SEQUENCE:STEPS {value}"},
-    {110, "READ_SCAN_STEP", "SCANNER:STEP {Index}?", kScanStep},
-    {111, "WRITE_SCAN_STEP", "SCANNER:STEP {Index} {Channel}"},
-    {112, "READ_SCANNER_PROBE_INDEX", "SCANNER:PROBE {Channel}?", Whole(0, kMaxInteger)},
-    {113, "WRITE_SCANNER_PROBE_INDEX", "SCANNER:PROBE {Channel} {Probe}"},
-    {116, "READ_SCAN_CHANNEL", "SCANNER:CHANNEL?", Whole(0, kMaxInteger)},
-    {117, "WRITE_SCAN_CHANNEL", "SCANNER:CHANNEL {Channel}"},
-    {122, "READ_PROBE_SERIAL", "PROBE {Probe}:SERIAL?", kName},
-    {123, "WRITE_PROBE_SERIAL", "PROBE {Probe}:SERIAL {value}"},
-    {130, "READ_CONVERSION_TYPE", "PROBE {Probe}:CONVERSION?", kConversion},
-    {131, "WRITE_CONVERSION_TYPE", "PROBE {Probe}:CONVERSION {value}"},
-    {136, "READ_PROBE_INDEX", "CHANNEL {Channel}:PROBE?", Whole(0, kMaxInteger)},
-    {137, "WRITE_PROBE_INDEX", "CHANNEL {Channel}:PROBE {Probe}"},
-    {138, "READ_REF_RESISTOR", "PROBE {Probe}:REFERENCE?", kReference},
-    {139, "WRITE_REF_RESISTOR", "PROBE {Probe}:REFERENCE {value}"},
-    {140, "READ_PROBE_CURRENT", "PROBE {Probe}:CURRENT?", kNumber},
-    {141, "WRITE_PROBE_CURRENT", "PROBE {Probe}:CURRENT {value}"},
-    {142, "READ_PROBE_3WIRE_OFFSET", "PROBE {Probe}:OFFSET?", kNumber},
-    {143, "WRITE_PROBE_3WIRE_OFFSET", "PROBE {Probe}:OFFSET {value}"},
-    {168, "READ_UNITS", "UNITS?", Words("C|F|K|OHM|R|RATIO|W")},
-    {169, "WRITE_UNITS", "UNITS {value}"},
-    {205, "READ_ITS90_LOW_RANGE", "PROBE {Probe}:ITS90:LOW:RANGE?", Subrange(1, 5)},
-    {206, "WRITE_ITS90_LOW_RANGE", "PROBE {Probe}:ITS90:LOW:RANGE {value}"},
-    {207, "READ_ITS90_HIGH_RANGE", "PROBE {Probe}:ITS90:HIGH:RANGE?", Subrange(6, 11)},
-    {208, "WRITE_ITS90_HIGH_RANGE", "PROBE {Probe}:ITS90:HIGH:RANGE {value}"},
-    {209, "READ_ITS90_RTPW", "PROBE {Probe}:ITS90:RTPW?", kNumber},
-    {210, "WRITE_ITS90_RTPW", "PROBE {Probe}:ITS90:RTPW {value}"},
-    {211, "READ_ITS90_LOW_A", "PROBE {Probe}:ITS90:LOW {Range}:A?", kNumber},
-    {212, "WRITE_ITS90_LOW_A", "PROBE {Probe}:ITS90:LOW {Range}:A {value}"},
-    {213, "READ_ITS90_LOW_B", "PROBE {Probe}:ITS90:LOW {Range}:B?", kNumber},
-    {214, "WRITE_ITS90_LOW_B", "PROBE {Probe}:ITS90:LOW {Range}:B {value}"},
-    {215, "READ_ITS90_LOW_C", "PROBE {Probe}:ITS90:LOW {Range}:C {Index}?", kNumber},
-    {216, "WRITE_ITS90_LOW_C", "PROBE {Probe}:ITS90:LOW {Range}:C {Index} {value}"},
-    {217, "READ_ITS90_HIGH_A", "PROBE {Probe}:ITS90:HIGH {Range}:A?", kNumber},
-    {218, "WRITE_ITS90_HIGH_A", "PROBE {Probe}:ITS90:HIGH {Range}:A {value}"},
-    {219, "READ_ITS90_HIGH_B", "PROBE {Probe}:ITS90:HIGH {Range}:B?", kNumber},
-    {220, "WRITE_ITS90_HIGH_B", "PROBE {Probe}:ITS90:HIGH {Range}:B {value}"},
-    {221, "READ_ITS90_HIGH_C", "PROBE {Probe}:ITS90:HIGH {Range}:C?", kNumber},
-    {222, "WRITE_ITS90_HIGH_C", "PROBE {Probe}:ITS90:HIGH {Range}:C {value}"},
-    {223, "READ_ITS90_HIGH_D", "PROBE {Probe}:ITS90:HIGH:D?", kNumber},
-    {224, "WRITE_ITS90_HIGH_D", "PROBE {Probe}:ITS90:HIGH:D {value}"},
-    {225, "READ_IPTS68_SCALE", "PROBE {Probe}:IPTS68:SCALE?", WordsInEitherCase("90|68|NONE")},
-    {226, "WRITE_IPTS68_SCALE", "PROBE {Probe}:IPTS68:SCALE {value}"},
-    {229, "READ_IPTS68_R0", "PROBE {Probe}:IPTS68:R0?", kNumber},
-    {230, "WRITE_IPTS68_R0", "PROBE {Probe}:IPTS68:R0 {value}"},
-    {231, "READ_IPTS68_ALPHA", "PROBE {Probe}:IPTS68:ALPHA?", kNumber},
-    {232, "WRITE_IPTS68_ALPHA", "PROBE {Probe}:IPTS68:ALPHA {value}"},
-    {233, "READ_IPTS68_DELTA", "PROBE {Probe}:IPTS68:DELTA?", kNumber},
-    {234, "WRITE_IPTS68_DELTA", "PROBE {Probe}:IPTS68:DELTA {value}"},
-    {239, "READ_IPTS68_A", "PROBE {Probe}:IPTS68:RANGE {Range}:A?", kNumber},
-    {240, "WRITE_IPTS68_A", "PROBE {Probe}:IPTS68:RANGE {Range}:A {value}"},
-    {241, "READ_IPTS68_C", "PROBE {Probe}:IPTS68:RANGE {Range}:C?", kNumber},
-    {242, "WRITE_IPTS68_C", "PROBE {Probe}:IPTS68:RANGE {Range}:C {value}"},
-    {243, "READ_CVD_R0", "PROBE {Probe}:CVD:R0?", kNumber},
-    {244, "WRITE_CVD_R0", "PROBE {Probe}:CVD:R0 {value}"},
-    {245, "READ_CVD_ALPHA", "PROBE {Probe}:CVD:ALPHA?", kNumber},
-    {246, "WRITE_CVD_ALPHA", "PROBE {Probe}:CVD:ALPHA {value}"},
-    {247, "READ_CVD_DELTA", "PROBE {Probe}:CVD:DELTA?", kNumber},
-    {248, "WRITE_CVD_DELTA", "PROBE {Probe}:CVD:DELTA {value}"},
-    {249, "READ_CVD_BETA", "PROBE {Probe}:CVD:BETA?", kNumber},
-    {250, "WRITE_CVD_BETA", "PROBE {Probe}:CVD:BETA {value}"},
-    {257, "READ_THERMISTOR_RT", "PROBE {Probe}:RT:C {Index}?", kNumber},
-    {258, "WRITE_THERMISTOR_RT", "PROBE {Probe}:RT:C {Index} {value}"},
-    {259, "READ_THERMISTOR_TR", "PROBE {Probe}:TR:C {Index}?", kNumber},
-    {260, "WRITE_THERMISTOR_TR", "PROBE {Probe}:TR:C {Index} {value}"},
-    {261, "READ_POLYNOMIAL", "PROBE {Probe}:POLY:C {Index}?", kNumber},
-    {262, "WRITE_POLYNOMIAL", "PROBE {Probe}:POLY:C {Index} {value}"},
-    {275, "READ_HISTORY_LOG", "LOG:HISTORY {Index}?", kAny},
-    {276, "READ_MEMORY_LOG", "LOG:MEMORY {Index}?", kAny},
-    {288, "WRITE_DATE", "CLOCK:DATE {value}"},
-    {290, "WRITE_TIME", "CLOCK:TIME {value}"},
+    COMMAND(WRITE_INITIALIZE, "INIT"),
+    COMMAND(READ_PROTECT_CONVERSION, "PROTECT:CONVERSION?", kProtection),
+    COMMAND(READ_PROTECT_CALIBRATION, "PROTECT:CALIBRATION?", kProtection),
+    COMMAND(READ_PROTECT_SAMPLING, "PROTECT:SAMPLING?", kProtection),
+    COMMAND(READ_PROTECT_UNITS_TIME, "PROTECT:UNITS?", kProtection),
+    COMMAND(WRITE_START_MEASURE, "MEASURE:START"),
+    COMMAND(WRITE_STOP_MEASURE, "MEASURE:STOP"),
+    COMMAND(READ_MEASUREMENT, "MEASURE {Channel}?", kNumber),
+    COMMAND(READ_NEW_DATA, "MEASURE:NEW?", Words("0|1")),
+    COMMAND(READ_IDENTIFICATION, "ID?", kText),
+    COMMAND(READ_FILTER_TYPE, "FILTER:TYPE?", Words("NONE|AVERAGE|EXP|EXPONENTIAL")),
+    COMMAND(WRITE_FILTER_TYPE, "FILTER:TYPE {FilterCode}"),
+    COMMAND(READ_FILTER_RESPONSE_TIME, "FILTER:RESPONSE?", kNumber),
+    COMMAND(WRITE_FILTER_RESPONSE_TIME, "FILTER:RESPONSE {value}"),
+    COMMAND(READ_FILTER_THRESHOLD, "FILTER:THRESHOLD?", kNumber),
+    COMMAND(WRITE_FILTER_THRESHOLD, "FILTER:THRESHOLD {value}"),
+    COMMAND(READ_INTERVAL, "SAMPLE:INTERVAL?", kLong),
+    COMMAND(WRITE_INTERVAL, "SAMPLE:INTERVAL {value}"),
+    COMMAND(READ_CONVERSION_TIME, "SAMPLE:CONVERSION?", kInteger),
+    COMMAND(WRITE_CONVERSION_TIME, "SAMPLE:CONVERSION {value}"),
+    COMMAND(READ_INTEGRATION_TIME, "SAMPLE:INTEGRATION?", kInteger),
+    COMMAND(WRITE_INTEGRATION_TIME, "SAMPLE:INTEGRATION {value}"),
+    COMMAND(READ_SCANNER_MODULES, "SCANNER:MODULES?", Whole(0, kMaxInteger - 1)),
+    COMMAND(READ_CHANNEL_COUNT, "CHANNEL:COUNT?", Whole(2, kMaxInteger)),
+    COMMAND(READ_REPETITIONS, "SAMPLE:REPETITIONS?", kInteger),
+    COMMAND(WRITE_REPETITIONS, "SAMPLE:REPETITIONS {value}"),
+    COMMAND(READ_CHANNEL_MODE, "CHANNEL:MODE?", kNumber),
+    COMMAND(WRITE_CHANNEL_MODE, "CHANNEL:MODE {value}"),
+    COMMAND(READ_SAMPLE_N, "SAMPLE:COUNT?", kInteger),
+    COMMAND(WRITE_SAMPLE_N, "SAMPLE:COUNT {value}"),
+    COMMAND(READ_SAMPLE_ACTION, "SAMPLE:ACTION?", Words("R|RUN|ST|STOP|SAMPLE N")),
+    COMMAND(WRITE_SAMPLE_ACTION, "SAMPLE:ACTION {value}"),
+    COMMAND(READ_RESOLUTION, "RESOLUTION:TEMPERATURE?", kInteger),
+    COMMAND(WRITE_RESOLUTION, "RESOLUTION:TEMPERATURE {value}"),
+    COMMAND(READ_RESISTANCE_RESOLUTION, "RESOLUTION:RESISTANCE?", kInteger),
+    COMMAND(WRITE_RESISTANCE_RESOLUTION, "RESOLUTION:RESISTANCE {value}"),
+    COMMAND(READ_RATIO_RESOLUTION, "RESOLUTION:RATIO?", kInteger),
+    COMMAND(WRITE_RATIO_RESOLUTION, "RESOLUTION:RATIO {value}"),
+    COMMAND(READ_CAL_PARAM, "CAL:PARAM {Index}?", kNumber),
+    COMMAND(WRITE_CAL_PARAM, "CAL:PARAM {Index} {value}"),
+    COMMAND(READ_ADC, "CAL:ADC?", kNumber),
+    COMMAND(WRITE_ADC, "CAL:ADC {value}"),
+    COMMAND(READ_OVEN, "CAL:OVEN?", WordsInEitherCase("ON|OFF")),
+    COMMAND(WRITE_OVEN, "CAL:OVEN {value}"),
+    COMMAND(READ_SCANNER_MEASUREMENT, "SCANNER:MEASURE {Channel}?", kNumber),
+    COMMAND(READ_SCANNER_SCAN_MODE, "SCANNER:MODE?", kNumber),
+    COMMAND(WRITE_SCANNER_SCAN_MODE, "SCANNER:MODE {value}"),
+    COMMAND(READ_SCAN_SEQ_CHANNELS, "SCANNER:SEQUENCE:CHANNELS?", Whole(0, kMaxInteger)),
+    COMMAND(WRITE_SCAN_SEQ_CHANNELS, "SCANNER:SEQUENCE:CHANNELS {value}"),
+    COMMAND(READ_SCAN_SEQ_STEPS, "SCANNER:SEQUENCE:STEPS?", Whole(1, kMaxInteger)),
+    COMMAND(WRITE_SCAN_SEQ_STEPS, "SCANNER:SEQUENCE:STEPS {value}"),
+    COMMAND(READ_SCAN_STEP, "SCANNER:STEP {Index}?", kScanStep),
+    COMMAND(WRITE_SCAN_STEP, "SCANNER:STEP {Index} {Channel}"),
+    COMMAND(READ_SCANNER_PROBE_INDEX, "SCANNER:PROBE {Channel}?", Whole(0, kMaxInteger)),
+    COMMAND(WRITE_SCANNER_PROBE_INDEX, "SCANNER:PROBE {Channel} {Probe}"),
+    COMMAND(READ_SCAN_CHANNEL, "SCANNER:CHANNEL?", Whole(0, kMaxInteger)),
+    COMMAND(WRITE_SCAN_CHANNEL, "SCANNER:CHANNEL {Channel}"),
+    COMMAND(READ_PROBE_SERIAL, "PROBE {Probe}:SERIAL?", kName),
+    COMMAND(WRITE_PROBE_SERIAL, "PROBE {Probe}:SERIAL {value}"),
+    COMMAND(READ_CONVERSION_TYPE, "PROBE {Probe}:CONVERSION?", kConversion),
+    COMMAND(WRITE_CONVERSION_TYPE, "PROBE {Probe}:CONVERSION {value}"),
+    COMMAND(READ_PROBE_INDEX, "CHANNEL {Channel}:PROBE?", Whole(0, kMaxInteger)),
+    COMMAND(WRITE_PROBE_INDEX, "CHANNEL {Channel}:PROBE {Probe}"),
+    COMMAND(READ_REF_RESISTOR, "PROBE {Probe}:REFERENCE?", kReference),
+    COMMAND(WRITE_REF_RESISTOR, "PROBE {Probe}:REFERENCE {value}"),
+    COMMAND(READ_PROBE_CURRENT, "PROBE {Probe}:CURRENT?", kNumber),
+    COMMAND(WRITE_PROBE_CURRENT, "PROBE {Probe}:CURRENT {value}"),
+    COMMAND(READ_PROBE_3WIRE_OFFSET, "PROBE {Probe}:OFFSET?", kNumber),
+    COMMAND(WRITE_PROBE_3WIRE_OFFSET, "PROBE {Probe}:OFFSET {value}"),
+    COMMAND(READ_UNITS, "UNITS?", Words("C|F|K|OHM|R|RATIO|W")),
+    COMMAND(WRITE_UNITS, "UNITS {value}"),
+    COMMAND(READ_ITS90_LOW_RANGE, "PROBE {Probe}:ITS90:LOW:RANGE?", Subrange(1, 5)),
+    COMMAND(WRITE_ITS90_LOW_RANGE, "PROBE {Probe}:ITS90:LOW:RANGE {value}"),
+    COMMAND(READ_ITS90_HIGH_RANGE, "PROBE {Probe}:ITS90:HIGH:RANGE?", Subrange(6, 11)),
+    COMMAND(WRITE_ITS90_HIGH_RANGE, "PROBE {Probe}:ITS90:HIGH:RANGE {value}"),
+    COMMAND(READ_ITS90_RTPW, "PROBE {Probe}:ITS90:RTPW?", kNumber),
+    COMMAND(WRITE_ITS90_RTPW, "PROBE {Probe}:ITS90:RTPW {value}"),
+    COMMAND(READ_ITS90_LOW_A, "PROBE {Probe}:ITS90:LOW {Range}:A?", kNumber),
+    COMMAND(WRITE_ITS90_LOW_A, "PROBE {Probe}:ITS90:LOW {Range}:A {value}"),
+    COMMAND(READ_ITS90_LOW_B, "PROBE {Probe}:ITS90:LOW {Range}:B?", kNumber),
+    COMMAND(WRITE_ITS90_LOW_B, "PROBE {Probe}:ITS90:LOW {Range}:B {value}"),
+    COMMAND(READ_ITS90_LOW_C, "PROBE {Probe}:ITS90:LOW {Range}:C {Index}?", kNumber),
+    COMMAND(WRITE_ITS90_LOW_C, "PROBE {Probe}:ITS90:LOW {Range}:C {Index} {value}"),
+    COMMAND(READ_ITS90_HIGH_A, "PROBE {Probe}:ITS90:HIGH {Range}:A?", kNumber),
+    COMMAND(WRITE_ITS90_HIGH_A, "PROBE {Probe}:ITS90:HIGH {Range}:A {value}"),
+    COMMAND(READ_ITS90_HIGH_B, "PROBE {Probe}:ITS90:HIGH {Range}:B?", kNumber),
+    COMMAND(WRITE_ITS90_HIGH_B, "PROBE {Probe}:ITS90:HIGH {Range}:B {value}"),
+    COMMAND(READ_ITS90_HIGH_C, "PROBE {Probe}:ITS90:HIGH {Range}:C?", kNumber),
+    COMMAND(WRITE_ITS90_HIGH_C, "PROBE {Probe}:ITS90:HIGH {Range}:C {value}"),
+    COMMAND(READ_ITS90_HIGH_D, "PROBE {Probe}:ITS90:HIGH:D?", kNumber),
+    COMMAND(WRITE_ITS90_HIGH_D, "PROBE {Probe}:ITS90:HIGH:D {value}"),
+    COMMAND(READ_IPTS68_SCALE, "PROBE {Probe}:IPTS68:SCALE?", WordsInEitherCase("90|68|NONE")),
+    COMMAND(WRITE_IPTS68_SCALE, "PROBE {Probe}:IPTS68:SCALE {value}"),
+    COMMAND(READ_IPTS68_R0, "PROBE {Probe}:IPTS68:R0?", kNumber),
+    COMMAND(WRITE_IPTS68_R0, "PROBE {Probe}:IPTS68:R0 {value}"),
+    COMMAND(READ_IPTS68_ALPHA, "PROBE {Probe}:IPTS68:ALPHA?", kNumber),
+    COMMAND(WRITE_IPTS68_ALPHA, "PROBE {Probe}:IPTS68:ALPHA {value}"),
+    COMMAND(READ_IPTS68_DELTA, "PROBE {Probe}:IPTS68:DELTA?", kNumber),
+    COMMAND(WRITE_IPTS68_DELTA, "PROBE {Probe}:IPTS68:DELTA {value}"),
+    COMMAND(READ_IPTS68_A, "PROBE {Probe}:IPTS68:RANGE {Range}:A?", kNumber),
+    COMMAND(WRITE_IPTS68_A, "PROBE {Probe}:IPTS68:RANGE {Range}:A {value}"),
+    COMMAND(READ_IPTS68_C, "PROBE {Probe}:IPTS68:RANGE {Range}:C?", kNumber),
+    COMMAND(WRITE_IPTS68_C, "PROBE {Probe}:IPTS68:RANGE {Range}:C {value}"),
+    COMMAND(READ_CVD_R0, "PROBE {Probe}:CVD:R0?", kNumber),
+    COMMAND(WRITE_CVD_R0, "PROBE {Probe}:CVD:R0 {value}"),
+    COMMAND(READ_CVD_ALPHA, "PROBE {Probe}:CVD:ALPHA?", kNumber),
+    COMMAND(WRITE_CVD_ALPHA, "PROBE {Probe}:CVD:ALPHA {value}"),
+    COMMAND(READ_CVD_DELTA, "PROBE {Probe}:CVD:DELTA?", kNumber),
+    COMMAND(WRITE_CVD_DELTA, "PROBE {Probe}:CVD:DELTA {value}"),
+    COMMAND(READ_CVD_BETA, "PROBE {Probe}:CVD:BETA?", kNumber),
+    COMMAND(WRITE_CVD_BETA, "PROBE {Probe}:CVD:BETA {value}"),
+    COMMAND(READ_THERMISTOR_RT, "PROBE {Probe}:RT:C {Index}?", kNumber),
+    COMMAND(WRITE_THERMISTOR_RT, "PROBE {Probe}:RT:C {Index} {value}"),
+    COMMAND(READ_THERMISTOR_TR, "PROBE {Probe}:TR:C {Index}?", kNumber),
+    COMMAND(WRITE_THERMISTOR_TR, "PROBE {Probe}:TR:C {Index} {value}"),
+    COMMAND(READ_POLYNOMIAL, "PROBE {Probe}:POLY:C {Index}?", kNumber),
+    COMMAND(WRITE_POLYNOMIAL, "PROBE {Probe}:POLY:C {Index} {value}"),
+    COMMAND(READ_HISTORY_LOG, "LOG:HISTORY {Index}?", kAny),
+    COMMAND(READ_MEMORY_LOG, "LOG:MEMORY {Index}?", kAny),
+    COMMAND(WRITE_DATE, "CLOCK:DATE {value}"),
+    COMMAND(WRITE_TIME, "CLOCK:TIME {value}"),
 };
+#undef COMMAND
 
 struct FieldName {
   std::string_view name;
-  std::string Fields::*member;
+  std::string CommandParams::*member;
   bool endstext;  // may be empty, and nothing follows it
 };
 
 constexpr FieldName kFieldNames[] = {
-    {"value", &Fields::value, true},  {"Channel", &Fields::Channel, false},
-    {"Probe", &Fields::Probe, false}, {"Range", &Fields::Range, false},
-    {"Index", &Fields::Index, false}, {"FilterCode", &Fields::FilterCode, true},
+    {"value", &CommandParams::value, true},  {"Channel", &CommandParams::Channel, false},
+    {"Probe", &CommandParams::Probe, false}, {"Range", &CommandParams::Range, false},
+    {"Index", &CommandParams::Index, false}, {"FilterCode", &CommandParams::FilterCode, true},
 };
 
 // The text between the braces that open at `text[at]`.
@@ -190,6 +194,9 @@ constexpr const FieldName* FindField(std::string_view name) {
   }
   return nullptr;
 }
+
+constexpr std::string_view kRead = "READ_";
+constexpr std::string_view kWrite = "WRITE_";
 
 // Every word of the list stands between two others or an end, and is at least one character.
 constexpr bool AreSoundWords(std::string_view words) {
@@ -213,6 +220,18 @@ constexpr bool IsSoundForm(const ReplyForm& form, bool isread) {
          (!form.maybenothing || form.kind == EReply::WHOLE);
 }
 
+// A write stands behind the read of its setting and has the number that belongs to it; one that
+// stands elsewhere has no read.
+constexpr bool IsInPlace(std::span<const CommandRow> rows, std::size_t place) {
+  const CommandRow& row = rows[place];
+  if (row.IsRead()) return true;
+  const auto reads = [&](const CommandRow& other) {
+    return other.IsRead() && other.symbol.substr(kRead.size()) == row.symbol.substr(kWrite.size());
+  };
+  if (place > 0 && reads(rows[place - 1])) return WriteOf(rows[place - 1].id) == row.id;
+  return std::ranges::none_of(rows, reads);
+}
+
 // Ids rise, symbols and texts are unique, every place names a field, and a field that takes the
 // rest of the line is the last thing in it. Every form goes with its command.
 constexpr bool IsSound(std::span<const CommandRow> rows) {
@@ -222,7 +241,8 @@ constexpr bool IsSound(std::span<const CommandRow> rows) {
     for (std::size_t j = 0; j < i; ++j) {
       if (rows[j].symbol == rows[i].symbol || rows[j].text == text) return false;
     }
-    if (rows[i].symbol.starts_with("READ_") != rows[i].IsRead()) return false;
+    if (!rows[i].symbol.starts_with(rows[i].IsRead() ? kRead : kWrite)) return false;
+    if (!IsInPlace(rows, i)) return false;
     if (!IsSoundForm(rows[i].form, rows[i].IsRead())) return false;
     for (std::size_t at = text.find('{'); at != text.npos; at = text.find('{', at + 1)) {
       const FieldName* field = FindField(NameAt(text, at));
@@ -244,7 +264,7 @@ constexpr bool IsPrintable(char c) { return c >= ' ' && c <= '~'; }
 constexpr char Upper(char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; }
 
 // Fits `command` to one row's text from left to right.
-bool Fits(std::string_view text, std::string_view command, Fields& fields) {
+bool Fits(std::string_view text, std::string_view command, CommandParams& fields) {
   std::size_t at = 0;
   for (std::size_t i = 0; i < text.size(); ++i) {
     if (text[i] != '{') {
@@ -270,12 +290,12 @@ bool Fits(std::string_view text, std::string_view command, Fields& fields) {
 
 std::span<const CommandRow> CommandTable() { return kCommands; }
 
-const CommandRow* FindCommand(std::int32_t id) {
+const CommandRow* FindCommand(ECommand id) {
   const auto row = std::ranges::lower_bound(kCommands, id, {}, &CommandRow::id);
   return row != std::end(kCommands) && row->id == id ? &*row : nullptr;
 }
 
-std::optional<std::string> BuildCommand(const CommandRow& row, const Fields& fields,
+std::optional<std::string> BuildCommand(const CommandRow& row, const CommandParams& fields,
                                         std::string& problem) {
   std::string command;
   command.reserve(row.text.size() + 24);

@@ -6,34 +6,22 @@
 // two together.
 #pragma once
 
-#include <cstdint>
 #include <optional>
 #include <span>
 #include <string>
 #include <string_view>
 
 #include "protocol/reply_form.h"
+#include "vane/components/commands.h"
 
 namespace vane::protocol {
 
-/// The fields of a command, by the names that stand between the braces of a wire text.
-struct Fields {
-  std::string value;
-  std::string Channel;
-  std::string Probe;
-  std::string Range;
-  std::string Index;
-  std::string FilterCode;
-
-  friend bool operator==(const Fields&, const Fields&) = default;
-};
-
 /// One command. A text that ends in "?" asks for a value; every other one changes something and is
-/// answered with an empty value. "{Probe}" is a place for that field; "{value}" and "{FilterCode}"
-/// stand last in a text and may be empty, all other fields must be there.
+/// answered with an empty value. "{Probe}" is a place for that field of `CommandParams`; "{value}"
+/// and "{FilterCode}" stand last in a text and may be empty, all other fields must be there.
 struct CommandRow {
-  std::int32_t id;
-  std::string_view symbol;
+  ECommand id;
+  std::string_view symbol;  ///< the name of `id`
   std::string_view text;
   ReplyForm form = {};
 
@@ -44,7 +32,7 @@ struct CommandRow {
 std::span<const CommandRow> CommandTable();
 
 /// The row of `id`; null when there is none.
-const CommandRow* FindCommand(std::int32_t id);
+const CommandRow* FindCommand(ECommand id);
 
 /// The command that gives the passcode. It has no id: it goes out as raw text.
 inline constexpr std::string_view kPasscodeCommand = "PC?";
@@ -52,13 +40,13 @@ inline constexpr ReplyForm kPasscodeForm{.kind = EReply::NAME};
 
 /// The wire text of `row` with its places filled, or nothing with the reason in `problem`: a field
 /// that must be there is empty, or one holds a character that can't travel in its place.
-std::optional<std::string> BuildCommand(const CommandRow& row, const Fields& fields,
+std::optional<std::string> BuildCommand(const CommandRow& row, const CommandParams& fields,
                                         std::string& problem);
 
 /// A command as it came in: its row and what stood in its places.
 struct ParsedCommand {
   const CommandRow* row;
-  Fields fields;
+  CommandParams fields;
 };
 
 /// Finds the row whose text `command` fits. Fixed words are matched without regard to case; nothing

@@ -11,48 +11,40 @@
 namespace vane::simulator {
 namespace {
 
-using protocol::Fields;
-
-// The ids that other code of this file asks for by name.
-constexpr std::int32_t kInterval = 32;
-constexpr std::int32_t kTemperatureResolution = 66;
-constexpr std::int32_t kResistanceResolution = 68;
-constexpr std::int32_t kRatioResolution = 70;
-constexpr std::int32_t kCalParam = 76;
-constexpr std::int32_t kUnits = 168;
+using enum ECommand;
 
 struct NumberSetting {
-  std::int32_t read_id;  // the write has the next one
+  ECommand read;
   bool whole;
   double lowest;
   double highest;
   double at_start;
-  std::string_view index = {};                   // of a setting that has several
-  std::string Fields::*source = &Fields::value;  // where a write carries the number
+  std::string_view index = {};                                 // of a setting that has several
+  std::string CommandParams::*source = &CommandParams::value;  // where a write carries the number
 };
 
 constexpr NumberSetting kNumbers[] = {
-    {26, false, 2, 200, 4},
-    {28, false, 0.0001, 1e6, 0.01},
-    {kInterval, true, 2, 99999, 2},
-    {34, true, 2, 10, 2},
-    {36, true, 2, 9999, 2},
-    {54, true, 1, 32000, 1},
-    {56, true, 0, 4, 2},
-    {58, true, 1, 32000, 10},
-    {kTemperatureResolution, true, 0, 8, 4},
-    {kResistanceResolution, true, 0, 8, 5},
-    {kRatioResolution, true, 0, 8, 7},
-    {kCalParam, false, 0.1, 990000, 25.00014, "0"},
-    {kCalParam, false, 0.1, 5, 0.9999812, "1"},
-    {kCalParam, false, 5, 50, 10.000123, "2"},
-    {kCalParam, false, 50, 500, 99.99871, "3"},
-    {kCalParam, false, 5000, 1e6, 10000.37, "4"},
-    {84, false, -3, 3, 0.12},
-    {104, true, 1, 5, 1},
-    {106, true, 1, 10, 10},
-    {108, true, 1, 100, 5},
-    {116, true, 1, 10, 1, {}, &Fields::Channel},
+    {READ_FILTER_RESPONSE_TIME, false, 2, 200, 4},
+    {READ_FILTER_THRESHOLD, false, 0.0001, 1e6, 0.01},
+    {READ_INTERVAL, true, 2, 99999, 2},
+    {READ_CONVERSION_TIME, true, 2, 10, 2},
+    {READ_INTEGRATION_TIME, true, 2, 9999, 2},
+    {READ_REPETITIONS, true, 1, 32000, 1},
+    {READ_CHANNEL_MODE, true, 0, 4, 2},
+    {READ_SAMPLE_N, true, 1, 32000, 10},
+    {READ_RESOLUTION, true, 0, 8, 4},
+    {READ_RESISTANCE_RESOLUTION, true, 0, 8, 5},
+    {READ_RATIO_RESOLUTION, true, 0, 8, 7},
+    {READ_CAL_PARAM, false, 0.1, 990000, 25.00014, "0"},
+    {READ_CAL_PARAM, false, 0.1, 5, 0.9999812, "1"},
+    {READ_CAL_PARAM, false, 5, 50, 10.000123, "2"},
+    {READ_CAL_PARAM, false, 50, 500, 99.99871, "3"},
+    {READ_CAL_PARAM, false, 5000, 1e6, 10000.37, "4"},
+    {READ_ADC, false, -3, 3, 0.12},
+    {READ_SCANNER_SCAN_MODE, true, 1, 5, 1},
+    {READ_SCAN_SEQ_CHANNELS, true, 1, 10, 10},
+    {READ_SCAN_SEQ_STEPS, true, 1, 100, 5},
+    {READ_SCAN_CHANNEL, true, 1, 10, 1, {}, &CommandParams::Channel},
 };
 
 constexpr Word kFilters[] = {{"n", "NONE"}, {"a", "AVERAGE"}, {"e", "EXPONENTIAL"}};
@@ -63,27 +55,27 @@ constexpr Word kUnitWords[] = {{"C", "C"},   {"F", "F"},     {"K", "K"},
                                {"O", "OHM"}, {"R", "RATIO"}, {"W", "W"}};
 
 struct WordSetting {
-  std::int32_t read_id;
+  ECommand read;
   std::span<const Word> words;
   std::size_t at_start;
-  std::string Fields::*source = &Fields::value;
+  std::string CommandParams::*source = &CommandParams::value;
 };
 
 constexpr WordSetting kWords[] = {
-    {24, kFilters, 1, &Fields::FilterCode},
-    {60, kActions, 0},
-    {86, kOven, 0},
-    {kUnits, kUnitWords, 0},
+    {READ_FILTER_TYPE, kFilters, 1, &CommandParams::FilterCode},
+    {READ_SAMPLE_ACTION, kActions, 0},
+    {READ_OVEN, kOven, 0},
+    {READ_UNITS, kUnitWords, 0},
 };
 
-constexpr std::size_t NumberPlace(std::int32_t read_id, std::string_view index = {}) {
+constexpr std::size_t NumberPlace(ECommand read, std::string_view index = {}) {
   std::size_t place = 0;
-  while (kNumbers[place].read_id != read_id || kNumbers[place].index != index) ++place;
+  while (kNumbers[place].read != read || kNumbers[place].index != index) ++place;
   return place;
 }
 
 constexpr std::size_t kUnitsPlace = std::size(kWords) - 1;
-static_assert(kWords[kUnitsPlace].read_id == kUnits);
+static_assert(kWords[kUnitsPlace].read == READ_UNITS);
 
 Reply AnswerNumber(const NumberSetting& setting, const protocol::ParsedCommand& command,
                    double& stored) {
@@ -117,10 +109,9 @@ CInstrumentSettings::CInstrumentSettings() {
 }
 
 std::optional<Reply> CInstrumentSettings::Answer(const protocol::ParsedCommand& command) {
-  const std::int32_t read_id = command.row->IsRead() ? command.row->id : command.row->id - 1;
   bool other_index = false;
   for (std::size_t i = 0; i < std::size(kNumbers); ++i) {
-    if (kNumbers[i].read_id != read_id) continue;
+    if (!IsAbout(command.row->id, kNumbers[i].read)) continue;
     if (kNumbers[i].index.empty() || kNumbers[i].index == command.fields.Index) {
       return AnswerNumber(kNumbers[i], command, numbers_[i]);
     }
@@ -128,7 +119,7 @@ std::optional<Reply> CInstrumentSettings::Answer(const protocol::ParsedCommand& 
   }
   if (other_index) return ERefusal::kOutOfRange;
   for (std::size_t i = 0; i < std::size(kWords); ++i) {
-    if (kWords[i].read_id == read_id) return AnswerWord(kWords[i], command, words_[i]);
+    if (IsAbout(command.row->id, kWords[i].read)) return AnswerWord(kWords[i], command, words_[i]);
   }
   return std::nullopt;
 }
@@ -136,13 +127,13 @@ std::optional<Reply> CInstrumentSettings::Answer(const protocol::ParsedCommand& 
 EUnits CInstrumentSettings::Units() const { return static_cast<EUnits>(words_[kUnitsPlace]); }
 
 std::int32_t CInstrumentSettings::Interval() const {
-  return static_cast<std::int32_t>(numbers_[NumberPlace(kInterval)]);
+  return static_cast<std::int32_t>(numbers_[NumberPlace(READ_INTERVAL)]);
 }
 
 std::int32_t CInstrumentSettings::ReadingDigits() const {
-  constexpr std::size_t kTemperature = NumberPlace(kTemperatureResolution);
-  constexpr std::size_t kResistance = NumberPlace(kResistanceResolution);
-  constexpr std::size_t kRatio = NumberPlace(kRatioResolution);
+  constexpr std::size_t kTemperature = NumberPlace(READ_RESOLUTION);
+  constexpr std::size_t kResistance = NumberPlace(READ_RESISTANCE_RESOLUTION);
+  constexpr std::size_t kRatio = NumberPlace(READ_RATIO_RESOLUTION);
   std::size_t place = kTemperature;
   if (Units() == EUnits::kOhms) place = kResistance;
   if (Units() == EUnits::kRatio || Units() == EUnits::kW) place = kRatio;
@@ -150,7 +141,7 @@ std::int32_t CInstrumentSettings::ReadingDigits() const {
 }
 
 double CInstrumentSettings::ReferenceOhms(std::size_t reference) const {
-  return numbers_.at(NumberPlace(kCalParam, "0") + reference);
+  return numbers_.at(NumberPlace(READ_CAL_PARAM, "0") + reference);
 }
 
 }  // namespace vane::simulator

@@ -11,8 +11,9 @@
 namespace vane::simulator {
 namespace {
 
+using enum ECommand;
+
 constexpr std::size_t kMaxSerialLength = 8;
-constexpr std::int32_t kSerial = 122;
 
 // In the order of EReference, EConversion and EScale. The ohm sign of the display's own character
 // set is a byte above 127.
@@ -26,26 +27,26 @@ constexpr Word kScales[] = {{"90", "90"}, {"68", "68"}};
 constexpr std::string_view kUnknownScaleText = "NONE";
 
 struct WordSetting {
-  std::int32_t read_id;
+  ECommand read;
   std::size_t Probe::*member;
   std::span<const Word> words;
 };
 
 constexpr WordSetting kWords[] = {
-    {130, &Probe::conversion, kConversions},
-    {138, &Probe::reference, kReferences},
-    {225, &Probe::scale, kScales},
+    {READ_CONVERSION_TYPE, &Probe::conversion, kConversions},
+    {READ_REF_RESISTOR, &Probe::reference, kReferences},
+    {READ_IPTS68_SCALE, &Probe::scale, kScales},
 };
 
 struct RangeSetting {
-  std::int32_t read_id;
+  ECommand read;
   std::int32_t Probe::*member;
   std::int32_t lowest;
   std::int32_t highest;
 };
 
-constexpr RangeSetting kLowRange = {205, &Probe::low_range, kNoLowRange, 5};
-constexpr RangeSetting kHighRange = {207, &Probe::high_range, 6, kNoHighRange};
+constexpr RangeSetting kLowRange = {READ_ITS90_LOW_RANGE, &Probe::low_range, kNoLowRange, 5};
+constexpr RangeSetting kHighRange = {READ_ITS90_HIGH_RANGE, &Probe::high_range, 6, kNoHighRange};
 
 // The subranges of ITS-90, from 1.
 constexpr std::string_view kRangeTexts[] = {
@@ -59,43 +60,48 @@ constexpr std::string_view kRangeTexts[] = {
 enum class ERangeRule { kNone, kLow, kHigh, kFour };
 
 struct NumberSetting {
-  std::int32_t read_id;
+  ECommand read;
   std::size_t first;  // place in the record
   ERangeRule range = ERangeRule::kNone;
   std::int32_t count = 1;  // more than one: picked by Index
-  std::int32_t first_index = 0;
+  std::int32_t start = 0;
   double lowest = std::numeric_limits<double>::lowest();
   double highest = std::numeric_limits<double>::max();
 };
 
 constexpr NumberSetting kNumbers[] = {
-    {.read_id = 140, .first = kCurrent, .lowest = 0.0001, .highest = 21},
-    {.read_id = 142, .first = kOffset, .lowest = 0, .highest = 1e6},
-    {.read_id = 209, .first = kRtpw},
-    {.read_id = 211, .first = kLow, .range = ERangeRule::kLow},
-    {.read_id = 213, .first = kLow + 1, .range = ERangeRule::kLow},
-    {.read_id = 215, .first = kLow + 2, .range = ERangeRule::kLow, .count = 5, .first_index = 1},
-    {.read_id = 217, .first = kHigh, .range = ERangeRule::kHigh},
-    {.read_id = 219, .first = kHigh + 1, .range = ERangeRule::kHigh},
-    {.read_id = 221, .first = kHigh + 2, .range = ERangeRule::kHigh},
-    {.read_id = 223, .first = kHigh + 3},
-    {.read_id = 229, .first = kIpts},
-    {.read_id = 231, .first = kIpts + 1},
-    {.read_id = 233, .first = kIpts + 2},
-    {.read_id = 239, .first = kIpts + 3, .range = ERangeRule::kFour},
-    {.read_id = 241, .first = kIpts + 4, .range = ERangeRule::kFour},
-    {.read_id = 243, .first = kCvd},
-    {.read_id = 245, .first = kCvd + 1},
-    {.read_id = 247, .first = kCvd + 2},
-    {.read_id = 249, .first = kCvd + 3},
-    {.read_id = 257, .first = kRt, .count = 4},
-    {.read_id = 259, .first = kTr, .count = 4},
-    {.read_id = 261, .first = kPoly, .count = 11},
+    {.read = READ_PROBE_CURRENT, .first = kCurrent, .lowest = 0.0001, .highest = 21},
+    {.read = READ_PROBE_3WIRE_OFFSET, .first = kOffset, .lowest = 0, .highest = 1e6},
+    {.read = READ_ITS90_RTPW, .first = kRtpw},
+    {.read = READ_ITS90_LOW_A, .first = kLow, .range = ERangeRule::kLow},
+    {.read = READ_ITS90_LOW_B, .first = kLow + 1, .range = ERangeRule::kLow},
+    {.read = READ_ITS90_LOW_C,
+     .first = kLow + 2,
+     .range = ERangeRule::kLow,
+     .count = 5,
+     .start = 1},
+    {.read = READ_ITS90_HIGH_A, .first = kHigh, .range = ERangeRule::kHigh},
+    {.read = READ_ITS90_HIGH_B, .first = kHigh + 1, .range = ERangeRule::kHigh},
+    {.read = READ_ITS90_HIGH_C, .first = kHigh + 2, .range = ERangeRule::kHigh},
+    {.read = READ_ITS90_HIGH_D, .first = kHigh + 3},
+    {.read = READ_IPTS68_R0, .first = kIpts},
+    {.read = READ_IPTS68_ALPHA, .first = kIpts + 1},
+    {.read = READ_IPTS68_DELTA, .first = kIpts + 2},
+    {.read = READ_IPTS68_A, .first = kIpts + 3, .range = ERangeRule::kFour},
+    {.read = READ_IPTS68_C, .first = kIpts + 4, .range = ERangeRule::kFour},
+    {.read = READ_CVD_R0, .first = kCvd},
+    {.read = READ_CVD_ALPHA, .first = kCvd + 1},
+    {.read = READ_CVD_DELTA, .first = kCvd + 2},
+    {.read = READ_CVD_BETA, .first = kCvd + 3},
+    {.read = READ_THERMISTOR_RT, .first = kRt, .count = 4},
+    {.read = READ_THERMISTOR_TR, .first = kTr, .count = 4},
+    {.read = READ_POLYNOMIAL, .first = kPoly, .count = 11},
 };
 
 template <typename Row>
-const Row* FindRow(std::span<const Row> rows, std::int32_t read_id) {
-  const auto row = std::ranges::find(rows, read_id, &Row::read_id);
+const Row* FindRow(std::span<const Row> rows, ECommand command) {
+  const auto row =
+      std::ranges::find_if(rows, [command](const Row& r) { return IsAbout(command, r.read); });
   return row == rows.end() ? nullptr : &*row;
 }
 
@@ -105,7 +111,7 @@ Reply AnswerSerial(const protocol::ParsedCommand& command, Probe& probe) {
   if (text.size() > kMaxSerialLength) return ERefusal::kTextTooLong;
   if (text.empty()) return Reply::Done();
   // What is taken in has to be an answer later.
-  if (!protocol::FitsForm(protocol::FindCommand(kSerial)->form, text)) {
+  if (!protocol::FitsForm(protocol::FindCommand(READ_PROBE_SERIAL)->form, text)) {
     return ERefusal::kNotASerialNumber;
   }
   probe.serial = text;
@@ -163,10 +169,10 @@ Reply AnswerNumber(const NumberSetting& setting, const protocol::ParsedCommand& 
   if (setting.count > 1) {
     const auto index = ParseWhole(command.fields.Index);
     if (!index) return ERefusal::kNotANumber;
-    if (*index < setting.first_index || *index >= setting.first_index + setting.count) {
+    if (*index < setting.start || *index >= setting.start + setting.count) {
       return ERefusal::kOutOfRange;
     }
-    place = *index - setting.first_index;
+    place = *index - setting.start;
   }
   double& stored = probe.numbers.at(setting.first + static_cast<std::size_t>(place));
   if (command.row->IsRead()) return RealText(stored);
@@ -192,14 +198,13 @@ std::optional<Reply> AnswerProbeCommand(const protocol::ParsedCommand& command,
   if (!number) return ERefusal::kOutOfRange;
   Probe& probe = probes[static_cast<std::size_t>(*number - 1)];
 
-  const std::int32_t read_id = command.row->IsRead() ? command.row->id : command.row->id - 1;
-  if (read_id == kSerial) return AnswerSerial(command, probe);
+  const ECommand id = command.row->id;
+  if (IsAbout(id, READ_PROBE_SERIAL)) return AnswerSerial(command, probe);
   for (const RangeSetting& setting : {kLowRange, kHighRange}) {
-    if (setting.read_id == read_id) return AnswerRange(setting, command, probe);
+    if (IsAbout(id, setting.read)) return AnswerRange(setting, command, probe);
   }
-  if (const auto* word = FindRow<WordSetting>(kWords, read_id))
-    return AnswerWord(*word, command, probe);
-  if (const auto* row = FindRow<NumberSetting>(kNumbers, read_id))
+  if (const auto* word = FindRow<WordSetting>(kWords, id)) return AnswerWord(*word, command, probe);
+  if (const auto* row = FindRow<NumberSetting>(kNumbers, id))
     return AnswerNumber(*row, command, probe);
   return std::nullopt;
 }

@@ -11,9 +11,7 @@
 namespace vane::simulator {
 namespace {
 
-constexpr std::int32_t kReadScannerModules = 41;
-constexpr std::int32_t kReadChannelCount = 43;
-constexpr std::int32_t kWriteChannelMode = 57;
+using enum ECommand;
 
 // The channel modes that need a scanner.
 constexpr std::int32_t kFirstScannerMode = 3;
@@ -35,8 +33,8 @@ std::optional<std::int32_t> WholeWithin(std::string_view text, std::int32_t lowe
 }  // namespace
 
 struct CReadout::Handler {
-  std::int32_t id;
-  Reply (CReadout::*answer)(const Fields&);
+  ECommand id;
+  Reply (CReadout::*answer)(const CommandParams&);
 };
 
 CReadout::CReadout(ReadoutOptions options, Clock clock)
@@ -57,8 +55,8 @@ std::optional<std::string> CReadout::Answer(std::string_view command) {
   if (command == protocol::kPasscodeCommand) return Reply(options_.passcode).Body();
   const auto parsed = protocol::ParseCommand(command);
   if (!parsed) return Reply(ERefusal::kUnknownCommand).Body();
-  const std::int32_t id = parsed->row->id;
-  if (id == kReadScannerModules || id == kReadChannelCount) {
+  const ECommand id = parsed->row->id;
+  if (id == READ_SCANNER_MODULES || id == READ_CHANNEL_COUNT) {
     if (IsOldFirmware()) return Reply(ERefusal::kUnknownCommand).Body();
   } else if (!options_.scanner && parsed->row->text.starts_with("SCANNER:")) {
     if (IsOldFirmware()) return std::nullopt;
@@ -79,32 +77,32 @@ bool CReadout::IsOldFirmware() const {
 
 Reply CReadout::Dispatch(const protocol::ParsedCommand& command) {
   static constexpr Handler kHandlers[] = {
-      {0, &CReadout::Initialize},
-      {5, &CReadout::ReadProtectConversion},
-      {6, &CReadout::ReadProtectCalibration},
-      {7, &CReadout::ReadProtectSampling},
-      {8, &CReadout::ReadProtectUnits},
-      {10, &CReadout::StartMeasure},
-      {11, &CReadout::StopMeasure},
-      {12, &CReadout::ReadMeasurement},
-      {15, &CReadout::ReadNewData},
-      {18, &CReadout::ReadIdentification},
-      {kReadScannerModules, &CReadout::ReadScannerModules},
-      {kReadChannelCount, &CReadout::ReadChannelCount},
-      {103, &CReadout::ReadScannerMeasurement},
-      {110, &CReadout::ReadScanStep},
-      {111, &CReadout::WriteScanStep},
-      {112, &CReadout::ReadScannerProbe},
-      {113, &CReadout::WriteScannerProbe},
-      {136, &CReadout::ReadInputProbe},
-      {137, &CReadout::WriteInputProbe},
-      {275, &CReadout::ReadHistoryLog},
-      {276, &CReadout::ReadMemoryLog},
-      {288, &CReadout::WriteDate},
-      {290, &CReadout::WriteTime},
+      {WRITE_INITIALIZE, &CReadout::Initialize},
+      {READ_PROTECT_CONVERSION, &CReadout::ReadProtectConversion},
+      {READ_PROTECT_CALIBRATION, &CReadout::ReadProtectCalibration},
+      {READ_PROTECT_SAMPLING, &CReadout::ReadProtectSampling},
+      {READ_PROTECT_UNITS_TIME, &CReadout::ReadProtectUnits},
+      {WRITE_START_MEASURE, &CReadout::StartMeasure},
+      {WRITE_STOP_MEASURE, &CReadout::StopMeasure},
+      {READ_MEASUREMENT, &CReadout::ReadMeasurement},
+      {READ_NEW_DATA, &CReadout::ReadNewData},
+      {READ_IDENTIFICATION, &CReadout::ReadIdentification},
+      {READ_SCANNER_MODULES, &CReadout::ReadScannerModules},
+      {READ_CHANNEL_COUNT, &CReadout::ReadChannelCount},
+      {READ_SCANNER_MEASUREMENT, &CReadout::ReadScannerMeasurement},
+      {READ_SCAN_STEP, &CReadout::ReadScanStep},
+      {WRITE_SCAN_STEP, &CReadout::WriteScanStep},
+      {READ_SCANNER_PROBE_INDEX, &CReadout::ReadScannerProbe},
+      {WRITE_SCANNER_PROBE_INDEX, &CReadout::WriteScannerProbe},
+      {READ_PROBE_INDEX, &CReadout::ReadInputProbe},
+      {WRITE_PROBE_INDEX, &CReadout::WriteInputProbe},
+      {READ_HISTORY_LOG, &CReadout::ReadHistoryLog},
+      {READ_MEMORY_LOG, &CReadout::ReadMemoryLog},
+      {WRITE_DATE, &CReadout::WriteDate},
+      {WRITE_TIME, &CReadout::WriteTime},
   };
-  const Fields& fields = command.fields;
-  if (command.row->id == kWriteChannelMode && !options_.scanner &&
+  const CommandParams& fields = command.fields;
+  if (command.row->id == WRITE_CHANNEL_MODE && !options_.scanner &&
       WholeWithin(fields.value, kFirstScannerMode, kLastScannerMode)) {
     return ERefusal::kNoScanner;
   }
@@ -121,46 +119,46 @@ Reply CReadout::Dispatch(const protocol::ParsedCommand& command) {
   return (this->*handler->answer)(fields);
 }
 
-Reply CReadout::StartMeasure(const Fields&) {
+Reply CReadout::StartMeasure(const CommandParams&) {
   RestartSamples(Sample(), true);
   return Reply::Done();
 }
 
-Reply CReadout::StopMeasure(const Fields&) {
+Reply CReadout::StopMeasure(const CommandParams&) {
   RestartSamples(Sample(), false);
   return Reply::Done();
 }
 
-Reply CReadout::ReadMeasurement(const Fields& fields) {
+Reply CReadout::ReadMeasurement(const CommandParams& fields) {
   const auto channel = WholeWithin(fields.Channel, 1, kInputs);
   return channel ? Reading(*channel) : ERefusal::kOutOfRange;
 }
 
-Reply CReadout::ReadScannerMeasurement(const Fields& fields) {
+Reply CReadout::ReadScannerMeasurement(const CommandParams& fields) {
   const auto channel = WholeWithin(fields.Channel, 1, kScannerChannels);
   return channel ? Reading(kInputs + *channel) : ERefusal::kOutOfRange;
 }
 
-Reply CReadout::ReadNewData(const Fields&) {
+Reply CReadout::ReadNewData(const CommandParams&) {
   return std::string(Sample() > last_fetched_ ? "1" : "0");
 }
 
-Reply CReadout::ReadScannerModules(const Fields&) {
+Reply CReadout::ReadScannerModules(const CommandParams&) {
   return std::string(options_.scanner ? "1" : "0");
 }
 
-Reply CReadout::ReadChannelCount(const Fields&) {
+Reply CReadout::ReadChannelCount(const CommandParams&) {
   return std::to_string(kInputs + (options_.scanner ? kScannerChannels : 0));
 }
 
-Reply CReadout::ReadScanStep(const Fields& fields) {
+Reply CReadout::ReadScanStep(const CommandParams& fields) {
   const auto step = WholeWithin(fields.Index, 1, kMaxScanSteps);
   if (!step) return ERefusal::kOutOfRange;
   const auto& channel = scan_steps_[static_cast<std::size_t>(*step - 1)];
   return channel ? std::to_string(*channel) : std::string();
 }
 
-Reply CReadout::WriteScanStep(const Fields& fields) {
+Reply CReadout::WriteScanStep(const CommandParams& fields) {
   const auto step = WholeWithin(fields.Index, 1, kMaxScanSteps);
   const auto channel = WholeWithin(fields.Channel, 0, kScannerChannels);
   if (!step || !channel) return ERefusal::kOutOfRange;
@@ -168,23 +166,31 @@ Reply CReadout::WriteScanStep(const Fields& fields) {
   return Reply::Done();
 }
 
-Reply CReadout::ReadInputProbe(const Fields& fields) { return ReadProbeOf(0, kInputs, fields); }
+Reply CReadout::ReadInputProbe(const CommandParams& fields) {
+  return ReadProbeOf(0, kInputs, fields);
+}
 
-Reply CReadout::WriteInputProbe(const Fields& fields) { return WriteProbeOf(0, kInputs, fields); }
+Reply CReadout::WriteInputProbe(const CommandParams& fields) {
+  return WriteProbeOf(0, kInputs, fields);
+}
 
-Reply CReadout::ReadScannerProbe(const Fields& fields) {
+Reply CReadout::ReadScannerProbe(const CommandParams& fields) {
   return ReadProbeOf(kInputs, kScannerChannels, fields);
 }
 
-Reply CReadout::WriteScannerProbe(const Fields& fields) {
+Reply CReadout::WriteScannerProbe(const CommandParams& fields) {
   return WriteProbeOf(kInputs, kScannerChannels, fields);
 }
 
-Reply CReadout::ReadHistoryLog(const Fields& fields) { return ReadLog(ELog::kHistory, fields); }
+Reply CReadout::ReadHistoryLog(const CommandParams& fields) {
+  return ReadLog(ELog::kHistory, fields);
+}
 
-Reply CReadout::ReadMemoryLog(const Fields& fields) { return ReadLog(ELog::kMemory, fields); }
+Reply CReadout::ReadMemoryLog(const CommandParams& fields) {
+  return ReadLog(ELog::kMemory, fields);
+}
 
-Reply CReadout::WriteDate(const Fields& fields) {
+Reply CReadout::WriteDate(const CommandParams& fields) {
   if (fields.value.empty()) return Reply::Done();
   const auto date = ParseDate(fields.value);
   if (!date) return ERefusal::kNotADateOrTime;
@@ -193,7 +199,7 @@ Reply CReadout::WriteDate(const Fields& fields) {
   return Reply::Done();
 }
 
-Reply CReadout::WriteTime(const Fields& fields) {
+Reply CReadout::WriteTime(const CommandParams& fields) {
   if (fields.value.empty()) return Reply::Done();
   const auto time = ParseTimeOfDay(fields.value);
   if (!time) return ERefusal::kNotADateOrTime;
@@ -231,13 +237,13 @@ Reply CReadout::Reading(std::int32_t channel) {
   return FixedText(value, settings_.ReadingDigits());
 }
 
-Reply CReadout::ReadProbeOf(std::int32_t first, std::int32_t count, const Fields& fields) {
+Reply CReadout::ReadProbeOf(std::int32_t first, std::int32_t count, const CommandParams& fields) {
   const auto channel = WholeWithin(fields.Channel, 1, count);
   if (!channel) return ERefusal::kOutOfRange;
   return std::to_string(probe_of_channel_[static_cast<std::size_t>(first + *channel - 1)]);
 }
 
-Reply CReadout::WriteProbeOf(std::int32_t first, std::int32_t count, const Fields& fields) {
+Reply CReadout::WriteProbeOf(std::int32_t first, std::int32_t count, const CommandParams& fields) {
   const auto channel = WholeWithin(fields.Channel, 1, count);
   const auto probe = ParseProbeNumber(fields.Probe);
   if (!channel || !probe) return ERefusal::kOutOfRange;
@@ -245,7 +251,7 @@ Reply CReadout::WriteProbeOf(std::int32_t first, std::int32_t count, const Field
   return Reply::Done();
 }
 
-Reply CReadout::ReadLog(ELog log, const Fields& fields) const {
+Reply CReadout::ReadLog(ELog log, const CommandParams& fields) const {
   const auto index = ParseWhole(fields.Index);
   if (!index) return ERefusal::kNotANumber;
   if (*index < 1) return ERefusal::kOutOfRange;

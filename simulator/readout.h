@@ -56,41 +56,40 @@ class CReadout {
   std::chrono::sys_seconds ClockTime() const;
 
  private:
-  using Fields = protocol::Fields;
   struct Handler;
 
   bool IsOldFirmware() const;
   Reply Dispatch(const protocol::ParsedCommand& command);
 
-  Reply Initialize(const Fields&) { return Reply::Done(); }
-  Reply ReadProtectConversion(const Fields&) { return OnOff(options_.protect_conversion); }
-  Reply ReadProtectCalibration(const Fields&) { return OnOff(options_.protect_calibration); }
-  Reply ReadProtectSampling(const Fields&) { return OnOff(options_.protect_sampling); }
-  Reply ReadProtectUnits(const Fields&) { return OnOff(options_.protect_units); }
-  Reply StartMeasure(const Fields& fields);
-  Reply StopMeasure(const Fields& fields);
-  Reply ReadMeasurement(const Fields& fields);
-  Reply ReadScannerMeasurement(const Fields& fields);
-  Reply ReadNewData(const Fields& fields);
-  Reply ReadIdentification(const Fields&) { return Identification(); }
-  Reply ReadScannerModules(const Fields& fields);
-  Reply ReadChannelCount(const Fields& fields);
-  Reply ReadScanStep(const Fields& fields);
-  Reply WriteScanStep(const Fields& fields);
-  Reply ReadInputProbe(const Fields& fields);
-  Reply WriteInputProbe(const Fields& fields);
-  Reply ReadScannerProbe(const Fields& fields);
-  Reply WriteScannerProbe(const Fields& fields);
-  Reply ReadHistoryLog(const Fields& fields);
-  Reply ReadMemoryLog(const Fields& fields);
-  Reply WriteDate(const Fields& fields);
-  Reply WriteTime(const Fields& fields);
+  Reply Initialize(const CommandParams&) { return Reply::Done(); }
+  Reply ReadProtectConversion(const CommandParams&) { return OnOff(options_.protect_conversion); }
+  Reply ReadProtectCalibration(const CommandParams&) { return OnOff(options_.protect_calibration); }
+  Reply ReadProtectSampling(const CommandParams&) { return OnOff(options_.protect_sampling); }
+  Reply ReadProtectUnits(const CommandParams&) { return OnOff(options_.protect_units); }
+  Reply StartMeasure(const CommandParams& fields);
+  Reply StopMeasure(const CommandParams& fields);
+  Reply ReadMeasurement(const CommandParams& fields);
+  Reply ReadScannerMeasurement(const CommandParams& fields);
+  Reply ReadNewData(const CommandParams& fields);
+  Reply ReadIdentification(const CommandParams&) { return Identification(); }
+  Reply ReadScannerModules(const CommandParams& fields);
+  Reply ReadChannelCount(const CommandParams& fields);
+  Reply ReadScanStep(const CommandParams& fields);
+  Reply WriteScanStep(const CommandParams& fields);
+  Reply ReadInputProbe(const CommandParams& fields);
+  Reply WriteInputProbe(const CommandParams& fields);
+  Reply ReadScannerProbe(const CommandParams& fields);
+  Reply WriteScannerProbe(const CommandParams& fields);
+  Reply ReadHistoryLog(const CommandParams& fields);
+  Reply ReadMemoryLog(const CommandParams& fields);
+  Reply WriteDate(const CommandParams& fields);
+  Reply WriteTime(const CommandParams& fields);
 
   static Reply OnOff(bool value) { return std::string(value ? "ON" : "OFF"); }
   Reply Reading(std::int32_t channel);
-  Reply ReadProbeOf(std::int32_t first, std::int32_t count, const Fields& fields);
-  Reply WriteProbeOf(std::int32_t first, std::int32_t count, const Fields& fields);
-  Reply ReadLog(ELog log, const Fields& fields) const;
+  Reply ReadProbeOf(std::int32_t first, std::int32_t count, const CommandParams& fields);
+  Reply WriteProbeOf(std::int32_t first, std::int32_t count, const CommandParams& fields);
+  Reply ReadLog(ELog log, const CommandParams& fields) const;
   void SetClockTime(std::chrono::sys_seconds time);
 
   std::int64_t Sample() const;

@@ -31,7 +31,7 @@ using std::chrono::milliseconds;
 
 constexpr milliseconds kPlenty{5000};
 constexpr milliseconds kShort{100};
-constexpr std::int32_t kReadLog = 275;  // whose answer may be any text
+constexpr ECommand kReadLog = ECommand::READ_HISTORY_LOG;  // whose answer may be any text
 
 // What the readout sends for one line that it got. A text in braces becomes an answer with that
 // body: "{=10}". "{^=10}" carries the tag of the command before, "{~=10}" is damaged. All else goes
@@ -164,7 +164,7 @@ struct Line {
     }
     return 0;
   }
-  std::int32_t ReadError(std::int32_t id, const std::string& text = {}) {
+  std::int32_t ReadError(ECommand id, const std::string& text = {}) {
     return ErrorOf([&] { communications.ReadSetting(id, true, text); });
   }
 
@@ -242,24 +242,30 @@ TEST(SerialCommunications, AnswerOfAnotherFormIsNoAnswer) {
   const std::string id = "T312B, 5.03";
   const std::string longanswer(100, 'x');
   const struct {
-    std::int32_t id;  // -1: the passcode
+    ECommand id;  // RAW: the passcode
     std::vector<std::string> answers;
     std::string reply;  // or what is wrong
   } cases[] = {
-      {32, {id, "10"}, "10"},
-      {32,
+      {ECommand::READ_INTERVAL, {id, "10"}, "10"},
+      {ECommand::READ_INTERVAL,
        {id, id},
        R"("T312B, 5.03" to SAMPLE:INTERVAL?, where a number from -2147483648 to 2147483647)"},
-      {43, {"", "-5"}, R"("-5" to CHANNEL:COUNT?, where a whole number from 2 to 32767)"},
-      {168, {"\\\t" + longanswer, "X"}, R"("X" to UNITS?, where one of C, F, K, OHM, R, RATIO, W)"},
-      {168,
+      {ECommand::READ_CHANNEL_COUNT,
+       {"", "-5"},
+       R"("-5" to CHANNEL:COUNT?, where a whole number from 2 to 32767)"},
+      {ECommand::READ_UNITS,
+       {"\\\t" + longanswer, "X"},
+       R"("X" to UNITS?, where one of C, F, K, OHM, R, RATIO, W)"},
+      {ECommand::READ_UNITS,
        {"X", "\t" + longanswer},
        R"("\x09)" + longanswer.substr(0, 59) + R"(..." to UNITS?, where one of C)"},
-      {110, {id, ""}, ""},
-      {10, {id, ""}, ""},
-      {10, {id, "0"}, R"("0" to MEASURE:START, where nothing)"},
-      {-1, {id, "12 34"}, "12 34"},
-      {-1, {id, id}, "(not shown) to a command that is (not shown), where a text without a comma"},
+      {ECommand::READ_SCAN_STEP, {id, ""}, ""},
+      {ECommand::WRITE_START_MEASURE, {id, ""}, ""},
+      {ECommand::WRITE_START_MEASURE, {id, "0"}, R"("0" to MEASURE:START, where nothing)"},
+      {ECommand::RAW, {id, "12 34"}, "12 34"},
+      {ECommand::RAW,
+       {id, id},
+       "(not shown) to a command that is (not shown), where a text without a comma"},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.reply);
@@ -269,8 +275,8 @@ TEST(SerialCommunications, AnswerOfAnotherFormIsNoAnswer) {
     line.communications.params().Index = "1";
     std::string reply;
     const std::int32_t error = line.ErrorOf([&] {
-      if (c.id == 10) return line.communications.WriteSetting(c.id);
-      reply = line.communications.ReadSetting(c.id, false, c.id == -1 ? "PC?" : "");
+      if (c.id == ECommand::WRITE_START_MEASURE) return line.communications.WriteSetting(c.id);
+      reply = line.communications.ReadSetting(c.id, false, c.id == ECommand::RAW ? "PC?" : "");
     });
     const std::string said = "The readout on " + readout.Path() + " answers ";
     EXPECT_EQ(error, c.reply.find("where") == c.reply.npos ? 0 : ERR_LINE_UNEXPECTED);
@@ -285,7 +291,7 @@ TEST(SerialCommunications, AnswerOfAnotherFormIsNoAnswer) {
 TEST(SerialCommunications, RefusalWithTheNumberOfSilenceIsNoSilence) {
   CScriptedReadout readout({"{!" + std::to_string(ERR_LINE_NO_ANSWER) + " busy}", ""});
   Line line(readout.Path(), kShort);
-  const auto read = [&] { line.communications.ReadSetting(18, false); };
+  const auto read = [&] { line.communications.ReadSetting(ECommand::READ_IDENTIFICATION, false); };
   EXPECT_EQ(line.ErrorOf(read), ERR_LINE_NO_ANSWER);
   EXPECT_TRUE(line.settings->lastfailure.refused);
   EXPECT_EQ(line.ErrorOf(read), 0);
@@ -298,7 +304,7 @@ TEST(SerialCommunications, WriteSendsItsFieldsAndWantsAnEmptyAnswer) {
   line.communications.COMPort().SetCheckNonAscii(false);
   line.communications.params().Probe = "12";
   line.communications.params().value = "-1.5E-03 a";
-  const auto write = [&] { line.communications.WriteSetting(123); };
+  const auto write = [&] { line.communications.WriteSetting(ECommand::WRITE_PROBE_SERIAL); };
   EXPECT_EQ(line.ErrorOf(write), 0);
   EXPECT_EQ(line.ErrorOf(write), ERR_LINE_UNEXPECTED);
   EXPECT_EQ(line.ErrorOf(write), 3);
@@ -315,21 +321,23 @@ TEST(SerialCommunications, WhatCannotBeSentFailsBeforeAnythingIsSent) {
   Line line(readout.Path());
   line.settings->devices[EVanePortNumber::PORT_2] = "/dev/null";
   CVaneCOMPort& port = line.communications.COMPort();
-  EXPECT_EQ(line.ErrorOf([&] { line.communications.WriteSetting(-1); }), ERR_LINE_UNKNOWN_COMMAND);
-  for (const int id : {999, 33}) EXPECT_EQ(line.ReadError(id), ERR_LINE_UNKNOWN_COMMAND);
+  EXPECT_EQ(line.ErrorOf([&] { line.communications.WriteSetting(ECommand::RAW); }),
+            ERR_LINE_UNKNOWN_COMMAND);
+  for (const ECommand id : {ECommand{999}, ECommand::WRITE_INTERVAL})
+    EXPECT_EQ(line.ReadError(id), ERR_LINE_UNKNOWN_COMMAND);
   for (const std::string& text : {std::string(), std::string("PC?\n")}) {
-    EXPECT_EQ(line.ReadError(-1, text), ERR_LINE_BAD_FIELD);
+    EXPECT_EQ(line.ReadError(ECommand::RAW, text), ERR_LINE_BAD_FIELD);
   }
   for (const std::string& channel :
        {std::string(), std::string("1\r\nINIT"), std::string(protocol::kMaxLineLength, '1')}) {
     line.communications.params().Channel = channel;
-    EXPECT_EQ(line.ReadError(12), ERR_LINE_BAD_FIELD);
+    EXPECT_EQ(line.ReadError(ECommand::READ_MEASUREMENT), ERR_LINE_BAD_FIELD);
   }
   line.communications.SetInstrumentKind(3);
-  EXPECT_EQ(line.ReadError(18), ERR_LINE_INSTRUMENT_KIND);
+  EXPECT_EQ(line.ReadError(ECommand::READ_IDENTIFICATION), ERR_LINE_INSTRUMENT_KIND);
   line.communications.SetInstrumentKind(9);
   port.SetBaudRate(EVaneBaudRate::BR_INFRARED);
-  EXPECT_EQ(line.ReadError(18), ERR_LINE_BAUD_RATE);
+  EXPECT_EQ(line.ReadError(ECommand::READ_IDENTIFICATION), ERR_LINE_BAUD_RATE);
   port.SetBaudRate(EVaneBaudRate::BR_9600);
   const std::pair<EVanePortNumber, std::int32_t> ports[] = {
       {EVanePortNumber::PORT_NONE, ERR_LINE_NO_PORT},
@@ -338,7 +346,7 @@ TEST(SerialCommunications, WhatCannotBeSentFailsBeforeAnythingIsSent) {
       {EVanePortNumber::PORT_1, 0}};
   for (const auto& [number, error] : ports) {
     port.SetPortNumber(number);
-    EXPECT_EQ(line.ReadError(18), error);
+    EXPECT_EQ(line.ReadError(ECommand::READ_IDENTIFICATION), error);
   }
   EXPECT_EQ(readout.Commands(), std::vector<std::string>{"ID?"});
 }
@@ -348,11 +356,12 @@ TEST(SerialCommunications, OpensAgainAtTheNextExchangeAfterALoss) {
   const fs::path link = folder / "readout";
   Line line(link.string());
   for (const std::string number : {"1", "2"}) {
-    EXPECT_EQ(line.ReadError(32), number == "1" ? ERR_LINE_NO_PORT : ERR_LINE_LOST);
+    EXPECT_EQ(line.ReadError(ECommand::READ_INTERVAL),
+              number == "1" ? ERR_LINE_NO_PORT : ERR_LINE_LOST);
     CScriptedReadout readout({"{=" + number + "}"});
     fs::remove(link);
     fs::create_symlink(readout.Path(), link);
-    EXPECT_EQ(line.communications.ReadSetting(32), number);
+    EXPECT_EQ(line.communications.ReadSetting(ECommand::READ_INTERVAL), number);
   }
 }
 
@@ -362,12 +371,12 @@ TEST(SerialCommunications, HoldsThePortForItselfUntilItIsClosed) {
   Line other(readout.Path());
   CVaneCOMPort& port = one.communications.COMPort();
   const auto takes = [&] {  // and gives the port back
-    const std::int32_t error = other.ReadError(32);
+    const std::int32_t error = other.ReadError(ECommand::READ_INTERVAL);
     other.communications.COMPort().SetPortNumber(EVanePortNumber::PORT_2);
     other.communications.COMPort().SetPortNumber(EVanePortNumber::PORT_1);
     return error;
   };
-  EXPECT_EQ(one.ReadError(32), 0);
+  EXPECT_EQ(one.ReadError(ECommand::READ_INTERVAL), 0);
   EXPECT_EQ(takes(), ERR_LINE_IN_USE);
   port.SetBaudRate(port.BaudRate());
   EXPECT_EQ(takes(), ERR_LINE_IN_USE);
@@ -376,9 +385,9 @@ TEST(SerialCommunications, HoldsThePortForItselfUntilItIsClosed) {
 
   port.SetBaudRate(EVaneBaudRate::BR_115200);
   port.SetAutoClose(true);
-  EXPECT_EQ(one.ReadError(32), ERR_LINE_OVERLONG);
+  EXPECT_EQ(one.ReadError(ECommand::READ_INTERVAL), ERR_LINE_OVERLONG);
   EXPECT_EQ(takes(), 0);
-  EXPECT_EQ(one.ReadError(32), 0);
+  EXPECT_EQ(one.ReadError(ECommand::READ_INTERVAL), 0);
 }
 
 TEST(SerialCommunications, PortIsForThisProcessAloneAndNoStandardFile) {
@@ -390,14 +399,15 @@ TEST(SerialCommunications, PortIsForThisProcessAloneAndNoStandardFile) {
   };
   {
     Line line(readout.Path());
-    EXPECT_EQ(line.ReadError(32), 0);
+    EXPECT_EQ(line.ReadError(ECommand::READ_INTERVAL), 0);
     EXPECT_EQ(isexclusive(), 1);
   }
   EXPECT_EQ(isexclusive(), 0);
   const auto withoutinput = [&] {
     close(STDIN_FILENO);
     Line line(readout.Path());
-    bool isgood = line.ReadError(32) == 0 && fcntl(STDIN_FILENO, F_GETFD) == -1;
+    bool isgood =
+        line.ReadError(ECommand::READ_INTERVAL) == 0 && fcntl(STDIN_FILENO, F_GETFD) == -1;
     // Of the two that lead to the device, the other one is the readout's.
     int ownfiles = 0;
     for (int file = 3; file < 256; ++file) {
@@ -419,7 +429,7 @@ TEST(SerialCommunications, EveryRateReachesTheDevice) {
   Line line(readout.Path());
   for (std::size_t i = 0; i < std::size(kRates); ++i) {
     line.communications.COMPort().SetBaudRate(static_cast<EVaneBaudRate>(i + 1));
-    EXPECT_EQ(line.ReadError(32), 0);
+    EXPECT_EQ(line.ReadError(ECommand::READ_INTERVAL), 0);
     termios settings{};
     ASSERT_EQ(tcgetattr(readout.Slave(), &settings), 0);
     EXPECT_EQ(cfgetospeed(&settings), kRates[i].second);
@@ -433,20 +443,20 @@ TEST(SerialCommunications, TimeOfTheCharactersComesOnTopOfTheTimeOut) {
   CScriptedReadout readout({"%" + std::string(300, '\n') + "{=1}"});
   Line line(readout.Path(), kShort);
   line.communications.COMPort().SetBaudRate(EVaneBaudRate::BR_2400);
-  EXPECT_EQ(line.ReadError(32), 0);
+  EXPECT_EQ(line.ReadError(ECommand::READ_INTERVAL), 0);
 }
 
 TEST(SerialCommunications, LastFailureKeepsASilenceThatTheCallerAllowed) {
   CScriptedReadout readout({"{=1}9.3*77F2\r\n", "{^=2}", "", "{=1}"});
   Line line(readout.Path(), kShort);
-  EXPECT_EQ(line.communications.ReadSetting(18), "1");
+  EXPECT_EQ(line.communications.ReadSetting(ECommand::READ_IDENTIFICATION), "1");
   line.communications.COMPort().SetReadTries(2);
-  EXPECT_EQ(line.communications.ReadSetting(18, false), "");
+  EXPECT_EQ(line.communications.ReadSetting(ECommand::READ_IDENTIFICATION, false), "");
   EXPECT_EQ(line.settings->lastfailure.number, ERR_LINE_NO_ANSWER);
   EXPECT_EQ(line.settings->lastfailure.description,
             "No answer from the readout on " + readout.Path() +
                 " within 0.1 s (2 tries). Check the cable, the power and the baud rate.");
-  EXPECT_EQ(line.communications.ReadSetting(18, false), "1");
+  EXPECT_EQ(line.communications.ReadSetting(ECommand::READ_IDENTIFICATION, false), "1");
   EXPECT_EQ(line.settings->lastfailure.number, 0);
 }
 
@@ -455,13 +465,13 @@ TEST(LineTrace, ShowsEveryLineButNoSecret) {
                             "4*77F2\r\n34{=ab\t}", "{^=1234}{=5}"});
   Line line(readout.Path(), kShort);
   line.communications.COMPort().SetReadTries(2);
-  EXPECT_EQ(line.communications.ReadSetting(18), "T312B, 5.03");
-  EXPECT_EQ(line.communications.ReadSetting(-1, true, "PC?"), "1234");
-  EXPECT_EQ(line.ReadError(-1, "PC?"), 7);
+  EXPECT_EQ(line.communications.ReadSetting(ECommand::READ_IDENTIFICATION), "T312B, 5.03");
+  EXPECT_EQ(line.communications.ReadSetting(ECommand::RAW, true, "PC?"), "1234");
+  EXPECT_EQ(line.ReadError(ECommand::RAW, "PC?"), 7);
   EXPECT_EQ(line.settings->lastfailure.description, "The readout refused the command (number 7).");
   line.communications.params().Index = "1";
   EXPECT_EQ(line.communications.ReadSetting(kReadLog), "ab\t");
-  EXPECT_EQ(line.communications.ReadSetting(32), "5");
+  EXPECT_EQ(line.communications.ReadSetting(ECommand::READ_INTERVAL), "5");
   EXPECT_EQ(line.trace->log, "- opened " + readout.Path() + " at 115200 bit/s\n" +
                                  R"(> #tag ID?*C
 < #tag =T312B, 5.03*C

@@ -28,14 +28,15 @@ namespace vane::simulator {
 namespace {
 
 using namespace std::chrono_literals;
+using enum ECommand;
 
 // Fields that fit any row of a probe with the ITS-90 subranges 4 and 11.
-protocol::Fields FieldsFor(const protocol::CommandRow& row, const std::string& value = {}) {
+CommandParams FieldsFor(const protocol::CommandRow& row, const std::string& value = {}) {
   const bool high = row.text.find("HIGH") != row.text.npos;
   return {value, "1", "1", high ? "11" : "4", "1", value};
 }
 
-std::string Ask(CReadout& readout, std::int32_t id, const protocol::Fields& fields) {
+std::string Ask(CReadout& readout, ECommand id, const CommandParams& fields) {
   std::string problem;
   const auto command = protocol::BuildCommand(*protocol::FindCommand(id), fields, problem);
   return command ? readout.Answer(*command).value_or("(silence)") : problem;
@@ -70,30 +71,30 @@ TEST(Readout, EachWriteIsWhatItsReadThenTells) {
 ;76|1.0000000000001|1.0000000000001;106|4|4;108|100|100;110|7|7;112|9|9;116|6|6;122|AB-12345|AB-12345
 ;130|TT|THRM-R(T);136|16|16;138|10K|10 KOHM;140|21.0000|21;168|O|OHM;142|0.000001|1E-06;225|68|68
 ;205|4|4 (83.8058 K to 273.16 K);207|11|11 (0 C to 29.7646 C))";
-  std::map<std::int32_t, std::pair<std::string, std::string>> listed;
+  std::map<ECommand, std::pair<std::string, std::string>> listed;
   for (const std::string& text : Split(cases, ';')) {
     const std::vector<std::string> parts = Split(text.substr(0, text.find('\n')), '|');
-    listed[std::stoi(parts[0])] = {parts[1], parts[2]};
+    listed[ECommand{std::stoi(parts[0])}] = {parts[1], parts[2]};
   }
   CReadout readout({});
   Ask(readout, "PROBE 1:ITS90:LOW:RANGE 1");
-  std::map<std::int32_t, std::string> told;
+  std::map<ECommand, std::string> told;
   int writes = 0;
   for (const protocol::CommandRow& row : protocol::CommandTable()) {
     writes += row.IsRead() ? 0 : 1;
-    const protocol::CommandRow* const write = protocol::FindCommand(row.id + 1);
+    const protocol::CommandRow* const write = protocol::FindCommand(WriteOf(row.id));
     if (!row.IsRead() || !write || write->symbol.substr(6) != row.symbol.substr(5)) continue;
     SCOPED_TRACE(row.symbol);
-    const std::string id = std::to_string(row.id);
+    const std::string id = std::to_string(static_cast<std::int32_t>(row.id));
     ASSERT_TRUE(listed.contains(row.id) || row.text.starts_with("PROBE {Probe}:"));
     const auto [value, answer] =
         listed.contains(row.id)
             ? listed.at(row.id)
             : std::pair(id + ".50E-07", id.substr(0, 1) + "." + id.substr(1) + "5E-05");
-    const protocol::Fields read_fields = FieldsFor(row);
-    protocol::Fields fields = FieldsFor(row, value);
-    if (row.id == 110 || row.id == 116) fields.Channel = value;
-    if (row.id == 112 || row.id == 136) fields.Probe = value;
+    const CommandParams read_fields = FieldsFor(row);
+    CommandParams fields = FieldsFor(row, value);
+    if (row.id == READ_SCAN_STEP || row.id == READ_SCAN_CHANNEL) fields.Channel = value;
+    if (row.id == READ_SCANNER_PROBE_INDEX || row.id == READ_PROBE_INDEX) fields.Probe = value;
 
     const std::string before = Ask(readout, row.id, read_fields);
     ASSERT_EQ(before.front(), '=') << before;
@@ -150,7 +151,8 @@ TEST(Readout, EveryAnswerHasTheFormOfItsCommand) {
       now += 1h;
       for (const protocol::CommandRow& row : protocol::CommandTable()) {
         if (!row.IsRead()) continue;
-        const bool isloose = row.id == 18 || row.id == 275 || row.id == 276;
+        const bool isloose = row.id == READ_IDENTIFICATION || row.id == READ_HISTORY_LOG ||
+                             row.id == READ_MEMORY_LOG;
         EXPECT_EQ(protocol::FitsForm(row.form, readout.Identification()), isloose) << row.symbol;
         for (int i = 0; i < 16 * 12; ++i) {
           const std::string number = std::to_string(i % 16 + 1);  // of a probe or a channel

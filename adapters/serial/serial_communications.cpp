@@ -17,7 +17,6 @@
 namespace vane {
 namespace {
 
-constexpr std::int32_t kRawCommand = -1;
 constexpr std::int32_t kKindT312B = 9;
 constexpr std::string_view kNotShown = "(not shown)";
 constexpr std::size_t kHeadLength = 6;                 // "#", tag, blank
@@ -31,11 +30,6 @@ constexpr std::size_t kShownOfAnswer = 60;
 
 [[noreturn]] void Fail(std::int32_t number, std::string description) {
   throw LineFailure{number, std::move(description)};
-}
-
-protocol::Fields FieldsOf(const CommandParams& params) {
-  return {params.value, params.Channel, params.Probe,
-          params.Range, params.Index,   params.FilterCode};
 }
 
 bool IsAscii(std::string_view text) {
@@ -96,8 +90,7 @@ CSerialCommunications::CSerialCommunications(std::shared_ptr<LineSettings> setti
       // An answer to an earlier program's command may still be under way.
       tag_(static_cast<std::uint16_t>(std::random_device{}())) {}
 
-std::string CSerialCommunications::ReadSetting(std::int32_t id, bool flag,
-                                               const std::string& text) {
+std::string CSerialCommunications::ReadSetting(ECommand id, bool flag, const std::string& text) {
   try {
     return Run("CSerialCommunications - ReadSetting", id, true, text);
   } catch (const LibraryError& error) {
@@ -108,11 +101,11 @@ std::string CSerialCommunications::ReadSetting(std::int32_t id, bool flag,
   }
 }
 
-void CSerialCommunications::WriteSetting(std::int32_t id) {
+void CSerialCommunications::WriteSetting(ECommand id) {
   Run("CSerialCommunications - WriteSetting", id, false, {});
 }
 
-std::string CSerialCommunications::Run(const char* label, std::int32_t id, bool isread,
+std::string CSerialCommunications::Run(const char* label, ECommand id, bool isread,
                                        const std::string& rawtext) {
   std::string reply;
   LineFailure failure;
@@ -145,12 +138,12 @@ std::string CSerialCommunications::Run(const char* label, std::int32_t id, bool 
 }
 
 CSerialCommunications::Command CSerialCommunications::MakeCommand(
-    std::int32_t id, bool isread, const std::string& rawtext) const {
+    ECommand id, bool isread, const std::string& rawtext) const {
   if (instrumentkind_ != kKindT312B) {
     Fail(ERR_LINE_INSTRUMENT_KIND, "Instruments of the kind " + std::to_string(instrumentkind_) +
                                        " can't be reached; only 9, the T312B, can.");
   }
-  Command command{rawtext, isread && id == kRawCommand, {.kind = protocol::EReply::ANY}};
+  Command command{rawtext, isread && id == ECommand::RAW, {.kind = protocol::EReply::ANY}};
   if (command.issecret) {
     const auto isprintable = [](char c) { return c >= ' ' && c <= '~'; };
     if (rawtext.empty() || !std::ranges::all_of(rawtext, isprintable)) {
@@ -160,12 +153,12 @@ CSerialCommunications::Command CSerialCommunications::MakeCommand(
   } else {
     const protocol::CommandRow* row = protocol::FindCommand(id);
     if (row == nullptr || row->IsRead() != isread) {
-      Fail(ERR_LINE_UNKNOWN_COMMAND, "The readout has no " +
-                                         std::string(isread ? "read" : "write") +
-                                         " command with the id " + std::to_string(id) + ".");
+      Fail(ERR_LINE_UNKNOWN_COMMAND,
+           "The readout has no " + std::string(isread ? "read" : "write") +
+               " command with the id " + std::to_string(static_cast<std::int32_t>(id)) + ".");
     }
     std::string problem;
-    auto text = protocol::BuildCommand(*row, FieldsOf(params_), problem);
+    auto text = protocol::BuildCommand(*row, params_, problem);
     if (!text) Fail(ERR_LINE_BAD_FIELD, std::move(problem));
     command.text = std::move(*text);
     command.form = row->form;

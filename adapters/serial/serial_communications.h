@@ -78,8 +78,8 @@ class CSerialCommunications final : public CVaneCommunications {
   /// The errors are those of line_errors.h and refusals. Silence, damaged answers and answers of
   /// another form than the command's (protocol/reply_form.h) are tried again, nothing else is. A
   /// reply's bytes above 127 are taken as ISO 8859-1.
-  std::string ReadSetting(std::int32_t id, bool flag = true, const std::string& text = {}) override;
-  void WriteSetting(std::int32_t id) override;
+  std::string ReadSetting(ECommand id, bool flag = true, const std::string& text = {}) override;
+  void WriteSetting(ECommand id) override;
 
  private:
   struct Command {
@@ -89,8 +89,8 @@ class CSerialCommunications final : public CVaneCommunications {
   };
   enum class EOutcome { ANSWERED, SILENT, GARBLED, OVERLONG, UNEXPECTED };
 
-  std::string Run(const char* label, std::int32_t id, bool isread, const std::string& rawtext);
-  Command MakeCommand(std::int32_t id, bool isread, const std::string& rawtext) const;
+  std::string Run(const char* label, ECommand id, bool isread, const std::string& rawtext);
+  Command MakeCommand(ECommand id, bool isread, const std::string& rawtext) const;
   std::string Exchange(const Command& command);
   void Open();
   std::string DevicePath() const;

@@ -106,12 +106,11 @@ void CScriptedCommunications::Exchange(const std::string& command) {
   }
 }
 
-std::string CScriptedCommunications::ReadSetting(std::int32_t id, bool flag,
-                                                 const std::string& text) {
-  const std::string byid = "read " + std::to_string(id);
+std::string CScriptedCommunications::ReadSetting(ECommand id, bool flag, const std::string& text) {
+  const std::string byid = "read " + std::to_string(static_cast<std::int32_t>(id));
   const std::string command = Command(byid) + (text.empty() ? "" : " text=" + text);
   Exchange(flag ? command : command + " mayfail");
-  if (script_.keepssteps && id == 110) return script_.steps[params_.Index];
+  if (script_.keepssteps && id == ECommand::READ_SCAN_STEP) return script_.steps[params_.Index];
   const auto reply = script_.replies.contains(command) ? script_.replies.find(command)
                                                        : script_.replies.find(byid);
   if (reply == script_.replies.end()) {
@@ -120,9 +119,10 @@ std::string CScriptedCommunications::ReadSetting(std::int32_t id, bool flag,
   return reply->second;
 }
 
-void CScriptedCommunications::WriteSetting(std::int32_t id) {
-  Exchange(Command("write " + std::to_string(id)));
-  if (script_.keepssteps && id == 111) script_.steps[params_.Index] = params_.Channel;
+void CScriptedCommunications::WriteSetting(ECommand id) {
+  Exchange(Command("write " + std::to_string(static_cast<std::int32_t>(id))));
+  if (script_.keepssteps && id == ECommand::WRITE_SCAN_STEP)
+    script_.steps[params_.Index] = params_.Channel;
 }
 
 void CScriptedCommunications::SetPortNumber(EVanePortNumber value) {

@@ -62,8 +62,8 @@ class CScriptedCommunications : public CVaneCommunications, private CVaneCOMPort
   void SetInstrumentKind(std::int32_t kind) override {
     log_.Add("InstrumentKind=" + std::to_string(kind));
   }
-  std::string ReadSetting(std::int32_t id, bool flag, const std::string& text) override;
-  void WriteSetting(std::int32_t id) override;
+  std::string ReadSetting(ECommand id, bool flag, const std::string& text) override;
+  void WriteSetting(ECommand id) override;
 
  private:
   EVanePortNumber PortNumber() const override { return port_; }

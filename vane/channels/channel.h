@@ -142,15 +142,15 @@ class CVaneT312BPRTTHRMChannel {
 
   // One exchange about a probe: the reply to `id` goes in upper case to `store`. What fails in
   // either is raised again under the label of "Query" and `operation`.
-  bool Query(std::string_view operation, std::int32_t id, std::int16_t prbidx,
+  bool Query(std::string_view operation, ECommand id, std::int16_t prbidx,
              const std::function<void(const std::string&)>& store, std::string_view range = {},
              std::string_view index = {});
-  bool QueryNumber(std::string_view operation, std::int32_t id, std::int16_t prbidx,
+  bool QueryNumber(std::string_view operation, ECommand id, std::int16_t prbidx,
                    const std::function<void(double)>& store, std::string_view range = {},
                    std::string_view index = {});
 
   // One write about a probe; `value` is empty for "no value". Labelled with "Update".
-  bool Update(std::string_view operation, std::int32_t id, std::int16_t prbidx,
+  bool Update(std::string_view operation, ECommand id, std::int16_t prbidx,
               const std::function<std::string()>& value, std::string_view range = {},
               std::string_view index = {});
   bool UpdateProbeIndex();

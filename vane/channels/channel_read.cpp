@@ -16,13 +16,6 @@
 namespace vane {
 namespace {
 
-constexpr std::int32_t READ_SCANNER_PROBE_INDEX = 112;
-constexpr std::int32_t READ_PROBE_SERIAL = 122;
-constexpr std::int32_t READ_PROBE_INDEX = 136;
-constexpr std::int32_t READ_REF_RESISTOR = 138;
-constexpr std::int32_t READ_PROBE_CURRENT = 140;
-constexpr std::int32_t READ_PROBE_3WIRE_OFFSET = 142;
-
 // Searched from the top, since the shorter texts stand within the longer ones.
 constexpr struct {
   std::string_view text;
@@ -87,30 +80,31 @@ bool CVaneT312BPRTTHRMChannel::QueryProbeIndex() {
   return Labelled(kClassName, "QueryProbeIndex", [&] {
     const bool scanner = ActualChannel() > kNumInputs;
     const std::int32_t number = scanner ? ScannerChannel(ActualChannel()) : ActualChannel();
-    const std::string reply = Read(Line(), scanner ? READ_SCANNER_PROBE_INDEX : READ_PROBE_INDEX,
-                                   {{&CommandParams::Channel, std::to_string(number)}});
+    const std::string reply =
+        Read(Line(), scanner ? ECommand::READ_SCANNER_PROBE_INDEX : ECommand::READ_PROBE_INDEX,
+             {{&CommandParams::Channel, std::to_string(number)}});
     SetProbeIndex(ToInteger(NumberFromText(reply)));
     return true;
   });
 }
 
 bool CVaneT312BPRTTHRMChannel::QueryProbeSerialNumber(std::int16_t prbidx) {
-  return Query("ProbeSerialNumber", READ_PROBE_SERIAL, prbidx,
+  return Query("ProbeSerialNumber", ECommand::READ_PROBE_SERIAL, prbidx,
                [&](const std::string& reply) { probe_->SetSerialNumber(reply); });
 }
 
 bool CVaneT312BPRTTHRMChannel::QueryRefResistor(std::int16_t prbidx) {
-  return Query("RefResistor", READ_REF_RESISTOR, prbidx,
+  return Query("RefResistor", ECommand::READ_REF_RESISTOR, prbidx,
                [&](const std::string& reply) { SetProbeRefResistor(RefResistorIn(reply)); });
 }
 
 bool CVaneT312BPRTTHRMChannel::QueryCurrent(std::int16_t prbidx) {
-  return QueryNumber("Current", READ_PROBE_CURRENT, prbidx,
+  return QueryNumber("Current", ECommand::READ_PROBE_CURRENT, prbidx,
                      [&](double value) { SetProbeCurrent(value); });
 }
 
 bool CVaneT312BPRTTHRMChannel::Query3WireOffset(std::int16_t prbidx) {
-  return QueryNumber("3WireOffset", READ_PROBE_3WIRE_OFFSET, prbidx,
+  return QueryNumber("3WireOffset", ECommand::READ_PROBE_3WIRE_OFFSET, prbidx,
                      [&](double value) { SetProbe3WireOffset(value); });
 }
 

@@ -16,14 +16,6 @@
 namespace vane {
 namespace {
 
-constexpr std::int32_t WRITE_SCANNER_PROBE_INDEX = 113;
-constexpr std::int32_t WRITE_PROBE_SERIAL = 123;
-constexpr std::int32_t WRITE_CONVERSION_TYPE = 131;
-constexpr std::int32_t WRITE_PROBE_INDEX = 137;
-constexpr std::int32_t WRITE_REF_RESISTOR = 139;
-constexpr std::int32_t WRITE_PROBE_CURRENT = 141;
-constexpr std::int32_t WRITE_PROBE_3WIRE_OFFSET = 143;
-
 // The codes that the instrument takes in are shorter than what it answers. Anything else has no
 // code: the command goes out without a value, which the instrument acknowledges and does not heed.
 
@@ -114,7 +106,7 @@ bool CVaneT312BPRTTHRMChannel::UpdateProbeIndex() {
   return Labelled(kClassName, "UpdateProbeIndex", [&] {
     const bool scanner = ActualChannel() > kNumInputs;
     const std::int32_t number = scanner ? ScannerChannel(ActualChannel()) : ActualChannel();
-    Write(Line(), scanner ? WRITE_SCANNER_PROBE_INDEX : WRITE_PROBE_INDEX,
+    Write(Line(), scanner ? ECommand::WRITE_SCANNER_PROBE_INDEX : ECommand::WRITE_PROBE_INDEX,
           {{&CommandParams::Probe, std::to_string(ProbeIndex())},
            {&CommandParams::Channel, std::to_string(number)}});
     return true;
@@ -122,27 +114,28 @@ bool CVaneT312BPRTTHRMChannel::UpdateProbeIndex() {
 }
 
 bool CVaneT312BPRTTHRMChannel::UpdateProbeSerial(std::int16_t prbidx) {
-  return Update("ProbeSerial", WRITE_PROBE_SERIAL, prbidx, [&] { return probe_->SerialNumber(); });
+  return Update("ProbeSerial", ECommand::WRITE_PROBE_SERIAL, prbidx,
+                [&] { return probe_->SerialNumber(); });
 }
 
 bool CVaneT312BPRTTHRMChannel::UpdateRefResistor(std::int16_t prbidx) {
-  return Update("RefResistor", WRITE_REF_RESISTOR, prbidx,
+  return Update("RefResistor", ECommand::WRITE_REF_RESISTOR, prbidx,
                 [&] { return CodeOf(ProbeRefResistor()); });
 }
 
 bool CVaneT312BPRTTHRMChannel::UpdateCurrent(std::int16_t prbidx) {
-  return Update("Current", WRITE_PROBE_CURRENT, prbidx,
+  return Update("Current", ECommand::WRITE_PROBE_CURRENT, prbidx,
                 [&] { return ToDotDecimal(FormatNumber(ProbeCurrent(), ProbeCurrentFormat())); });
 }
 
 bool CVaneT312BPRTTHRMChannel::Update3WireOffset(std::int16_t prbidx) {
-  return Update("3WireOffset", WRITE_PROBE_3WIRE_OFFSET, prbidx, [&] {
+  return Update("3WireOffset", ECommand::WRITE_PROBE_3WIRE_OFFSET, prbidx, [&] {
     return ToDotDecimal(FormatNumber(Probe3WireOffset(), Probe3WireOffsetFormat()));
   });
 }
 
 bool CVaneT312BPRTTHRMChannel::UpdateConversionType(std::int16_t prbidx) {
-  return Update("ConversionType", WRITE_CONVERSION_TYPE, prbidx,
+  return Update("ConversionType", ECommand::WRITE_CONVERSION_TYPE, prbidx,
                 [&] { return CodeOf(probe_->ConversionType()); });
 }
 

@@ -59,15 +59,14 @@ bool CVaneT312BPRTTHRMChannel::QueryConversionType(std::int16_t prbidx) {
     CVaneCOMPort& port = line.COMPort();
     const bool kept = port.CheckNonAscii();
     port.SetCheckNonAscii(false);
-    const std::string reply = UpperCase(line.ReadSetting(READ_CONVERSION_TYPE));
+    const std::string reply = UpperCase(line.ReadSetting(ECommand::READ_CONVERSION_TYPE));
     port.SetCheckNonAscii(kept);
     SetConversionType(static_cast<EVaneConversionType>(CodeIn(reply, kConversionTypes)));
     return true;
   });
 }
 
-bool CVaneT312BPRTTHRMChannel::Query(std::string_view operation, std::int32_t id,
-                                     std::int16_t prbidx,
+bool CVaneT312BPRTTHRMChannel::Query(std::string_view operation, ECommand id, std::int16_t prbidx,
                                      const std::function<void(const std::string&)>& store,
                                      std::string_view range, std::string_view index) {
   return Labelled(kClassName, "Query" + std::string(operation), [&] {
@@ -79,7 +78,7 @@ bool CVaneT312BPRTTHRMChannel::Query(std::string_view operation, std::int32_t id
   });
 }
 
-bool CVaneT312BPRTTHRMChannel::QueryNumber(std::string_view operation, std::int32_t id,
+bool CVaneT312BPRTTHRMChannel::QueryNumber(std::string_view operation, ECommand id,
                                            std::int16_t prbidx,
                                            const std::function<void(double)>& store,
                                            std::string_view range, std::string_view index) {
@@ -266,7 +265,7 @@ bool CVaneT312BPRTTHRMChannel::QueryCoefficientRows(CLongRun& run,
 }
 
 bool CVaneT312BPRTTHRMChannel::QueryIPTS68Scale(std::int16_t prbidx) {
-  return Query("IPTS68Scale", READ_IPTS68_SCALE, prbidx, [&](const std::string& reply) {
+  return Query("IPTS68Scale", ECommand::READ_IPTS68_SCALE, prbidx, [&](const std::string& reply) {
     auto& settings = SettingsOf<CIPTS68Settings>(*probe_);
     const bool scale90 = Contains(reply, "90");
     const bool known = scale90 || Contains(reply, "68");
@@ -276,20 +275,22 @@ bool CVaneT312BPRTTHRMChannel::QueryIPTS68Scale(std::int16_t prbidx) {
 }
 
 bool CVaneT312BPRTTHRMChannel::QueryITS90RTPW(std::int16_t prbidx) {
-  return QueryNumber("ITS90RTPW", READ_ITS90_RTPW, prbidx,
+  return QueryNumber("ITS90RTPW", ECommand::READ_ITS90_RTPW, prbidx,
                      [&](double value) { SettingsOf<CWT90Settings>(*probe_).SetRTPW(value); });
 }
 
 bool CVaneT312BPRTTHRMChannel::QueryITS90LowRange(std::int16_t prbidx) {
-  return Query("ITS90LowRange", READ_ITS90_LOW_RANGE, prbidx, [&](const std::string& reply) {
-    ReadRange(SettingsOf<CITS90Settings>(*probe_).LowRange(), reply, kLowRanges);
-  });
+  return Query("ITS90LowRange", ECommand::READ_ITS90_LOW_RANGE, prbidx,
+               [&](const std::string& reply) {
+                 ReadRange(SettingsOf<CITS90Settings>(*probe_).LowRange(), reply, kLowRanges);
+               });
 }
 
 bool CVaneT312BPRTTHRMChannel::QueryITS90HighRange(std::int16_t prbidx) {
-  return Query("ITS90HighRange", READ_ITS90_HIGH_RANGE, prbidx, [&](const std::string& reply) {
-    ReadRange(SettingsOf<CITS90Settings>(*probe_).HighRange(), reply, kHighRanges);
-  });
+  return Query("ITS90HighRange", ECommand::READ_ITS90_HIGH_RANGE, prbidx,
+               [&](const std::string& reply) {
+                 ReadRange(SettingsOf<CITS90Settings>(*probe_).HighRange(), reply, kHighRanges);
+               });
 }
 
 }  // namespace vane

@@ -26,8 +26,7 @@ std::string RangeText(const CITS90Range& range, const char* none) {
 
 }  // namespace
 
-bool CVaneT312BPRTTHRMChannel::Update(std::string_view operation, std::int32_t id,
-                                      std::int16_t prbidx,
+bool CVaneT312BPRTTHRMChannel::Update(std::string_view operation, ECommand id, std::int16_t prbidx,
                                       const std::function<std::string()>& value,
                                       std::string_view range, std::string_view index) {
   return Labelled(kClassName, "Update" + std::string(operation), [&] {
@@ -77,7 +76,7 @@ bool CVaneT312BPRTTHRMChannel::UpdateRange(const RangeWalk& walk, std::int16_t p
                                 const double value = range().Coefficients(row.place);
                                 const std::string format = range().ValueFormat();
                                 return Update(
-                                    row.operation, row.readid + 1, prbidx,
+                                    row.operation, WriteOf(row.readid), prbidx,
                                     [&] { return ValueText(value, format); },
                                     row.sendsrange ? number : std::string(), row.index);
                               };
@@ -111,7 +110,7 @@ bool CVaneT312BPRTTHRMChannel::UpdateSeries(const SeriesRow& series, std::int16_
                                 const double value = settings().Coefficients(index);
                                 const std::string format = settings().ValueFormat();
                                 return Update(
-                                    series.operation, series.readid + 1, prbidx,
+                                    series.operation, WriteOf(series.readid), prbidx,
                                     [&] { return ValueText(value, format); }, {}, number);
                               };
                               if (!run.Step({number, write})) return false;
@@ -199,7 +198,7 @@ bool CVaneT312BPRTTHRMChannel::UpdateCoefficientRows(CLongRun& run,
       return ValueText(settings.Coefficients(row.index), settings.ValueFormat(row.index));
     };
     const auto write = [&] {
-      return Update(row.operation, row.readid + 1, prbidx, value, row.range);
+      return Update(row.operation, WriteOf(row.readid), prbidx, value, row.range);
     };
     if (!run.Step({std::string(row.stepname), write})) return false;
   }
@@ -208,7 +207,7 @@ bool CVaneT312BPRTTHRMChannel::UpdateCoefficientRows(CLongRun& run,
 
 // Whether the conversion reports in a scale at all plays no part here.
 bool CVaneT312BPRTTHRMChannel::UpdateIPTS68Scale(std::int16_t prbidx) {
-  return Update("IPTS68Scale", READ_IPTS68_SCALE + 1, prbidx, [&]() -> std::string {
+  return Update("IPTS68Scale", ECommand::WRITE_IPTS68_SCALE, prbidx, [&]() -> std::string {
     switch (SettingsOf<CIPTS68Settings>(*probe_).IPTS68Scale()) {
       case 0:
         return "90";
@@ -221,20 +220,20 @@ bool CVaneT312BPRTTHRMChannel::UpdateIPTS68Scale(std::int16_t prbidx) {
 }
 
 bool CVaneT312BPRTTHRMChannel::UpdateITS90RTPW(std::int16_t prbidx) {
-  return Update("ITS90RTPW", READ_ITS90_RTPW + 1, prbidx, [&] {
+  return Update("ITS90RTPW", ECommand::WRITE_ITS90_RTPW, prbidx, [&] {
     const auto& settings = SettingsOf<CWT90Settings>(*probe_);
     return ValueText(settings.RTPW(), settings.RTPWFormat());
   });
 }
 
 bool CVaneT312BPRTTHRMChannel::UpdateITS90LowRange(std::int16_t prbidx) {
-  return Update("ITS90LowRange", READ_ITS90_LOW_RANGE + 1, prbidx, [&] {
+  return Update("ITS90LowRange", ECommand::WRITE_ITS90_LOW_RANGE, prbidx, [&] {
     return RangeText(SettingsOf<CITS90Settings>(*probe_).LowRange(), kNoLowRange);
   });
 }
 
 bool CVaneT312BPRTTHRMChannel::UpdateITS90HighRange(std::int16_t prbidx) {
-  return Update("ITS90HighRange", READ_ITS90_HIGH_RANGE + 1, prbidx, [&] {
+  return Update("ITS90HighRange", ECommand::WRITE_ITS90_HIGH_RANGE, prbidx, [&] {
     return RangeText(SettingsOf<CITS90Settings>(*probe_).HighRange(), kNoHighRange);
   });
 }

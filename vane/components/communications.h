@@ -2,13 +2,16 @@
 //
 // Required by the library, implemented by an adapter (a serial line, a scripted double). The
 // instrument object makes one through `CComponentFactory`, owns it, and is the only holder. A
-// setting is addressed by a command id; the text behind an id is the component's own business.
+// setting is addressed by the id of its command; the text behind an id is the component's own
+// business.
 //
 // Lives on the thread of the instrument object. Every operation blocks until the exchange is over.
 #pragma once
 
 #include <cstdint>
 #include <string>
+
+#include "vane/components/commands.h"
 
 namespace vane {
 
@@ -32,19 +35,6 @@ enum class EVaneBaudRate : std::int32_t {
   BR_38400 = 8,
   BR_57600 = 9,
   BR_115200 = 10,
-};
-
-/// The text fields that go with the next command; numbers travel as text with "." as the decimal
-/// point. A field stays set until the next `ClearAll`.
-struct CommandParams {
-  std::string value;  ///< what to write
-  std::string Channel;
-  std::string Probe;
-  std::string Range;
-  std::string Index;
-  std::string FilterCode;
-
-  void ClearAll() { *this = CommandParams{}; }
 };
 
 /// The settings of the port. None of them touches the line: the port is opened by the first
@@ -90,15 +80,14 @@ class CVaneCommunications {
   virtual void SetInstrumentKind(std::int32_t kind) = 0;
 
   /// Sends the command of `id` with the fields of `params` and gives the reply's text, without any
-  /// framing. With `id` -1, `text` is the command itself. With `flag` false, silence gives the
+  /// framing. With `id` `RAW`, `text` is the command itself. With `flag` false, silence gives the
   /// empty text; every other failure, and silence with `flag` true, raises `LibraryError`: an error
   /// of the component's own or the number and text of the instrument's refusal.
-  virtual std::string ReadSetting(std::int32_t id, bool flag = true,
-                                  const std::string& text = {}) = 0;
+  virtual std::string ReadSetting(ECommand id, bool flag = true, const std::string& text = {}) = 0;
 
   /// Sends the command of `id` with the fields of `params`. Returns when the instrument has said
   /// that it took the command; fails like `ReadSetting` with `flag` true.
-  virtual void WriteSetting(std::int32_t id) = 0;
+  virtual void WriteSetting(ECommand id) = 0;
 };
 
 }  // namespace vane

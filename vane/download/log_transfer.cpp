@@ -13,9 +13,6 @@
 namespace vane {
 namespace {
 
-constexpr std::int32_t READ_HISTORY_LOG = 275;
-constexpr std::int32_t READ_MEMORY_LOG = 276;
-
 constexpr char kTraceName[] = "DNLDT312B.LOG";
 constexpr char kRawTextName[] = "TMPDWNLD.LOG";
 
@@ -106,8 +103,9 @@ CVaneT312B::EDownloadEnd CVaneT312B::TransferLog(LogDownload& run, ET312BDownloa
   Line().params().ClearAll();
   run.progress = components_.factory.MakeProgress();
   run.progress->Start(ResourceText(219), 0);
-  const std::int32_t id =
-      log == ET312BDownloadLogOption::DOWNLOAD_HISTORY_LOG ? READ_HISTORY_LOG : READ_MEMORY_LOG;
+  const ECommand id = log == ET312BDownloadLogOption::DOWNLOAD_HISTORY_LOG
+                          ? ECommand::READ_HISTORY_LOG
+                          : ECommand::READ_MEMORY_LOG;
   std::int32_t bad = 0;
   for (std::int32_t reading = 1; reading <= count; ++reading) {
     Line().params().Index = std::to_string(reading);
@@ -140,7 +138,7 @@ CVaneT312B::EDownloadEnd CVaneT312B::TransferLog(LogDownload& run, ET312BDownloa
   return EDownloadEnd::STOPPED;
 }
 
-bool CVaneT312B::FetchReading(LogDownload& run, std::int32_t id, std::int32_t reading,
+bool CVaneT312B::FetchReading(LogDownload& run, ECommand id, std::int32_t reading,
                               const std::string& total, std::string& reply) {
   for (int repeats = 0;; ++repeats) {
     run.trace->WriteLine("Querying value " + std::to_string(reading) + " of " + total + "...");

@@ -11,8 +11,6 @@
 namespace vane {
 namespace {
 
-constexpr std::int32_t WRITE_INITIALIZE = 0;
-constexpr std::int32_t READ_IDENTIFICATION = 18;
 constexpr std::int32_t kInstrumentKind = 9;
 constexpr std::int32_t kReadTries = 2;
 
@@ -54,7 +52,7 @@ bool CVaneT312B::InitializeCommunications(const std::string& fp, EVanePortNumber
 bool CVaneT312B::InitializeCommunicationSettings() {
   return AtBoundary([] { return ResourceText(114); },
                     [&] {
-                      Write(Line(), WRITE_INITIALIZE);
+                      Write(Line(), ECommand::WRITE_INITIALIZE);
                       return true;
                     });
 }
@@ -63,7 +61,7 @@ bool CVaneT312B::QueryIdentification(bool setprops) {
   return Exchange("QueryIdentification", [&] {
     CVaneCommunications& line = Line();
     line.params().ClearAll();
-    identification_ = line.ReadSetting(READ_IDENTIFICATION, false);
+    identification_ = line.ReadSetting(ECommand::READ_IDENTIFICATION, false);
     if (identification_.empty()) return false;
     std::string model;
     double firmware = 0;

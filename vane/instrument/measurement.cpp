@@ -13,12 +13,6 @@
 namespace vane {
 namespace {
 
-constexpr std::int32_t WRITE_START_MEASURE = 10;
-constexpr std::int32_t WRITE_STOP_MEASURE = 11;
-constexpr std::int32_t READ_MEASUREMENT = 12;
-constexpr std::int32_t READ_NEW_DATA = 15;
-constexpr std::int32_t READ_SCANNER_MEASUREMENT = 103;
-
 constexpr std::int32_t kPollPause = 1000;  // ms
 
 constexpr std::int64_t kShortestLimit = 120'000;  // ms
@@ -29,7 +23,7 @@ constexpr std::int64_t kMsPerSecond = 1000;
 bool CVaneT312B::StartMeasure() {
   return AtBoundary([] { return SubstituteParams(ResourceText(113), ResourceText(202)); },
                     [&] {
-                      Write(Line(), WRITE_START_MEASURE);
+                      Write(Line(), ECommand::WRITE_START_MEASURE);
                       return true;
                     });
 }
@@ -37,7 +31,7 @@ bool CVaneT312B::StartMeasure() {
 bool CVaneT312B::StopMeasure() {
   return AtBoundary([] { return SubstituteParams(ResourceText(113), ResourceText(203)); },
                     [&] {
-                      Write(Line(), WRITE_STOP_MEASURE);
+                      Write(Line(), ECommand::WRITE_STOP_MEASURE);
                       return true;
                     });
 }
@@ -55,7 +49,7 @@ double CVaneT312B::QueryMeasurement(std::int16_t chan, bool waitfornew) {
     if (waitfornew) WaitForNewData();
     if (chn > kNumInputs) return QueryScannerMeasurement(ScannerChannel(chn), waitfornew);
     Line().params().Channel = std::to_string(chn);
-    return NumberFromText(Line().ReadSetting(READ_MEASUREMENT));
+    return NumberFromText(Line().ReadSetting(ECommand::READ_MEASUREMENT));
   });
 }
 
@@ -67,7 +61,7 @@ double CVaneT312B::QueryScannerMeasurement(std::int32_t chan, bool waitfornew) {
     Line().params().ClearAll();
     if (waitfornew) WaitForNewData();
     Line().params().Channel = std::to_string(chan);
-    return NumberFromText(Line().ReadSetting(READ_SCANNER_MEASUREMENT));
+    return NumberFromText(Line().ReadSetting(ECommand::READ_SCANNER_MEASUREMENT));
   });
 }
 
@@ -108,7 +102,7 @@ void CVaneT312B::WaitForNewData() {
   // Summed up, since a wait may be longer than what the tick count can tell apart.
   std::int64_t waited = 0;
   std::uint32_t last = platform.TickCount();
-  while (!Contains(Line().ReadSetting(READ_NEW_DATA), "1")) {
+  while (!Contains(Line().ReadSetting(ECommand::READ_NEW_DATA), "1")) {
     const std::uint32_t now = platform.TickCount();
     waited += now - last;
     last = now;

@@ -8,18 +8,12 @@
 namespace vane {
 namespace {
 
-constexpr std::int32_t READ_PROTECT_CONVERSION = 5;
-constexpr std::int32_t READ_PROTECT_CALIBRATION = 6;
-constexpr std::int32_t READ_PROTECT_SAMPLING = 7;
-constexpr std::int32_t READ_PROTECT_UNITS_TIME = 8;
-constexpr std::int32_t kRawCommand = -1;
-
 // The command that asks for the passcode, scrambled.
 constexpr char kPasscodeCommand[] = "EV*";
 
 }  // namespace
 
-bool CVaneT312B::QueryProtection(std::string_view name, std::int32_t id,
+bool CVaneT312B::QueryProtection(std::string_view name, ECommand id,
                                  void (CVaneT312B::*store)(bool)) {
   return Exchange("QueryProtect" + std::string(name), [&] {
     // These have no fields, and leave those of the exchange before them alone.
@@ -30,19 +24,21 @@ bool CVaneT312B::QueryProtection(std::string_view name, std::int32_t id,
 
 bool CVaneT312B::QueryPasscodeProtectionSettings() {
   return Exchange("QueryPasscodeProtectionSettings", [&] {
-    bool done =
-        QueryProtection("Conversion", READ_PROTECT_CONVERSION, &CVaneT312B::SetProtectConversion);
-    done &=
-        QueryProtection("CalParams", READ_PROTECT_CALIBRATION, &CVaneT312B::SetProtectCalParams);
-    done &= QueryProtection("Sampling", READ_PROTECT_SAMPLING, &CVaneT312B::SetProtectSampling);
-    done &= QueryProtection("UnitsTime", READ_PROTECT_UNITS_TIME, &CVaneT312B::SetProtectUnitsTime);
+    bool done = QueryProtection("Conversion", ECommand::READ_PROTECT_CONVERSION,
+                                &CVaneT312B::SetProtectConversion);
+    done &= QueryProtection("CalParams", ECommand::READ_PROTECT_CALIBRATION,
+                            &CVaneT312B::SetProtectCalParams);
+    done &= QueryProtection("Sampling", ECommand::READ_PROTECT_SAMPLING,
+                            &CVaneT312B::SetProtectSampling);
+    done &= QueryProtection("UnitsTime", ECommand::READ_PROTECT_UNITS_TIME,
+                            &CVaneT312B::SetProtectUnitsTime);
     return done;
   });
 }
 
 bool CVaneT312B::QueryPasscode(std::string& passcode) {
   return Exchange("QueryPasscode", [&] {
-    passcode = Line().ReadSetting(kRawCommand, true, ScrambleText(kPasscodeCommand));
+    passcode = Line().ReadSetting(ECommand::RAW, true, ScrambleText(kPasscodeCommand));
     return true;
   });
 }

@@ -5,13 +5,7 @@
 #include "vane/support/text_table.h"
 
 namespace vane {
-namespace {
-
-constexpr std::int32_t READ_CAL_PARAM = 76;
-
-}  // namespace
-
-bool CVaneT312B::Query(std::string_view name, std::int32_t id,
+bool CVaneT312B::Query(std::string_view name, ECommand id,
                        const std::function<bool(const std::string&)>& store,
                        std::initializer_list<FieldText> fields) {
   return Exchange("Query" + std::string(name), [&] { return store(Read(Line(), id, fields)); });
@@ -28,7 +22,7 @@ bool CVaneT312B::QueryChannelMode() { return Query(kChannelMode); }
 bool CVaneT312B::QueryScannerScanMode() { return Query(kScannerScanMode); }
 
 bool CVaneT312B::QueryCalParam(std::int16_t index) {
-  return Query("CalParam", READ_CAL_PARAM,
+  return Query("CalParam", ECommand::READ_CAL_PARAM,
                [&](const std::string& reply) {
                  SetCalParams(static_cast<ET312BCalParams>(index), NumberFromText(reply));
                  return true;

@@ -1,6 +1,5 @@
 // The settings of the instrument: one row each, with its command, the rule by which its reply is
-// understood, and the field and text by which it is written. The command that writes a setting is
-// the one behind the command that reads it.
+// understood, and the field and text by which it is written.
 //
 // `name` is the second half of the operation's name: "Interval" is read by `QueryInterval` and
 // written by `UpdateInterval`. The words of a write are not those that a read looks for.
@@ -19,7 +18,7 @@ namespace vane {
 
 struct SettingRow {
   std::string_view name;
-  std::int32_t readid;
+  ECommand readid;
   bool (*store)(CVaneT312B& instrument, const std::string& reply);
   std::string (*text)(const CVaneT312B& instrument);
   std::string CommandParams::*field = &CommandParams::value;
@@ -79,51 +78,58 @@ std::string SampleActionCode(const CVaneT312B& instrument);
 std::string OvenCode(const CVaneT312B& instrument);
 std::string UnitsCode(const CVaneT312B& instrument);
 
-inline constexpr SettingRow kFilterType{"FilterType", 24, StoreFilterType, FilterTypeCode,
-                                        &CommandParams::FilterCode};
-inline constexpr SettingRow kFilterResponseTime{"FilterResponseTime", 26,
-                                                StoreNumber<&CVaneT312B::SetFilterRespTime>,
-                                                NumberText<&CVaneT312B::FilterRespTime>};
-inline constexpr SettingRow kFilterThreshold{"FilterThreshold", 28,
+inline constexpr SettingRow kFilterType{"FilterType", ECommand::READ_FILTER_TYPE, StoreFilterType,
+                                        FilterTypeCode, &CommandParams::FilterCode};
+inline constexpr SettingRow kFilterResponseTime{
+    "FilterResponseTime", ECommand::READ_FILTER_RESPONSE_TIME,
+    StoreNumber<&CVaneT312B::SetFilterRespTime>, NumberText<&CVaneT312B::FilterRespTime>};
+inline constexpr SettingRow kFilterThreshold{"FilterThreshold", ECommand::READ_FILTER_THRESHOLD,
                                              StoreNumber<&CVaneT312B::SetFilterThreshold>,
                                              NumberText<&CVaneT312B::FilterThreshold>};
-inline constexpr SettingRow kInterval{"Interval", 32, StoreLong<&CVaneT312B::SetInterval>,
+inline constexpr SettingRow kInterval{"Interval", ECommand::READ_INTERVAL,
+                                      StoreLong<&CVaneT312B::SetInterval>,
                                       WholeText<&CVaneT312B::Interval>};
-inline constexpr SettingRow kConversionTime{"ConversionTime", 34,
+inline constexpr SettingRow kConversionTime{"ConversionTime", ECommand::READ_CONVERSION_TIME,
                                             StoreInteger<&CVaneT312B::SetConversionTime>,
                                             WholeText<&CVaneT312B::ConversionTime>};
-inline constexpr SettingRow kIntegrationTime{"IntegrationTime", 36,
+inline constexpr SettingRow kIntegrationTime{"IntegrationTime", ECommand::READ_INTEGRATION_TIME,
                                              StoreInteger<&CVaneT312B::SetIntegrationTime>,
                                              WholeText<&CVaneT312B::IntegrationTime>};
-inline constexpr SettingRow kRepetitions{"Repetitions", 54,
+inline constexpr SettingRow kRepetitions{"Repetitions", ECommand::READ_REPETITIONS,
                                          StoreInteger<&CVaneT312B::SetRepetitions>,
                                          WholeText<&CVaneT312B::Repetitions>};
-inline constexpr SettingRow kChannelMode{"ChannelMode", 56, StoreChannelMode,
-                                         WholeText<&CVaneT312B::ChannelMode>};
-inline constexpr SettingRow kSampleN{"SampleN", 58, StoreInteger<&CVaneT312B::SetSampleN>,
+inline constexpr SettingRow kChannelMode{"ChannelMode", ECommand::READ_CHANNEL_MODE,
+                                         StoreChannelMode, WholeText<&CVaneT312B::ChannelMode>};
+inline constexpr SettingRow kSampleN{"SampleN", ECommand::READ_SAMPLE_N,
+                                     StoreInteger<&CVaneT312B::SetSampleN>,
                                      WholeText<&CVaneT312B::SampleN>};
-inline constexpr SettingRow kSampleAction{"SampleAction", 60, StoreSampleAction, SampleActionCode};
-inline constexpr SettingRow kResolution{"Resolution", 66, StoreInteger<&CVaneT312B::SetResolution>,
+inline constexpr SettingRow kSampleAction{"SampleAction", ECommand::READ_SAMPLE_ACTION,
+                                          StoreSampleAction, SampleActionCode};
+inline constexpr SettingRow kResolution{"Resolution", ECommand::READ_RESOLUTION,
+                                        StoreInteger<&CVaneT312B::SetResolution>,
                                         WholeText<&CVaneT312B::Resolution>};
 inline constexpr SettingRow kResistanceResolution{
-    "ResistanceResolution", 68, StoreInteger<&CVaneT312B::SetResistanceResolution>,
+    "ResistanceResolution", ECommand::READ_RESISTANCE_RESOLUTION,
+    StoreInteger<&CVaneT312B::SetResistanceResolution>,
     WholeText<&CVaneT312B::ResistanceResolution>};
-inline constexpr SettingRow kRatioResolution{"RatioResolution", 70,
+inline constexpr SettingRow kRatioResolution{"RatioResolution", ECommand::READ_RATIO_RESOLUTION,
                                              StoreInteger<&CVaneT312B::SetRatioResolution>,
                                              WholeText<&CVaneT312B::RatioResolution>};
-inline constexpr SettingRow kADC{"ADC", 84, StoreNumber<&CVaneT312B::SetADC>, ADCText};
-inline constexpr SettingRow kOven{"Oven", 86, StoreOven, OvenCode};
-inline constexpr SettingRow kScannerScanMode{"ScannerScanMode", 104, StoreScannerScanMode,
+inline constexpr SettingRow kADC{"ADC", ECommand::READ_ADC, StoreNumber<&CVaneT312B::SetADC>,
+                                 ADCText};
+inline constexpr SettingRow kOven{"Oven", ECommand::READ_OVEN, StoreOven, OvenCode};
+inline constexpr SettingRow kScannerScanMode{"ScannerScanMode", ECommand::READ_SCANNER_SCAN_MODE,
+                                             StoreScannerScanMode,
                                              WholeText<&CVaneT312B::ScannerScanMode>};
-inline constexpr SettingRow kScanSeqChannels{"ScanSeqChannels", 106,
+inline constexpr SettingRow kScanSeqChannels{"ScanSeqChannels", ECommand::READ_SCAN_SEQ_CHANNELS,
                                              StoreInteger<&CVaneT312B::SetScanSeqChannels>,
                                              WholeText<&CVaneT312B::ScanSeqChannels>};
-inline constexpr SettingRow kScanSeqSteps{"ScanSeqSteps", 108,
+inline constexpr SettingRow kScanSeqSteps{"ScanSeqSteps", ECommand::READ_SCAN_SEQ_STEPS,
                                           StoreInteger<&CVaneT312B::SetScanSeqSteps>,
                                           WholeText<&CVaneT312B::ScanSeqSteps>};
 inline constexpr SettingRow kScanChannel{
-    "ScanChannel", 116, StoreInteger<&CVaneT312B::SetScanChannel>,
+    "ScanChannel", ECommand::READ_SCAN_CHANNEL, StoreInteger<&CVaneT312B::SetScanChannel>,
     WholeText<&CVaneT312B::ScanChannel>, &CommandParams::Channel};
-inline constexpr SettingRow kUnits{"Units", 168, StoreUnits, UnitsCode};
+inline constexpr SettingRow kUnits{"Units", ECommand::READ_UNITS, StoreUnits, UnitsCode};
 
 }  // namespace vane

@@ -7,8 +7,6 @@
 namespace vane {
 namespace {
 
-constexpr std::int32_t WRITE_CAL_PARAM = 77;
-
 // Beside the calibration parameters; the scanner has a stretch of its own.
 constexpr std::int32_t kOtherSettings = 16;
 
@@ -16,7 +14,7 @@ constexpr std::int32_t kOtherSettings = 16;
 
 bool CVaneT312B::Update(const SettingRow& row) {
   return Exchange("Update" + std::string(row.name), [&] {
-    Write(Line(), row.readid + 1, {{row.field, row.text(*this)}});
+    Write(Line(), WriteOf(row.readid), {{row.field, row.text(*this)}});
     return true;
   });
 }
@@ -41,7 +39,7 @@ bool CVaneT312B::UpdateCalParam(std::int16_t index) {
   return Exchange("UpdateCalParam", [&] {
     const auto cp = static_cast<ET312BCalParams>(index);
     Write(
-        Line(), WRITE_CAL_PARAM,
+        Line(), ECommand::WRITE_CAL_PARAM,
         {{&CommandParams::Index, std::to_string(index)},
          {&CommandParams::value, ToDotDecimal(FormatNumber(CalParams(cp), CalParamsFormat(cp)))}});
     return true;

@@ -12,9 +12,6 @@ namespace {
 
 using namespace std::chrono;
 
-constexpr std::int32_t WRITE_DATE = 288;
-constexpr std::int32_t WRITE_TIME = 290;
-
 constexpr local_days kDayZero{year{1899} / December / 30};
 constexpr local_days kFirstDay{year{100} / January / 1};
 constexpr local_days kLastDay{year{9999} / December / 31};
@@ -77,9 +74,9 @@ bool CVaneT312B::UpdateSystemClock(ui::CWindow*) {
   return Exchange("UpdateSystemClock", [&] {
     const local_seconds moment =
         SystemClock() == 0 ? components_.platform.LocalTime() : MomentOf(SystemClock());
-    Write(Line(), WRITE_DATE, {{&CommandParams::value, DateText(moment)}});
+    Write(Line(), ECommand::WRITE_DATE, {{&CommandParams::value, DateText(moment)}});
     Line().params().value = TimeText(moment, components_.platform.LongTimeText(moment));
-    Line().WriteSetting(WRITE_TIME);
+    Line().WriteSetting(ECommand::WRITE_TIME);
     return true;
   });
 }

@@ -457,7 +457,7 @@ class CVaneT312B {
   static std::string Label(std::string_view operation);
 
   // One read of a setting: the reply goes to `store`, whose result is the result.
-  bool Query(std::string_view name, std::int32_t id,
+  bool Query(std::string_view name, ECommand id,
              const std::function<bool(const std::string&)>& store,
              std::initializer_list<FieldText> fields = {});
   bool Query(const SettingRow& row);
@@ -477,7 +477,7 @@ class CVaneT312B {
   bool UpdateScanScanMode(bool override, bool scmode);
 
   bool QueryPasscodeProtectionSettings();
-  bool QueryProtection(std::string_view name, std::int32_t id, void (CVaneT312B::*store)(bool));
+  bool QueryProtection(std::string_view name, ECommand id, void (CVaneT312B::*store)(bool));
   bool QueryPasscode(std::string& passcode);
 
   // What a download hands from stage to stage.
@@ -485,8 +485,8 @@ class CVaneT312B {
   enum class EDownloadEnd { SILENT, STOPPED, DONE };
   EDownloadEnd TransferLog(LogDownload& run, ET312BDownloadLogOption log, std::int16_t numreadings);
   // False when the reading stays bad.
-  bool FetchReading(LogDownload& run, std::int32_t id, std::int32_t reading,
-                    const std::string& total, std::string& reply);
+  bool FetchReading(LogDownload& run, ECommand id, std::int32_t reading, const std::string& total,
+                    std::string& reply);
   bool WriteDownloadTempFile(const std::string& text);
   void ParseLog(LogDownload& run, AwkOne& awkParser, bool prompt);
   static void WriteRows(LogDownload& run, AwkOne& awkParser);

@@ -22,13 +22,13 @@ inline void SetFields(CVaneCommunications& line, std::initializer_list<FieldText
 }
 
 /// Gives the reply.
-inline std::string Read(CVaneCommunications& line, std::int32_t id,
+inline std::string Read(CVaneCommunications& line, ECommand id,
                         std::initializer_list<FieldText> fields = {}) {
   SetFields(line, fields);
   return line.ReadSetting(id);
 }
 
-inline void Write(CVaneCommunications& line, std::int32_t id,
+inline void Write(CVaneCommunications& line, ECommand id,
                   std::initializer_list<FieldText> fields = {}) {
   SetFields(line, fields);
   line.WriteSetting(id);

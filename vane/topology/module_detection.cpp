@@ -10,13 +10,6 @@
 namespace vane {
 namespace {
 
-constexpr std::int32_t READ_IDENTIFICATION = 18;
-constexpr std::int32_t READ_SCANNER_MODULES = 41;
-constexpr std::int32_t READ_CHANNEL_COUNT = 43;
-constexpr std::int32_t READ_SCANNER_SCAN_MODE = 104;
-constexpr std::int32_t READ_SCAN_STEP = 110;
-constexpr std::int32_t WRITE_SCAN_STEP = 111;
-
 constexpr std::int16_t kMaxModules = 2;
 constexpr std::int16_t kScannerChannels = 10;
 
@@ -29,9 +22,9 @@ bool CVaneT312B::QueryNumModules() {
     line.params().ClearAll();
     std::int32_t count = 0;
     if (HasRecentFirmware()) {
-      count = ToInteger(NumberFromText(line.ReadSetting(READ_SCANNER_MODULES))) + 1;
+      count = ToInteger(NumberFromText(line.ReadSetting(ECommand::READ_SCANNER_MODULES))) + 1;
     } else {
-      line.ReadSetting(READ_IDENTIFICATION);
+      line.ReadSetting(ECommand::READ_IDENTIFICATION);
       count = 1 + ProbeForScanner();
     }
     SetNumModules(ToInteger(count));
@@ -45,9 +38,9 @@ bool CVaneT312B::QueryNumChannels() {
     CVaneCommunications& line = Line();
     line.params().ClearAll();
     if (HasRecentFirmware()) {
-      SetNumChannels(ToInteger(NumberFromText(line.ReadSetting(READ_CHANNEL_COUNT))));
+      SetNumChannels(ToInteger(NumberFromText(line.ReadSetting(ECommand::READ_CHANNEL_COUNT))));
     } else {
-      line.ReadSetting(READ_IDENTIFICATION);
+      line.ReadSetting(ECommand::READ_IDENTIFICATION);
       SetNumChannels(kNumInputs);
       SetNumChannels(static_cast<std::int16_t>(kNumInputs + ProbeForScanner() * kScannerChannels));
     }
@@ -65,7 +58,7 @@ std::int16_t CVaneT312B::ProbeForScanner() {
   std::int32_t tries = 0;
   failure.Try([&] { tries = line.COMPort().ReadTries(); });
   failure.Try([&] { line.COMPort().SetReadTries(1); });
-  failure.Try([&] { line.ReadSetting(READ_SCANNER_SCAN_MODE); });
+  failure.Try([&] { line.ReadSetting(ECommand::READ_SCANNER_SCAN_MODE); });
   failure.Try([&] { line.COMPort().SetReadTries(tries); });
   if (failure.IsSet()) return 0;
 
@@ -76,20 +69,22 @@ std::int16_t CVaneT312B::ProbeForScanner() {
     line.params().ClearAll();
     line.params().Index = "1";
   });
-  failure.Try([&] { kept = ToInteger(NumberFromText(line.ReadSetting(READ_SCAN_STEP))); });
+  failure.Try(
+      [&] { kept = ToInteger(NumberFromText(line.ReadSetting(ECommand::READ_SCAN_STEP))); });
   failure.Try([&] {
     line.params().Channel = "0";
-    line.WriteSetting(WRITE_SCAN_STEP);
+    line.WriteSetting(ECommand::WRITE_SCAN_STEP);
   });
   failure.Try([&] {
     line.params().Channel = last;
-    line.WriteSetting(WRITE_SCAN_STEP);
+    line.WriteSetting(ECommand::WRITE_SCAN_STEP);
   });
-  failure.Try(
-      [&] { found = NumberFromText(line.ReadSetting(READ_SCAN_STEP)) == kScannerChannels; });
+  failure.Try([&] {
+    found = NumberFromText(line.ReadSetting(ECommand::READ_SCAN_STEP)) == kScannerChannels;
+  });
   failure.Try([&] {
     line.params().Channel = std::to_string(kept);
-    line.WriteSetting(WRITE_SCAN_STEP);
+    line.WriteSetting(ECommand::WRITE_SCAN_STEP);
   });
   return found ? 1 : 0;
 }

@@ -13,12 +13,6 @@
 namespace vane {
 namespace {
 
-constexpr std::int32_t WRITE_REPETITIONS = 55;
-constexpr std::int32_t WRITE_CHANNEL_MODE = 57;
-constexpr std::int32_t WRITE_SCANNER_SCAN_MODE = 105;
-constexpr std::int32_t READ_SCAN_STEP = 110;
-constexpr std::int32_t WRITE_SCAN_STEP = 111;
-
 template <class Enum>
 std::string CodeText(Enum value) {
   return std::to_string(static_cast<std::int32_t>(value));
@@ -82,8 +76,8 @@ bool CVaneT312B::QueryScanChannelList(ui::CWindow* frm) {
       for (std::int32_t step = 1; step <= steps; ++step) {
         line.params().Index = std::to_string(step);
         // A step that was never set answers nothing and counts as Input 2.
-        const std::int16_t value =
-            ToInteger(ToInteger(NumberFromText(line.ReadSetting(READ_SCAN_STEP))) + kNumInputs);
+        const std::int16_t value = ToInteger(
+            ToInteger(NumberFromText(line.ReadSetting(ECommand::READ_SCAN_STEP))) + kNumInputs);
         SetScanChannels(ScanChannels() + std::to_string(value) + ",");
         if (!run.Advance()) break;
       }
@@ -119,7 +113,7 @@ bool CVaneT312B::UpdateScanChannelList(ui::CWindow* frm) {
                              ResourceText(217));
         }
         line.params().Channel = std::to_string(ToInteger(value));
-        line.WriteSetting(WRITE_SCAN_STEP);
+        line.WriteSetting(ECommand::WRITE_SCAN_STEP);
         if (!run.Advance()) break;
         PauseMs(kWritePause);
       }
@@ -131,16 +125,16 @@ bool CVaneT312B::UpdateScanChannelList(ui::CWindow* frm) {
 bool CVaneT312B::UpdateScanMode(bool override, bool scmode) {
   return Exchange("UpdateScanMode", [&] {
     if (HasScanners()) {
-      Write(Line(), WRITE_CHANNEL_MODE,
+      Write(Line(), ECommand::WRITE_CHANNEL_MODE,
             {{&CommandParams::value, CodeText(ET312BChannelMode::CM_SCANNER_SEQUENCE)}});
       Line().params().value = "1";
-      Line().WriteSetting(WRITE_REPETITIONS);
+      Line().WriteSetting(ECommand::WRITE_REPETITIONS);
       return UpdateScanScanMode(override, scmode);
     }
     using enum ET312BChannelMode;
     const std::string mode =
         override ? CodeText(scmode ? CM_ALTERNATE : CM_INPUT_1) : CodeText(ScanMode());
-    Write(Line(), WRITE_CHANNEL_MODE, {{&CommandParams::value, mode}});
+    Write(Line(), ECommand::WRITE_CHANNEL_MODE, {{&CommandParams::value, mode}});
     return true;
   });
 }
@@ -151,7 +145,7 @@ bool CVaneT312B::UpdateScanScanMode(bool override, bool scmode) {
     using enum ET312BScannerScanMode;
     const std::string mode =
         override ? CodeText(scmode ? SSM_USER_DEFINED : SSM_SCAN) : CodeText(ScanMode());
-    Write(Line(), WRITE_SCANNER_SCAN_MODE, {{&CommandParams::value, mode}});
+    Write(Line(), ECommand::WRITE_SCANNER_SCAN_MODE, {{&CommandParams::value, mode}});
     return true;
   });
 }
