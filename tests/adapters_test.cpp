@@ -23,7 +23,7 @@
 #include "adapters/terminal/terminal_platform.h"
 #include "adapters/terminal/terminal_progress.h"
 #include "tests/support/host_machine.h"
-#include "vane/support/library_error.h"
+#include "vane/components/library_error.h"
 
 namespace vane {
 namespace {

@@ -17,7 +17,7 @@
 #include "adapters/terminal/terminal_file_dialog.h"
 #include "adapters/terminal/terminal_printer_choice.h"
 #include "tests/support/host_machine.h"
-#include "vane/support/library_error.h"
+#include "vane/components/library_error.h"
 
 namespace vane {
 namespace {

@@ -1,7 +1,7 @@
 #include "adapters/conversions/conversion.h"
 
 #include "adapters/conversions/conversion_settings.h"
-#include "vane/support/library_error.h"
+#include "vane/components/library_error.h"
 
 namespace vane {
 

@@ -7,7 +7,7 @@
 #include <utility>
 
 #include "adapters/files/run_program.h"
-#include "vane/support/library_error.h"
+#include "vane/components/library_error.h"
 #include "vane/support/paths.h"
 
 namespace vane {

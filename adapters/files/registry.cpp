@@ -19,7 +19,7 @@
 #include "adapters/files/atomic_file.h"
 #include "adapters/posix/links.h"
 #include "adapters/posix/posix_file.h"
-#include "vane/support/library_error.h"
+#include "vane/components/library_error.h"
 
 namespace vane {
 namespace {

@@ -4,7 +4,7 @@
 
 #include <cstdint>
 
-#include "vane/support/library_error.h"
+#include "vane/components/library_error.h"
 
 namespace vane {
 

@@ -2,7 +2,7 @@
 
 #include "adapters/terminal/terminal_input.h"
 #include "adapters/terminal/terminal_output.h"
-#include "vane/support/library_error.h"
+#include "vane/components/library_error.h"
 
 namespace vane {
 namespace {

@@ -12,11 +12,10 @@
 #include "apps/thermoscribe/probe_record.h"
 #include "apps/thermoscribe/probe_set.h"
 #include "vane/support/failure.h"
+#include "vane/support/numbering.h"
 
 namespace vane {
 namespace {
-
-constexpr std::int16_t kMaxChannel = 12;
 
 EExitCode RunChannel(CHost& host, std::int16_t number) {
   if (const EExitCode code = host.Connect(); code != EExitCode::DONE) return code;
@@ -125,7 +124,7 @@ Command ChannelCommand() {
 Examples:
   thermoscribe channel 3
   thermoscribe --simulate channel 1 --json)",
-       .maximum = kMaxChannel,
+       .maximum = kHighestChannel,
        .meaning = "channel of the instrument, 1 to 12",
        .read = RunChannel,
        .setbrief = "Assign a probe, and write values of its record",

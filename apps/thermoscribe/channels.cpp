@@ -7,7 +7,7 @@
 #include "apps/thermoscribe/host.h"
 #include "vane/channels/channel.h"
 #include "vane/channels/module.h"
-#include "vane/topology/numbering.h"
+#include "vane/support/numbering.h"
 
 namespace vane {
 namespace {

@@ -5,7 +5,7 @@
 
 #include "vane/support/display_texts.h"
 #include "vane/support/texts.h"
-#include "vane/topology/numbering.h"
+#include "vane/support/numbering.h"
 
 namespace vane {
 namespace {

@@ -13,6 +13,7 @@
 #include "apps/thermoscribe/output.h"
 #include "apps/thermoscribe/value_rule.h"
 #include "vane/instrument/t312b.h"
+#include "vane/support/numbering.h"
 
 namespace vane {
 
@@ -70,9 +71,6 @@ struct PropertyRow {
 
 /// Whether the readout can only have `value` with a scanner.
 bool NeedsScanner(const PropertyRow& row, const Json& value);
-
-/// The highest channel that any instrument has.
-inline constexpr std::int32_t kHighestChannel = 12;
 
 /// `list` as the instrument's settings hold a scan sequence, if it names, with "," between,
 /// channels of the instrument from Input 2 to `highest`.

@@ -16,8 +16,8 @@
 #include "apps/thermoscribe/host.h"
 #include "apps/thermoscribe/value_rule.h"
 #include "vane/channels/channel.h"
+#include "vane/components/library_error.h"
 #include "vane/support/display_texts.h"
-#include "vane/support/library_error.h"
 #include "vane/support/timing.h"
 
 namespace vane {

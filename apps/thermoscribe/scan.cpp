@@ -11,7 +11,7 @@
 #include "apps/thermoscribe/host.h"
 #include "apps/thermoscribe/settings_write.h"
 #include "vane/support/display_texts.h"
-#include "vane/topology/numbering.h"
+#include "vane/support/numbering.h"
 
 namespace vane {
 namespace {

@@ -8,7 +8,6 @@
 #include "apps/thermoscribe/stages.h"
 #include "apps/thermoscribe/value_check.h"
 #include "vane/support/texts.h"
-#include "vane/topology/numbering.h"
 
 namespace vane {
 namespace {

@@ -10,6 +10,7 @@
 
 #include "apps/thermoscribe/exit_codes.h"
 #include "apps/thermoscribe/instrument_properties.h"
+#include "vane/support/numbering.h"
 
 namespace vane {
 

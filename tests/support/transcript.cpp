@@ -4,7 +4,7 @@
 #include <charconv>
 
 #include "tests/support/fake_probe.h"
-#include "vane/support/library_error.h"
+#include "vane/components/library_error.h"
 #include "vane/support/messages.h"
 #include "vane/support/number_text.h"
 

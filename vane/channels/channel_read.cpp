@@ -8,10 +8,10 @@
 #include "vane/support/failure.h"
 #include "vane/support/long_run.h"
 #include "vane/support/messages.h"
+#include "vane/support/numbering.h"
 #include "vane/support/numbers.h"
 #include "vane/support/text_table.h"
 #include "vane/support/texts.h"
-#include "vane/topology/numbering.h"
 
 namespace vane {
 namespace {

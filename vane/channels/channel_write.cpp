@@ -9,9 +9,9 @@
 #include "vane/support/long_run.h"
 #include "vane/support/messages.h"
 #include "vane/support/number_text.h"
+#include "vane/support/numbering.h"
 #include "vane/support/numbers.h"
 #include "vane/support/text_table.h"
-#include "vane/topology/numbering.h"
 
 namespace vane {
 namespace {

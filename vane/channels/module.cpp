@@ -3,14 +3,15 @@
 #include "vane/support/failure.h"
 #include "vane/support/long_run.h"
 #include "vane/support/messages.h"
+#include "vane/support/numbering.h"
 #include "vane/support/numbers.h"
 #include "vane/support/text_table.h"
 
 namespace vane {
 namespace {
 
-constexpr ModuleKind kInputs{"CVaneT312BBaseModule", kReadoutModel, 2};
-constexpr ModuleKind kScanner{"CVaneM420Multiplexer", kScannerModel, 10};
+constexpr ModuleKind kInputs{"CVaneT312BBaseModule", kReadoutModel, kNumInputs};
+constexpr ModuleKind kScanner{"CVaneM420Multiplexer", kScannerModel, kScannerChannels};
 
 }  // namespace
 

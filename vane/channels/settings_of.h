@@ -2,7 +2,7 @@
 #pragma once
 
 #include "vane/components/conversion.h"
-#include "vane/support/library_error.h"
+#include "vane/components/library_error.h"
 
 namespace vane {
 

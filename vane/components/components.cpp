@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "vane/support/library_error.h"
+#include "vane/components/library_error.h"
 
 namespace vane {
 namespace {

@@ -1,6 +1,6 @@
 #include "vane/dialogs/show_files.h"
 
-#include "vane/support/library_error.h"
+#include "vane/components/library_error.h"
 #include "vane/support/messages.h"
 #include "vane/support/paths.h"
 #include "vane/support/text_table.h"

@@ -5,10 +5,10 @@
 #include "vane/instrument/settings_table.h"
 #include "vane/instrument/t312b.h"
 #include "vane/support/exchange.h"
+#include "vane/support/numbering.h"
 #include "vane/support/text_table.h"
 #include "vane/support/texts.h"
 #include "vane/support/timing.h"
-#include "vane/topology/numbering.h"
 
 namespace vane {
 namespace {

@@ -8,7 +8,7 @@
 #include <string_view>
 #include <utility>
 
-#include "vane/support/library_error.h"
+#include "vane/components/library_error.h"
 #include "vane/support/messages.h"
 #include "vane/support/text_table.h"
 

@@ -6,7 +6,7 @@
 #include <limits>
 #include <system_error>
 
-#include "vane/support/library_error.h"
+#include "vane/components/library_error.h"
 
 namespace vane {
 namespace {

@@ -4,7 +4,7 @@
 #include <iterator>
 #include <string_view>
 
-#include "vane/support/library_error.h"
+#include "vane/components/library_error.h"
 
 namespace vane {
 namespace {

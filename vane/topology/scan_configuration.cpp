@@ -6,9 +6,9 @@
 #include "vane/instrument/settings_table.h"
 #include "vane/instrument/t312b.h"
 #include "vane/support/long_run.h"
+#include "vane/support/numbering.h"
 #include "vane/support/text_table.h"
 #include "vane/support/timing.h"
-#include "vane/topology/numbering.h"
 
 namespace vane {
 namespace {

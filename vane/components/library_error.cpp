@@ -1,4 +1,4 @@
-#include "vane/support/library_error.h"
+#include "vane/components/library_error.h"
 
 #include <utility>
 

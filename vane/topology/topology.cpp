@@ -4,14 +4,13 @@
 
 #include "vane/instrument/t312b.h"
 #include "vane/support/exchange.h"
+#include "vane/support/numbering.h"
 #include "vane/support/text_table.h"
-#include "vane/topology/numbering.h"
 
 namespace vane {
 namespace {
 
 constexpr std::int16_t kMaxModules = 2;
-constexpr std::int16_t kScannerChannels = 10;
 
 }  // namespace
 

@@ -17,6 +17,10 @@ namespace vane {
 /// Inputs of the readout itself; every instrument channel number above is a scanner channel's.
 inline constexpr std::int16_t kNumInputs = 2;
 
+/// Channels of a scanner, and the highest channel that an instrument can have.
+inline constexpr std::int16_t kScannerChannels = 10;
+inline constexpr std::int16_t kHighestChannel = kNumInputs + kScannerChannels;
+
 /// A scanner channel's number on the scanner, from its instrument channel number. Wide enough for
 /// any count of channels that an instrument may answer.
 constexpr std::int32_t ScannerChannel(std::int32_t instrumentchannel) {
