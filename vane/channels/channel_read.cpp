@@ -3,7 +3,7 @@
 
 #include "vane/channels/channel.h"
 #include "vane/channels/module.h"
-#include "vane/instrument/t312b.h"
+#include "vane/instrument/operations.h"
 #include "vane/support/exchange.h"
 #include "vane/support/failure.h"
 #include "vane/support/long_run.h"
@@ -41,7 +41,7 @@ CVaneCommunications& CVaneT312BPRTTHRMChannel::Line() const {
   if (module_ == nullptr || module_->BaseUnit() == nullptr) {
     throw LibraryError(ERR_PLATFORM_CALL, {}, "The channel belongs to no instrument.");
   }
-  return module_->BaseUnit()->Line();
+  return LineOf(*module_->BaseUnit());
 }
 
 bool CVaneT312BPRTTHRMChannel::QueryInfo(ui::CWindow* frm) {

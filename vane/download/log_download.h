@@ -1,4 +1,5 @@
-// The working state of one download, from the first line of its trace to the last.
+// One download of a log, from the first line of its trace to the last: what its stages hand on to
+// each other, and the stages.
 #pragma once
 
 #include <array>
@@ -7,19 +8,45 @@
 #include <string>
 
 #include "vane/components/components.h"
-#include "vane/instrument/t312b.h"
+#include "vane/components/field_parser.h"
+#include "vane/support/enums.h"
 
 namespace vane {
 
-struct CVaneT312B::LogDownload {
-  std::unique_ptr<CVaneTextFile> trace;
-  std::unique_ptr<CVaneProgress> progress;
-  std::string numberformat;
-  std::string rawtext;  ///< the replies so far, each with CR LF behind it
-  bool aborted = false;
+class CVaneT312B;
 
-  /// Only the first is ever filled; the second ends the list for the dialog.
-  std::array<std::unique_ptr<CVaneOutputFile>, 2> files;
+class CLogDownload {
+ public:
+  CLogDownload(CVaneT312B& instrument, const Components& components)
+      : instrument_(instrument), components_(components) {}
+
+  /// `CVaneT312B::DownloadLogAbove`. Once per object.
+  bool Run(ui::CWindow* frm, AwkOne& awkParser, ET312BDownloadLogOption log,
+           std::int16_t numreadings, std::int16_t resol, bool prompt);
+
+ private:
+  enum class EEnd { SILENT, STOPPED, DONE };
+
+  EEnd Transfer(ET312BDownloadLogOption log, std::int16_t numreadings);
+  // False when the reading stays bad.
+  bool FetchReading(ECommand id, std::int32_t reading, const std::string& total,
+                    std::string& reply);
+  bool WriteTempFile();
+  void Parse(AwkOne& awkParser, bool prompt);
+  bool PrepareFile(CVaneOutputFile& file, bool prompt, std::int16_t chn);
+  void WriteRows(AwkOne& awkParser);
+  void ShowFiles(ui::CWindow* frm);
+
+  CVaneT312B& instrument_;
+  const Components& components_;
+  std::unique_ptr<CVaneTextFile> trace_;
+  std::unique_ptr<CVaneProgress> progress_;
+  std::string numberformat_;
+  std::string rawtext_;  // the replies so far, each with CR LF behind it
+  bool aborted_ = false;
+
+  // Only the first is ever filled; the second ends the list for the dialog.
+  std::array<std::unique_ptr<CVaneOutputFile>, 2> files_;
 };
 
 }  // namespace vane

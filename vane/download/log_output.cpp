@@ -1,5 +1,6 @@
 // The text of a log taken apart and written as a column text file.
 #include "vane/download/log_download.h"
+#include "vane/instrument/operations.h"
 #include "vane/instrument/t312b.h"
 #include "vane/support/display_texts.h"
 #include "vane/support/failure.h"
@@ -38,35 +39,41 @@ constexpr ColumnRow kColumns[] = {
 
 constexpr std::int32_t kSaveDialogFlags = 0x280806;
 
-}  // namespace
-
-void CVaneT312B::ParseLog(LogDownload& run, AwkOne& awkParser, bool prompt) {
-  run.trace->WriteLine("Preparing to parse downloaded data...");
-  awkParser.SetFS(" \r\n");
-  awkParser.SetL(run.rawtext);
-  awkParser.NF();  // the parser splits here, before the display says what goes on
-  run.trace->WriteLine("Fields to parse: " + std::to_string(awkParser.NF()));
-  run.progress = components_.factory.MakeProgress();
-  run.progress->Start(ResourceText(198), 0);
-  run.trace->WriteLine("Creating file...");
-  run.files[0] = components_.factory.MakeOutputFile();
-  run.files[0]->SetRegistry(registry_);
-  run.progress->Hide(false);
-  components_.platform.RunMessageQueue(0);
-  run.trace->WriteLine("Preparing file...");
-  if (PrepareDownloadFile(*run.files[0], prompt, 0)) {
-    run.progress->Hide(true);
-    components_.platform.RunMessageQueue(0);
-    WriteRows(run, awkParser);
-    run.trace->WriteLine("Closing file...");
-    bool closed = false;
-    run.files[0]->Close(closed);
-  }
-  run.progress->Hide(false);
+std::string LogUnitText(const std::string& text) {
+  if (Contains(text, "C")) return UnitsText(0);
+  if (Contains(text, "F")) return UnitsText(1);
+  return text;
 }
 
-void CVaneT312B::WriteRows(LogDownload& run, AwkOne& awkParser) {
-  CVaneOutputFile& file = *run.files[0];
+}  // namespace
+
+void CLogDownload::Parse(AwkOne& awkParser, bool prompt) {
+  trace_->WriteLine("Preparing to parse downloaded data...");
+  awkParser.SetFS(" \r\n");
+  awkParser.SetL(rawtext_);
+  awkParser.NF();  // the parser splits here, before the display says what goes on
+  trace_->WriteLine("Fields to parse: " + std::to_string(awkParser.NF()));
+  progress_ = components_.factory.MakeProgress();
+  progress_->Start(ResourceText(198), 0);
+  trace_->WriteLine("Creating file...");
+  files_[0] = components_.factory.MakeOutputFile();
+  files_[0]->SetRegistry(instrument_.Registry());
+  progress_->Hide(false);
+  components_.platform.RunMessageQueue(0);
+  trace_->WriteLine("Preparing file...");
+  if (PrepareFile(*files_[0], prompt, 0)) {
+    progress_->Hide(true);
+    components_.platform.RunMessageQueue(0);
+    WriteRows(awkParser);
+    trace_->WriteLine("Closing file...");
+    bool closed = false;
+    files_[0]->Close(closed);
+  }
+  progress_->Hide(false);
+}
+
+void CLogDownload::WriteRows(AwkOne& awkParser) {
+  CVaneOutputFile& file = *files_[0];
   std::string nothing[std::size(kColumns)];
   for (std::size_t i = 0; i < std::size(kColumns); ++i) {
     if (kColumns[i].nothing != 0) nothing[i] = ResourceText(kColumns[i].nothing);
@@ -75,10 +82,10 @@ void CVaneT312B::WriteRows(LogDownload& run, AwkOne& awkParser) {
   const std::string total = " of " + std::to_string(count) + ": ";
   for (std::int32_t i = 1; i <= count; ++i) {
     const std::string field = awkParser.f(i);
-    run.trace->WriteLine("Field " + std::to_string(i) + total + field);
+    trace_->WriteLine("Field " + std::to_string(i) + total + field);
     switch (i % kFieldsOfReading) {
       case 1:
-        file.SetField(READING_COLUMN, FormatNumber(NumberFromText(field), run.numberformat));
+        file.SetField(READING_COLUMN, FormatNumber(NumberFromText(field), numberformat_));
         break;
       case 2:
         file.SetField(READING_COLUMN, file.Field(READING_COLUMN) + " " + LogUnitText(field));
@@ -87,23 +94,24 @@ void CVaneT312B::WriteRows(LogDownload& run, AwkOne& awkParser) {
         for (const EColumn column : {LABEL_COLUMN, CHANNEL_COLUMN, TIME_COLUMN, DATE_COLUMN}) {
           file.SetField(column, nothing[column]);
         }
-        run.trace->WriteLine("Updating file...");
+        trace_->WriteLine("Updating file...");
         bool written = false;
         file.WriteRow(written);
-        if (!run.progress->Step(count, i, kNoPosition)) {
-          run.aborted = true;
+        if (!progress_->Step(count, i, kNoPosition)) {
+          aborted_ = true;
           return;
         }
     }
   }
 }
 
-bool CVaneT312B::PrepareDownloadFile(CVaneOutputFile& file, bool prompt, std::int16_t chn) {
+bool CLogDownload::PrepareFile(CVaneOutputFile& file, bool prompt, std::int16_t chn) {
   return AtBoundary(
       [] { return ResourceText(199); },
       [&] {
         const auto downloadfolder = [&] {
-          return RequiredRegistry().ReadText("DownloadFolder", FilePath(), kCurrentUserRoot, {});
+          return RegistryOf(instrument_)
+              .ReadText("DownloadFolder", instrument_.FilePath(), kCurrentUserRoot, {});
         };
         const bool allchannels = chn == 0;
         const std::string extension = "txt";
@@ -126,7 +134,7 @@ bool CVaneT312B::PrepareDownloadFile(CVaneOutputFile& file, bool prompt, std::in
           if (cancelled.IsSet()) return false;
           path = dialog->FileName();
         }
-        file.SetHelpFile(HelpFile());
+        file.SetHelpFile(instrument_.HelpFile());
         file.SetFileName(GetFileFromPath(path));
         file.SetFolder(GetFolderFromPath(path));
 
@@ -140,7 +148,7 @@ bool CVaneT312B::PrepareDownloadFile(CVaneOutputFile& file, bool prompt, std::in
         for (std::int16_t column = 0; column < columns; ++column) {
           file.SetField(column, ResourceText(kColumns[column].title));
         }
-        file.SetHeader(kLineEnd + ResourceText(196) + ": " + Model());
+        file.SetHeader(kLineEnd + ResourceText(196) + ": " + instrument_.Model());
         if (!allchannels) {
           file.SetHeader(file.Header() + kLineEnd + ResourceText(195) + ": " + std::to_string(chn));
         }
@@ -150,12 +158,6 @@ bool CVaneT312B::PrepareDownloadFile(CVaneOutputFile& file, bool prompt, std::in
         file.WriteHeader(kHeadWithTitles, headed);
         return created && headed;
       });
-}
-
-std::string CVaneT312B::LogUnitText(const std::string& text) {
-  if (Contains(text, "C")) return UnitsText(0);
-  if (Contains(text, "F")) return UnitsText(1);
-  return text;
 }
 
 }  // namespace vane

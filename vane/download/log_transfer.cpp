@@ -1,6 +1,7 @@
 // A log fetched reading by reading, and the run around that.
 #include "vane/dialogs/show_files.h"
 #include "vane/download/log_download.h"
+#include "vane/instrument/operations.h"
 #include "vane/instrument/t312b.h"
 #include "vane/support/exchange.h"
 #include "vane/support/failure.h"
@@ -39,123 +40,126 @@ bool CVaneT312B::DownloadLog(AwkOne& awkParser, ET312BDownloadLogOption log,
 bool CVaneT312B::DownloadLogAbove(ui::CWindow* frm, AwkOne& awkParser, ET312BDownloadLogOption log,
                                   ET312BDownloadOption, std::int16_t numreadings,
                                   std::int16_t resol, bool prompt) {
-  LogDownload run;
+  return CLogDownload(*this, components_).Run(frm, awkParser, log, numreadings, resol, prompt);
+}
+
+bool CLogDownload::Run(ui::CWindow* frm, AwkOne& awkParser, ET312BDownloadLogOption log,
+                       std::int16_t numreadings, std::int16_t resol, bool prompt) {
   CPendingFailure ignored;
   bool done = false;
   try {
     SetBusyCursor(true);
-    run.trace = components_.factory.CreateTextFile(
+    trace_ = components_.factory.CreateTextFile(
         BuildFullPath(components_.platform.TemporaryFolder(), kTraceName));
-    run.trace->WriteLine("Preparing to download data from T312B...");
-    run.numberformat = NumberFormat(resol);
-    switch (TransferLog(run, log, numreadings)) {
-      case EDownloadEnd::SILENT:
+    trace_->WriteLine("Preparing to download data from T312B...");
+    numberformat_ = NumberFormat(resol);
+    switch (Transfer(log, numreadings)) {
+      case EEnd::SILENT:
         return false;
-      case EDownloadEnd::STOPPED:
+      case EEnd::STOPPED:
         break;
-      case EDownloadEnd::DONE:
-        ParseLog(run, awkParser, prompt);
-        done = !run.aborted;
+      case EEnd::DONE:
+        Parse(awkParser, prompt);
+        done = !aborted_;
     }
   } catch (...) {
     const LibraryError error = PendingError();
     ignored.Try([&] {
-      if (run.progress) run.progress->Hide(false);
+      if (progress_) progress_->Hide(false);
     });
     ignored.Try([&] {
-      if (run.trace) {
-        run.trace->WriteLine("Error: " + std::to_string(error.Number()) + " - " +
-                             error.Description() + "[Source: " + error.Source() + "]");
+      if (trace_) {
+        trace_->WriteLine("Error: " + std::to_string(error.Number()) + " - " + error.Description() +
+                          "[Source: " + error.Source() + "]");
       }
     });
     ignored.Try([] { ShowError(ResourceText(189), kCompanyName, {}, 0); });
   }
-  if (done) ShowDownloadedFiles(run, frm);
+  if (done) ShowFiles(frm);
 
   ignored.Try([&] {
-    if (run.trace) run.trace->WriteLine("Download finished...");
+    if (trace_) trace_->WriteLine("Download finished...");
   });
-  run.trace.reset();
+  trace_.reset();
   ignored.Try([&] {
-    if (run.progress) run.progress->Finish();
+    if (progress_) progress_->Finish();
   });
-  run.progress.reset();
-  run.files[0].reset();
+  progress_.reset();
+  files_[0].reset();
   ignored.Try([] { SetBusyCursor(false); });
   return done;
 }
 
-CVaneT312B::EDownloadEnd CVaneT312B::TransferLog(LogDownload& run, ET312BDownloadLogOption log,
-                                                 std::int16_t numreadings) {
-  run.trace->WriteLine("Initializing communications...");
-  InitializeCommunicationSettings();
-  run.trace->WriteLine("Querying firmware version...");
-  if (!QueryIdentification(true)) return EDownloadEnd::SILENT;
-  run.trace->WriteLine("Firmware version " + PlainNumberText(Firmware()));
-  if (!HasRecentFirmware()) {
+CLogDownload::EEnd CLogDownload::Transfer(ET312BDownloadLogOption log, std::int16_t numreadings) {
+  trace_->WriteLine("Initializing communications...");
+  instrument_.InitializeCommunicationSettings();
+  trace_->WriteLine("Querying firmware version...");
+  if (!instrument_.QueryIdentification(true)) return EEnd::SILENT;
+  trace_->WriteLine("Firmware version " + PlainNumberText(instrument_.Firmware()));
+  if (!instrument_.VerifyMinimumFirmware()) {
     ShowMessage(ResourceText(218));
-    return EDownloadEnd::STOPPED;
+    return EEnd::STOPPED;
   }
   const std::int16_t count = numreadings == 0 ? kUsualReadings : numreadings;
   const std::string total = std::to_string(count);
-  run.trace->WriteLine("Count: " + total);
-  run.trace->WriteLine("Downloading data...");
-  Line().params().ClearAll();
-  run.progress = components_.factory.MakeProgress();
-  run.progress->Start(ResourceText(219), 0);
+  trace_->WriteLine("Count: " + total);
+  trace_->WriteLine("Downloading data...");
+  LineOf(instrument_).params().ClearAll();
+  progress_ = components_.factory.MakeProgress();
+  progress_->Start(ResourceText(219), 0);
   const ECommand id = log == ET312BDownloadLogOption::DOWNLOAD_HISTORY_LOG
                           ? ECommand::READ_HISTORY_LOG
                           : ECommand::READ_MEMORY_LOG;
   std::int32_t bad = 0;
   for (std::int32_t reading = 1; reading <= count; ++reading) {
-    Line().params().Index = std::to_string(reading);
+    LineOf(instrument_).params().Index = std::to_string(reading);
     std::string reply;
-    if (!FetchReading(run, id, reading, total, reply)) {
+    if (!FetchReading(id, reading, total, reply)) {
       bad = reading;
       break;
     }
-    if (!run.progress->Step(count, reading, kNoPosition)) {
-      run.aborted = true;
+    if (!progress_->Step(count, reading, kNoPosition)) {
+      aborted_ = true;
       break;
     }
     if (reply.empty()) break;
-    run.rawtext += reply;
-    run.rawtext += "\r\n";
+    rawtext_ += reply;
+    rawtext_ += "\r\n";
   }
-  run.trace->WriteLine("Writing downloaded data to temp file...");
-  WriteDownloadTempFile(run.rawtext);
+  trace_->WriteLine("Writing downloaded data to temp file...");
+  WriteTempFile();
   if (bad != 0) {
-    throw LibraryError(ERR_BAD_READING, Label("DownloadLog"),
+    throw LibraryError(ERR_BAD_READING, InstrumentLabel("DownloadLog"),
                        "Reading " + std::to_string(bad) +
                            " of the log could not be fetched: the instrument answers with its "
                            "identification.");
   }
-  run.progress->Finish();
-  run.progress.reset();
-  if (!run.aborted) return EDownloadEnd::DONE;
-  run.trace->WriteLine("Download aborted...");
+  progress_->Finish();
+  progress_.reset();
+  if (!aborted_) return EEnd::DONE;
+  trace_->WriteLine("Download aborted...");
   ShowMessage(ResourceText(214));
-  return EDownloadEnd::STOPPED;
+  return EEnd::STOPPED;
 }
 
-bool CVaneT312B::FetchReading(LogDownload& run, ECommand id, std::int32_t reading,
-                              const std::string& total, std::string& reply) {
+bool CLogDownload::FetchReading(ECommand id, std::int32_t reading, const std::string& total,
+                                std::string& reply) {
   for (int repeats = 0;; ++repeats) {
-    run.trace->WriteLine("Querying value " + std::to_string(reading) + " of " + total + "...");
-    reply = Line().ReadSetting(id);
-    run.trace->WriteLine("Result: " + reply);
+    trace_->WriteLine("Querying value " + std::to_string(reading) + " of " + total + "...");
+    reply = LineOf(instrument_).ReadSetting(id);
+    trace_->WriteLine("Result: " + reply);
     if (!Contains(reply, kIdentificationMark)) return true;
     if (repeats == kMaxRepeats) return false;
-    run.trace->WriteLine("Bad result - retry...");
+    trace_->WriteLine("Bad result - retry...");
   }
 }
 
-bool CVaneT312B::WriteDownloadTempFile(const std::string& text) {
+bool CLogDownload::WriteTempFile() {
   std::string path;
   try {
     path = BuildFullPath(components_.platform.TemporaryFolder(), kRawTextName);
     const auto file = components_.factory.CreateTextFile(path);
-    file->Write(text);
+    file->Write(rawtext_);
     CPendingFailure ignored;
     ignored.Try([&] { file->Close(); });
     return true;
@@ -166,12 +170,12 @@ bool CVaneT312B::WriteDownloadTempFile(const std::string& text) {
   }
 }
 
-void CVaneT312B::ShowDownloadedFiles(LogDownload& run, ui::CWindow* frm) {
+void CLogDownload::ShowFiles(ui::CWindow* frm) {
   CPendingFailure ignored;
   std::unique_ptr<frmShowFiles> dialog;
   try {
     dialog = std::make_unique<frmShowFiles>(components_);
-    dialog->SetFiles(run.files);
+    dialog->SetFiles(files_);
     dialog->Show(frm);
   } catch (...) {
     ignored.Try([] { ShowError(ResourceText(301), kCompanyName, {}, 0); });

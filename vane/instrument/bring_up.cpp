@@ -1,6 +1,7 @@
 // Opening the way to the instrument and finding out who is on the other end.
 #include <string>
 
+#include "vane/instrument/operations.h"
 #include "vane/instrument/t312b.h"
 #include "vane/support/exchange.h"
 #include "vane/support/long_run.h"
@@ -21,6 +22,15 @@ std::string ParentFolder(const std::string& folder) {
   return parent;
 }
 
+// The whole reply is searched: an instrument that names its model behind the comma passes.
+bool CheckModel(const CVaneT312B& instrument, CLongRun& run) {
+  if (Contains(instrument.Identification(), kReadoutModel)) return true;
+  run.Hide();
+  ShowMessage(
+      SubstituteParams(ResourceText(104), std::string(kReadoutModel) + "|" + kReadoutModel));
+  return false;
+}
+
 }  // namespace
 
 bool CVaneT312B::InitializeCommunications(const std::string& fp, EVanePortNumber cp,
@@ -36,13 +46,13 @@ bool CVaneT312B::InitializeCommunications(const std::string& fp, EVanePortNumber
     communications_->SetInstrumentKind(kInstrumentKind);
     port.SetBaudRate(br);
     port.SetPortNumber(cp);
-    port.SetAutoClose(RequiredRegistry().ReadBoolean("COMAutoClose", false, kCurrentUserRoot, {}) !=
+    port.SetAutoClose(RegistryOf(*this).ReadBoolean("COMAutoClose", false, kCurrentUserRoot, {}) !=
                       0);
     return true;
   } catch (...) {
     const LibraryError error = PendingError();
     throw LibraryError(error.Number(),
-                       Label("InitializeCommunications(),") + fp + "," +
+                       InstrumentLabel("InitializeCommunications(),") + fp + "," +
                            std::to_string(static_cast<std::int32_t>(cp)) + "," +
                            std::to_string(static_cast<std::int32_t>(br)),
                        error.Description());
@@ -52,14 +62,14 @@ bool CVaneT312B::InitializeCommunications(const std::string& fp, EVanePortNumber
 bool CVaneT312B::InitializeCommunicationSettings() {
   return AtBoundary([] { return ResourceText(114); },
                     [&] {
-                      Write(Line(), ECommand::WRITE_INITIALIZE);
+                      Write(LineOf(*this), ECommand::WRITE_INITIALIZE);
                       return true;
                     });
 }
 
 bool CVaneT312B::QueryIdentification(bool setprops) {
-  return Exchange("QueryIdentification", [&] {
-    CVaneCommunications& line = Line();
+  return Exchange(*this, "QueryIdentification", [&] {
+    CVaneCommunications& line = LineOf(*this);
     line.params().ClearAll();
     identification_ = line.ReadSetting(ECommand::READ_IDENTIFICATION, false);
     if (identification_.empty()) return false;
@@ -88,20 +98,11 @@ void ExtractModFWFromID(const std::string& id, std::string& model, double& firmw
   }
 }
 
-// The whole reply is searched: an instrument that names its model behind the comma passes.
-bool CVaneT312B::CheckModel(CLongRun& run) {
-  if (Contains(identification_, kReadoutModel)) return true;
-  run.Hide();
-  ShowMessage(
-      SubstituteParams(ResourceText(104), std::string(kReadoutModel) + "|" + kReadoutModel));
-  return false;
-}
-
-// The head of every long run. A failed initialization has been shown and does not stop it: the
-// identification tells whether anybody is there.
-bool CVaneT312B::ProveInstrument(CLongRun& run, bool setprops) {
-  InitializeCommunicationSettings();
-  return QueryIdentification(setprops) && CheckModel(run);
+// A failed initialization has been shown and does not stop it: the identification tells whether
+// anybody is there.
+bool ProveInstrument(CVaneT312B& instrument, CLongRun& run, bool setprops) {
+  instrument.InitializeCommunicationSettings();
+  return instrument.QueryIdentification(setprops) && CheckModel(instrument, run);
 }
 
 }  // namespace vane

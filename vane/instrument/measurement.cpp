@@ -1,7 +1,10 @@
 // Readings, and the wait for a new one.
 #include <algorithm>
 #include <functional>
+#include <optional>
+#include <string>
 
+#include "vane/instrument/operations.h"
 #include "vane/instrument/settings_table.h"
 #include "vane/instrument/t312b.h"
 #include "vane/support/exchange.h"
@@ -18,12 +21,97 @@ constexpr std::int32_t kPollPause = 1000;  // ms
 constexpr std::int64_t kShortestLimit = 120'000;  // ms
 constexpr std::int64_t kMsPerSecond = 1000;
 
+// A reading on its way.
+class CReading {
+ public:
+  CReading(const CVaneT312B& instrument, CPlatform& platform, const bool& cancelled,
+           std::optional<MeasurementTrouble>& trouble)
+      : instrument_(instrument), platform_(platform), cancelled_(cancelled), trouble_(trouble) {}
+
+  double OfChannel(std::int16_t chn, bool waitfornew);
+
+ private:
+  double OfScanner(std::int32_t chan, bool waitfornew);
+  // A host that asks for a reading is told that there is none, not which exchange on the way
+  // failed.
+  double Guarded(std::string_view operation, std::int16_t failedtext,
+                 const std::function<double()>& body);
+  void WaitForNewData();
+  [[noreturn]] void EndWait(EMeasurementTrouble kind, const char* description);
+
+  const CVaneT312B& instrument_;
+  CPlatform& platform_;
+  const bool& cancelled_;
+  std::optional<MeasurementTrouble>& trouble_;  // the first
+};
+
+double CReading::OfChannel(std::int16_t chn, bool waitfornew) {
+  return Guarded("QueryMeasurement", 174, [&] {
+    LineOf(instrument_).params().ClearAll();
+    if (waitfornew) WaitForNewData();
+    if (chn > kNumInputs) return OfScanner(ScannerChannel(chn), waitfornew);
+    LineOf(instrument_).params().Channel = std::to_string(chn);
+    return NumberFromText(LineOf(instrument_).ReadSetting(ECommand::READ_MEASUREMENT));
+  });
+}
+
+double CReading::OfScanner(std::int32_t chan, bool waitfornew) {
+  if (chan > ScannerChannel(instrument_.NumChannels()) || chan < 1) {
+    throw LibraryError(ERR_INVALID_CHANNEL, InstrumentLabel("QueryScannerMeasurement"),
+                       ResourceText(171));
+  }
+  return Guarded("QueryScannerMeasurement", 216, [&] {
+    LineOf(instrument_).params().ClearAll();
+    if (waitfornew) WaitForNewData();
+    LineOf(instrument_).params().Channel = std::to_string(chan);
+    return NumberFromText(LineOf(instrument_).ReadSetting(ECommand::READ_SCANNER_MEASUREMENT));
+  });
+}
+
+double CReading::Guarded(std::string_view operation, std::int16_t failedtext,
+                         const std::function<double()>& body) {
+  try {
+    return body();
+  } catch (...) {
+    // A scanner reading passes here twice; the inner one knows.
+    if (!trouble_) {
+      trouble_ = {EMeasurementTrouble::FAILED, PendingError()};
+    }
+    throw LibraryError(ERR_MEASUREMENT, InstrumentLabel(operation), ResourceText(failedtext),
+                       instrument_.HelpFile(), instrument_.HCIDCommError());
+  }
+}
+
+void CReading::WaitForNewData() {
+  // Summed up, since a wait may be longer than what the tick count can tell apart.
+  std::int64_t waited = 0;
+  std::uint32_t last = platform_.TickCount();
+  while (!Contains(LineOf(instrument_).ReadSetting(ECommand::READ_NEW_DATA), "1")) {
+    const std::uint32_t now = platform_.TickCount();
+    waited += now - last;
+    last = now;
+    if (waited >= instrument_.NewDataLimit()) {
+      EndWait(EMeasurementTrouble::TIMED_OUT, "No new reading came in time.");
+    }
+    PauseMs(kPollPause, [this] { return cancelled_; });
+    if (cancelled_) {
+      EndWait(EMeasurementTrouble::CANCELLED, "The wait for a new reading was cancelled.");
+    }
+  }
+}
+
+void CReading::EndWait(EMeasurementTrouble kind, const char* description) {
+  trouble_ = {kind,
+              LibraryError(ERR_MEASUREMENT, InstrumentLabel("QueryMeasurement"), description)};
+  throw trouble_->error;
+}
+
 }  // namespace
 
 bool CVaneT312B::StartMeasure() {
   return AtBoundary([] { return SubstituteParams(ResourceText(113), ResourceText(202)); },
                     [&] {
-                      Write(Line(), ECommand::WRITE_START_MEASURE);
+                      Write(LineOf(*this), ECommand::WRITE_START_MEASURE);
                       return true;
                     });
 }
@@ -31,7 +119,7 @@ bool CVaneT312B::StartMeasure() {
 bool CVaneT312B::StopMeasure() {
   return AtBoundary([] { return SubstituteParams(ResourceText(113), ResourceText(203)); },
                     [&] {
-                      Write(Line(), ECommand::WRITE_STOP_MEASURE);
+                      Write(LineOf(*this), ECommand::WRITE_STOP_MEASURE);
                       return true;
                     });
 }
@@ -41,43 +129,11 @@ double CVaneT312B::QueryMeasurement(std::int16_t chan, bool waitfornew) {
   const bool selected = chan == -1;
   const std::int16_t chn = selected ? SelectedChannel() : chan;
   if (selected ? chn == -1 : chn > NumChannels() || chn < 1) {
-    throw LibraryError(ERR_INVALID_CHANNEL, Label("QueryMeasurement"), ResourceText(171));
+    throw LibraryError(ERR_INVALID_CHANNEL, InstrumentLabel("QueryMeasurement"), ResourceText(171));
   }
   waitcancelled_ = false;
-  return MeasurementOf("QueryMeasurement", 174, [&] {
-    Line().params().ClearAll();
-    if (waitfornew) WaitForNewData();
-    if (chn > kNumInputs) return QueryScannerMeasurement(ScannerChannel(chn), waitfornew);
-    Line().params().Channel = std::to_string(chn);
-    return NumberFromText(Line().ReadSetting(ECommand::READ_MEASUREMENT));
-  });
-}
-
-double CVaneT312B::QueryScannerMeasurement(std::int32_t chan, bool waitfornew) {
-  if (chan > ScannerChannel(NumChannels()) || chan < 1) {
-    throw LibraryError(ERR_INVALID_CHANNEL, Label("QueryScannerMeasurement"), ResourceText(171));
-  }
-  return MeasurementOf("QueryScannerMeasurement", 216, [&] {
-    Line().params().ClearAll();
-    if (waitfornew) WaitForNewData();
-    Line().params().Channel = std::to_string(chan);
-    return NumberFromText(Line().ReadSetting(ECommand::READ_SCANNER_MEASUREMENT));
-  });
-}
-
-// A host that asks for a reading is told that there is none, not which exchange on the way failed.
-double CVaneT312B::MeasurementOf(std::string_view operation, std::int16_t failedtext,
-                                 const std::function<double()>& body) {
-  try {
-    return body();
-  } catch (...) {
-    // A scanner reading passes here twice; the inner one knows.
-    if (!measurementtrouble_) {
-      measurementtrouble_ = {EMeasurementTrouble::FAILED, PendingError()};
-    }
-    throw LibraryError(ERR_MEASUREMENT, Label(operation), ResourceText(failedtext), HelpFile(),
-                       HCIDCommError());
-  }
+  return CReading(*this, components_.platform, waitcancelled_, measurementtrouble_)
+      .OfChannel(chn, waitfornew);
 }
 
 std::int64_t CVaneT312B::NewDataLimit() const {
@@ -95,31 +151,6 @@ std::int64_t CVaneT312B::NewDataLimit() const {
 bool CVaneT312B::QueryWaitSettings() {
   return Query(kInterval) && (!HasScanners() || (QueryChannelMode() && QueryScannerScanMode() &&
                                                  Query(kScanSeqChannels) && Query(kScanSeqSteps)));
-}
-
-void CVaneT312B::WaitForNewData() {
-  CPlatform& platform = components_.platform;
-  // Summed up, since a wait may be longer than what the tick count can tell apart.
-  std::int64_t waited = 0;
-  std::uint32_t last = platform.TickCount();
-  while (!Contains(Line().ReadSetting(ECommand::READ_NEW_DATA), "1")) {
-    const std::uint32_t now = platform.TickCount();
-    waited += now - last;
-    last = now;
-    if (waited >= NewDataLimit()) {
-      EndWait(EMeasurementTrouble::TIMED_OUT, "No new reading came in time.");
-    }
-    PauseMs(kPollPause, [this] { return waitcancelled_; });
-    if (waitcancelled_) {
-      EndWait(EMeasurementTrouble::CANCELLED, "The wait for a new reading was cancelled.");
-    }
-  }
-}
-
-void CVaneT312B::EndWait(EMeasurementTrouble kind, const char* description) {
-  measurementtrouble_ = {kind,
-                         LibraryError(ERR_MEASUREMENT, Label("QueryMeasurement"), description)};
-  throw measurementtrouble_->error;
 }
 
 }  // namespace vane

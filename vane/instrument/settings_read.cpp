@@ -1,4 +1,5 @@
 // The settings of the instrument, read one by one and in one run.
+#include "vane/instrument/operations.h"
 #include "vane/instrument/settings_table.h"
 #include "vane/instrument/t312b.h"
 #include "vane/support/long_run.h"
@@ -8,7 +9,8 @@ namespace vane {
 bool CVaneT312B::Query(std::string_view name, ECommand id,
                        const std::function<bool(const std::string&)>& store,
                        std::initializer_list<FieldText> fields) {
-  return Exchange("Query" + std::string(name), [&] { return store(Read(Line(), id, fields)); });
+  return Exchange(*this, "Query" + std::string(name),
+                  [&] { return store(Read(LineOf(*this), id, fields)); });
 }
 
 bool CVaneT312B::Query(const SettingRow& row) {
@@ -31,19 +33,19 @@ bool CVaneT312B::QueryCalParam(std::int16_t index) {
 }
 
 bool CVaneT312B::QueryInfo(ui::CWindow* frm, bool inclmodules, bool inclchannels) {
-  return Exchange("QueryInfo", [&] {
+  return Exchange(*this, "QueryInfo", [&] {
     return RunLong(components_, kReadRun, frm, [&](CLongRun& run) {
-      if (!ProveInstrument(run, true)) return false;
+      if (!ProveInstrument(*this, run, true)) return false;
       const auto setting = [&](std::int16_t name, const SettingRow& row) {
         return RunStep{ResourceText(name), [this, &row] { return Query(row); }};
       };
       run.Start(SubstituteParams(ResourceText(105), Model()), PercentShare(NumCalParams() + 21));
       run.Advance();
       const bool settings = run.Steps({
-          {ResourceText(127), [&] { return QueryNumChannels(); }},
-          {ResourceText(150), [&] { return QueryNumModules(); }},
-          {ResourceText(246), [&] { return QueryPasscodeProtectionSettings(); }},
-          {ResourceText(127), [&] { return QueryNumChannels(); }},
+          {ResourceText(127), [&] { return topology_.QueryNumChannels(); }},
+          {ResourceText(150), [&] { return topology_.QueryNumModules(); }},
+          {ResourceText(246), [&] { return QueryPasscodeProtectionSettings(*this); }},
+          {ResourceText(127), [&] { return topology_.QueryNumChannels(); }},
           setting(131, kFilterType),
           setting(148, kFilterResponseTime),
           setting(253, kFilterThreshold),
@@ -69,7 +71,7 @@ bool CVaneT312B::QueryInfo(ui::CWindow* frm, bool inclmodules, bool inclchannels
       if (HasScanners() && !QueryScannerSettings(run, frm)) return false;
       if (inclmodules) {
         for (std::int16_t idx = 0; idx < NumModules(); ++idx) {
-          MadeModule(idx).QueryInfo(frm, inclchannels);
+          ModuleOf(*this, idx).QueryInfo(frm, inclchannels);
         }
       }
       return true;
@@ -78,14 +80,14 @@ bool CVaneT312B::QueryInfo(ui::CWindow* frm, bool inclmodules, bool inclchannels
 }
 
 bool CVaneT312B::QueryChannelInfo() {
-  return Exchange("QueryChannelInfo", [&] {
+  return Exchange(*this, "QueryChannelInfo", [&] {
     return RunLong(components_, kReadRun, std::nullopt, [&](CLongRun& run) {
-      if (!ProveInstrument(run, true)) return false;
+      if (!ProveInstrument(*this, run, true)) return false;
       run.Start(SubstituteParams(ResourceText(105), Model()), PercentShare(3));
       run.Advance();
       return run.Steps({
-          {ResourceText(127), [&] { return QueryNumChannels(); }},
-          {ResourceText(150), [&] { return QueryNumModules(); }},
+          {ResourceText(127), [&] { return topology_.QueryNumChannels(); }},
+          {ResourceText(150), [&] { return topology_.QueryNumModules(); }},
       });
     });
   });

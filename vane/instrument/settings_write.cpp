@@ -1,4 +1,5 @@
 // The settings of the instrument, written one by one and in one run.
+#include "vane/instrument/operations.h"
 #include "vane/instrument/settings_table.h"
 #include "vane/instrument/t312b.h"
 #include "vane/support/long_run.h"
@@ -13,8 +14,8 @@ constexpr std::int32_t kOtherSettings = 16;
 }  // namespace
 
 bool CVaneT312B::Update(const SettingRow& row) {
-  return Exchange("Update" + std::string(row.name), [&] {
-    Write(Line(), WriteOf(row.readid), {{row.field, row.text(*this)}});
+  return Exchange(*this, "Update" + std::string(row.name), [&] {
+    Write(LineOf(*this), WriteOf(row.readid), {{row.field, row.text(*this)}});
     return true;
   });
 }
@@ -36,10 +37,10 @@ bool CVaneT312B::UpdateFilterResponseTime() { return Update(kFilterResponseTime)
 bool CVaneT312B::UpdateFilterThreshold() { return Update(kFilterThreshold); }
 
 bool CVaneT312B::UpdateCalParam(std::int16_t index) {
-  return Exchange("UpdateCalParam", [&] {
+  return Exchange(*this, "UpdateCalParam", [&] {
     const auto cp = static_cast<ET312BCalParams>(index);
     Write(
-        Line(), ECommand::WRITE_CAL_PARAM,
+        LineOf(*this), ECommand::WRITE_CAL_PARAM,
         {{&CommandParams::Index, std::to_string(index)},
          {&CommandParams::value, ToDotDecimal(FormatNumber(CalParams(cp), CalParamsFormat(cp)))}});
     return true;
@@ -47,9 +48,9 @@ bool CVaneT312B::UpdateCalParam(std::int16_t index) {
 }
 
 bool CVaneT312B::UpdateInfo(ui::CWindow* frm, bool) {
-  return Exchange("UpdateInfo", [&] {
+  return Exchange(*this, "UpdateInfo", [&] {
     return RunLong(components_, kWriteRun, frm, [&](CLongRun& run) {
-      if (!ProveInstrument(run, false)) return false;
+      if (!ProveInstrument(*this, run, false)) return false;
       if (HasScanners() && !UpdateScannerSettings(run, frm)) return false;
       run.Start(SubstituteParams(ResourceText(110), Model()),
                 PercentShare(NumCalParams() + kOtherSettings));

@@ -1,8 +1,8 @@
 // The instrument's date and time.
-#include <cmath>
 #include <cstdio>
 #include <string>
 
+#include "vane/instrument/operations.h"
 #include "vane/instrument/t312b.h"
 #include "vane/support/text_table.h"
 #include "vane/support/texts.h"
@@ -11,11 +11,6 @@ namespace vane {
 namespace {
 
 using namespace std::chrono;
-
-constexpr local_days kDayZero{year{1899} / December / 30};
-constexpr local_days kFirstDay{year{100} / January / 1};
-constexpr local_days kLastDay{year{9999} / December / 31};
-constexpr double kSecondsOfDay = 86400;
 
 template <class... Numbers>
 std::string Text(const char* format, Numbers... numbers) {
@@ -53,30 +48,13 @@ std::string TimeText(local_seconds moment, const std::string& usersclock) {
 
 }  // namespace
 
-local_seconds MomentOf(Date date) {
-  const double day = std::trunc(date);
-  // Written so that what is not a number fails as well.
-  if (!(day >= (kFirstDay - kDayZero).count() && day <= (kLastDay - kDayZero).count())) {
-    throw PlatformError(ERR_PLATFORM_OVERFLOW);
-  }
-  const double time = std::round(std::fabs(date - day) * kSecondsOfDay);
-  return kDayZero + days(static_cast<int>(day)) + seconds(static_cast<std::int64_t>(time));
-}
-
-Date DateOf(local_seconds moment) {
-  const auto day = floor<days>(moment);
-  const auto whole = static_cast<double>((day - kDayZero).count());
-  const double time = static_cast<double>((moment - day).count()) / kSecondsOfDay;
-  return whole < 0 ? whole - time : whole + time;
-}
-
 bool CVaneT312B::UpdateSystemClock(ui::CWindow*) {
-  return Exchange("UpdateSystemClock", [&] {
+  return Exchange(*this, "UpdateSystemClock", [&] {
     const local_seconds moment =
         SystemClock() == 0 ? components_.platform.LocalTime() : MomentOf(SystemClock());
-    Write(Line(), ECommand::WRITE_DATE, {{&CommandParams::value, DateText(moment)}});
-    Line().params().value = TimeText(moment, components_.platform.LongTimeText(moment));
-    Line().WriteSetting(ECommand::WRITE_TIME);
+    Write(LineOf(*this), ECommand::WRITE_DATE, {{&CommandParams::value, DateText(moment)}});
+    LineOf(*this).params().value = TimeText(moment, components_.platform.LongTimeText(moment));
+    LineOf(*this).WriteSetting(ECommand::WRITE_TIME);
     return true;
   });
 }

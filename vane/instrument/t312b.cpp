@@ -35,13 +35,13 @@ std::size_t PlaceOf(ET312BCalParams Index, std::size_t size) {
 }  // namespace
 
 CVaneT312B::CVaneT312B(const Components& components)
-    : components_(components), calparams_{Tracked<double>{*this}, Tracked<double>{*this},
-                                          Tracked<double>{*this}, Tracked<double>{*this},
-                                          Tracked<double>{*this}, Tracked<double>{*this}} {
+    : components_(components),
+      topology_(*this, components),
+      calparams_{Tracked<double>{*this}, Tracked<double>{*this}, Tracked<double>{*this},
+                 Tracked<double>{*this}, Tracked<double>{*this}, Tracked<double>{*this}} {
   Labelled("CVaneT312B", "Class Initialize", [&] {
     model_ = kReadoutModel;
-    SetNumModules(0);
-    SetNumChannels(0);
+    topology_.SetNumModules(0);
     SetSelectedChannel(-1);
     SetAllowSetSerial(false);
     SetReadAfterApply(false);
@@ -66,34 +66,9 @@ CVaneT312B::CVaneT312B(const Components& components)
 }
 
 CVaneT312B::~CVaneT312B() {
-  SetNumModules(0);
+  topology_.SetNumModules(0);
   registry_.reset();
   communications_.reset();
-}
-
-std::string CVaneT312B::Label(std::string_view operation) {
-  return OperationLabel("CVaneT312B", operation);
-}
-
-CVaneCommunications& CVaneT312B::Line() const {
-  if (!communications_) {
-    throw LibraryError(ERR_PLATFORM_CALL, {}, "Communications have not been initialized.");
-  }
-  return *communications_;
-}
-
-CModule& CVaneT312B::MadeModule(std::int16_t idx) const {
-  CModule* const md = Modules(idx);
-  if (md == nullptr) {
-    throw LibraryError(ERR_PLATFORM_CALL, {},
-                       "Module " + std::to_string(idx) + " could not be made.");
-  }
-  return *md;
-}
-
-CVaneRegistry& CVaneT312B::RequiredRegistry() const {
-  if (!registry_) throw LibraryError(ERR_PLATFORM_CALL, {}, "There is no registry component.");
-  return *registry_;
 }
 
 double CVaneT312B::MaxCalParamValue(ET312BCalParams cp) { return CalParamOf(cp).maximum; }

@@ -18,40 +18,31 @@
 #pragma once
 
 #include <array>
-#include <chrono>
 #include <cstdint>
 #include <functional>
 #include <initializer_list>
 #include <memory>
 #include <optional>
 #include <string>
-#include <vector>
 
 #include "vane/channels/module.h"
 #include "vane/components/components.h"
 #include "vane/components/field_parser.h"
 #include "vane/components/library_error.h"
 #include "vane/components/registry.h"
+#include "vane/support/date.h"
 #include "vane/support/enums.h"
 #include "vane/support/exchange.h"
 #include "vane/support/failure.h"
 #include "vane/support/messages.h"
 #include "vane/support/numbers.h"
 #include "vane/support/tracked.h"
+#include "vane/topology/topology.h"
 
 namespace vane {
 
 class CLongRun;
 struct SettingRow;
-
-/// A date and time as a count of days; the whole part is the day, 0 being 30 December 1899, the
-/// fraction the time of day.
-using Date = double;
-
-/// The nearest whole second of `date`; before day 0 the fraction still counts forward from
-/// midnight. A date outside the years 100 to 9999 is the platform's overflow error.
-std::chrono::local_seconds MomentOf(Date date);
-Date DateOf(std::chrono::local_seconds moment);
 
 enum class EMeasurementTrouble {
   TIMED_OUT,  ///< no new reading came within `NewDataLimit`
@@ -236,9 +227,10 @@ class CVaneT312B {
   /// answer with `setprops` only, `Identification` always, also to an empty answer.
   bool QueryIdentification(bool setprops = true);
 
-  /// Whether the firmware is at least `MinFirmwareRequired`. For the host.
-  bool VerifyMinimumFirmware() const { return HasRecentFirmware(); }
-  static constexpr double MinFirmwareRequired() { return kRecentFirmware; }
+  /// Whether the firmware is at least `MinFirmwareRequired`: from that version on the readout
+  /// counts its channels and modules by itself and gives out its logs.
+  bool VerifyMinimumFirmware() const { return firmware_ >= MinFirmwareRequired(); }
+  static constexpr double MinFirmwareRequired() { return 5.03; }
 
   // Reads and, below, writes of single settings: true, or an error. Only `QueryUnits` can give
   // false: for a reply that names no unit, which makes `Units` `UNITS_NONE`.
@@ -312,14 +304,14 @@ class CVaneT312B {
   double Firmware() const { return firmware_; }
 
   /// Channels over all modules; 0 until they have been queried.
-  std::int16_t NumChannels() const { return numchannels_; }
+  std::int16_t NumChannels() const { return topology_.NumChannels(); }
   static constexpr std::int16_t NumProbes() { return 16; }
 
   void SetUnits(ET312BUnits value) { units_.Set(value); }
   ET312BUnits Units() const { return units_.Get(); }
 
   /// 1, or 2 with a scanner; 0 until they have been queried.
-  std::int16_t NumModules() const { return nummodules_; }
+  std::int16_t NumModules() const { return topology_.NumModules(); }
 
   /// Fetches one of the instrument's logs reading by reading, writes it as a column text file, and
   /// offers that to the user. `numreadings` 0 is up to 100 readings; the log's end ends the
@@ -348,7 +340,7 @@ class CVaneT312B {
 
   /// Module 0 holds the inputs, module 1 is the scanner; null for one that is not there. Any other
   /// index raises `ERR_INVALID_MODULE`.
-  CModule* Modules(std::int16_t idx) const;
+  CModule* Modules(std::int16_t idx) const { return topology_.Module(idx); }
 
   void SetInterval(std::int32_t value) { interval_.Set(value); }
   std::int32_t Interval() const { return interval_.Get(); }
@@ -380,7 +372,7 @@ class CVaneT312B {
   /// Null until `InitializeCommunications`. Owned here.
   CVaneCommunications* Communications() const { return communications_.get(); }
 
-  bool HasScanners() const { return nummodules_ >= 2; }
+  bool HasScanners() const { return NumModules() >= 2; }
 
   // Not of the interface: what a host may want besides.
 
@@ -415,8 +407,6 @@ class CVaneT312B {
                         bool prompt);
 
  private:
-  friend class CVaneT312BPRTTHRMChannel;  // reaches `Line`
-
   template <class T>
   using Tracked = CTracked<T, CVaneT312B>;
 
@@ -432,29 +422,6 @@ class CVaneT312B {
   };
 
   static constexpr std::size_t kCalParamPlaces = 6;
-
-  // From this version on the readout counts its channels and modules by itself.
-  static constexpr double kRecentFirmware = 5.03;
-  bool HasRecentFirmware() const { return firmware_ >= kRecentFirmware; }
-
-  // The communications component; raises when there is none yet.
-  CVaneCommunications& Line() const;
-  // The module at `idx`; raises when it could not be made.
-  CModule& MadeModule(std::int16_t idx) const;
-  // The host's registry component; raises when there is none.
-  CVaneRegistry& RequiredRegistry() const;
-
-  // Runs an operation that talks to the instrument: what it raises is raised again under the
-  // operation's label with the object's help fields as they are then.
-  template <class Body>
-  auto Exchange(std::string_view operation, Body&& body) const -> decltype(body()) {
-    try {
-      return std::forward<Body>(body)();
-    } catch (...) {
-      RaiseAgain(Label(operation), {HelpFile(), HCIDCommError()});
-    }
-  }
-  static std::string Label(std::string_view operation);
 
   // One read of a setting: the reply goes to `store`, whose result is the result.
   bool Query(std::string_view name, ECommand id,
@@ -476,50 +443,16 @@ class CVaneT312B {
   bool QueryScanChannelList(ui::CWindow* frm);
   bool UpdateScanScanMode(bool override, bool scmode);
 
-  bool QueryPasscodeProtectionSettings();
-  bool QueryProtection(std::string_view name, ECommand id, void (CVaneT312B::*store)(bool));
-  bool QueryPasscode(std::string& passcode);
-
-  // What a download hands from stage to stage.
-  struct LogDownload;
-  enum class EDownloadEnd { SILENT, STOPPED, DONE };
-  EDownloadEnd TransferLog(LogDownload& run, ET312BDownloadLogOption log, std::int16_t numreadings);
-  // False when the reading stays bad.
-  bool FetchReading(LogDownload& run, ECommand id, std::int32_t reading, const std::string& total,
-                    std::string& reply);
-  bool WriteDownloadTempFile(const std::string& text);
-  void ParseLog(LogDownload& run, AwkOne& awkParser, bool prompt);
-  static void WriteRows(LogDownload& run, AwkOne& awkParser);
-  bool PrepareDownloadFile(CVaneOutputFile& file, bool prompt, std::int16_t chn);
-  static std::string LogUnitText(const std::string& text);
-  void ShowDownloadedFiles(LogDownload& run, ui::CWindow* frm);
-
-  bool CheckModel(CLongRun& run);
-  bool ProveInstrument(CLongRun& run, bool setprops);
-
-  bool QueryNumModules();
-  bool QueryNumChannels();
-  std::int16_t ProbeForScanner();
-  void SetNumModules(std::int16_t value);
-  void RebuildModules(std::int16_t value);
-  void SetNumChannels(std::int16_t value) { numchannels_ = value; }
-
-  double QueryScannerMeasurement(std::int32_t chan, bool waitfornew);
-  void WaitForNewData();
-  [[noreturn]] void EndWait(EMeasurementTrouble kind, const char* description);
-  double MeasurementOf(std::string_view operation, std::int16_t failedtext,
-                       const std::function<double()>& body);
-
   const Components& components_;
 
   bool changed_ = false;
+  CTopology topology_;
   Tracked<ET312BUnits> units_{*this};
   std::array<Tracked<double>, kCalParamPlaces> calparams_;
   std::array<std::string, kCalParamPlaces> calparamsformat_;
   Tracked<double> adc_{*this};
   std::string adcformat_;
   Tracked<ET312BFilterType> filtertype_{*this};
-  std::vector<std::unique_ptr<CModule>> modules_;
   std::string model_;
   std::string serial_;
   std::string identification_;
@@ -529,9 +462,7 @@ class CVaneT312B {
   Tracked<std::int16_t> conversiontime_{*this};
   Tracked<std::int16_t> integrationtime_{*this};
   Tracked<std::int16_t> samplen_{*this};
-  std::int16_t nummodules_ = 0;
   std::unique_ptr<CVaneCommunications> communications_;
-  std::int16_t numchannels_ = 0;
   std::int16_t selectedchannel_ = 0;
   double firmware_ = 0;
   bool allowsetserial_ = false;

@@ -3,6 +3,7 @@
 #include <cmath>
 #include <string>
 
+#include "vane/instrument/operations.h"
 #include "vane/instrument/settings_table.h"
 #include "vane/instrument/t312b.h"
 #include "vane/support/long_run.h"
@@ -37,7 +38,7 @@ bool CVaneT312B::UpdateScanSeqSteps() { return Update(kScanSeqSteps); }
 // The scanner's stretch of the read of all settings.
 bool CVaneT312B::QueryScannerSettings(CLongRun& run, ui::CWindow* frm) {
   run.Finish();
-  run.Start(SubstituteParams(ResourceText(105), MadeModule(1).Model()), PercentShare(4));
+  run.Start(SubstituteParams(ResourceText(105), ModuleOf(*this, 1).Model()), PercentShare(4));
   const bool settings = run.Steps({
       {ResourceText(261), [&] { return Query(kScanChannel); }},
       {ResourceText(233), [&] { return QueryScannerScanMode(); }},
@@ -51,7 +52,7 @@ bool CVaneT312B::QueryScannerSettings(CLongRun& run, ui::CWindow* frm) {
 
 // The scanner's stretch of the write of all settings.
 bool CVaneT312B::UpdateScannerSettings(CLongRun& run, ui::CWindow* frm) {
-  run.Start(SubstituteParams(ResourceText(110), MadeModule(1).Model()), PercentShare(3));
+  run.Start(SubstituteParams(ResourceText(110), ModuleOf(*this, 1).Model()), PercentShare(3));
   const bool settings = run.Steps({
       {ResourceText(261), [&] { return UpdateScanChannel(); }},
       {ResourceText(233), [&] { return UpdateScannerScanMode(); }},
@@ -66,12 +67,12 @@ bool CVaneT312B::UpdateScannerSettings(CLongRun& run, ui::CWindow* frm) {
 }
 
 bool CVaneT312B::QueryScanChannelList(ui::CWindow* frm) {
-  return Exchange("QueryScanChannelList", [&] {
+  return Exchange(*this, "QueryScanChannelList", [&] {
     SetScanChannels({});
     return RunLong(components_, kScanSequenceRun, frm, [&](CLongRun& run) {
       const std::int32_t steps = ScanSeqSteps();
       run.Start(ResourceText(117), PercentShare(steps));
-      CVaneCommunications& line = Line();
+      CVaneCommunications& line = LineOf(*this);
       line.params().ClearAll();
       for (std::int32_t step = 1; step <= steps; ++step) {
         line.params().Index = std::to_string(step);
@@ -90,10 +91,10 @@ bool CVaneT312B::QueryScanChannelList(ui::CWindow* frm) {
 }
 
 bool CVaneT312B::UpdateScanChannelList(ui::CWindow* frm) {
-  return Exchange("UpdateScanChannelList", [&] {
+  return Exchange(*this, "UpdateScanChannelList", [&] {
     if (!HasScanners()) return true;
     return RunLong(components_, kScanSequenceRun, frm, [&](CLongRun& run) {
-      CVaneCommunications& line = Line();
+      CVaneCommunications& line = LineOf(*this);
       line.params().ClearAll();
       std::string list = ScanChannels();
       // Of the items at hand: the host's events may change the properties while this goes on.
@@ -109,7 +110,7 @@ bool CVaneT312B::UpdateScanChannelList(ui::CWindow* frm) {
         // Whole before it is judged, so that what passes is what goes out.
         const double value = std::nearbyint(NumberFromText(CutItem(list))) - kNumInputs;
         if (value > highest || value < 0) {
-          throw LibraryError(ERR_INVALID_CHANNEL, Label("UpdateScanChannelList"),
+          throw LibraryError(ERR_INVALID_CHANNEL, InstrumentLabel("UpdateScanChannelList"),
                              ResourceText(217));
         }
         line.params().Channel = std::to_string(ToInteger(value));
@@ -123,29 +124,29 @@ bool CVaneT312B::UpdateScanChannelList(ui::CWindow* frm) {
 }
 
 bool CVaneT312B::UpdateScanMode(bool override, bool scmode) {
-  return Exchange("UpdateScanMode", [&] {
+  return Exchange(*this, "UpdateScanMode", [&] {
     if (HasScanners()) {
-      Write(Line(), ECommand::WRITE_CHANNEL_MODE,
+      Write(LineOf(*this), ECommand::WRITE_CHANNEL_MODE,
             {{&CommandParams::value, CodeText(ET312BChannelMode::CM_SCANNER_SEQUENCE)}});
-      Line().params().value = "1";
-      Line().WriteSetting(ECommand::WRITE_REPETITIONS);
+      LineOf(*this).params().value = "1";
+      LineOf(*this).WriteSetting(ECommand::WRITE_REPETITIONS);
       return UpdateScanScanMode(override, scmode);
     }
     using enum ET312BChannelMode;
     const std::string mode =
         override ? CodeText(scmode ? CM_ALTERNATE : CM_INPUT_1) : CodeText(ScanMode());
-    Write(Line(), ECommand::WRITE_CHANNEL_MODE, {{&CommandParams::value, mode}});
+    Write(LineOf(*this), ECommand::WRITE_CHANNEL_MODE, {{&CommandParams::value, mode}});
     return true;
   });
 }
 
 bool CVaneT312B::UpdateScanScanMode(bool override, bool scmode) {
-  return Exchange("UpdateScanScanMode", [&] {
+  return Exchange(*this, "UpdateScanScanMode", [&] {
     if (!HasScanners()) return false;
     using enum ET312BScannerScanMode;
     const std::string mode =
         override ? CodeText(scmode ? SSM_USER_DEFINED : SSM_SCAN) : CodeText(ScanMode());
-    Write(Line(), ECommand::WRITE_SCANNER_SCAN_MODE, {{&CommandParams::value, mode}});
+    Write(LineOf(*this), ECommand::WRITE_SCANNER_SCAN_MODE, {{&CommandParams::value, mode}});
     return true;
   });
 }

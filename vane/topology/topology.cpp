@@ -1,8 +1,9 @@
-// Which modules hang on the instrument, and the objects that stand for them.
+#include "vane/topology/topology.h"
+
 #include <string>
 #include <utility>
 
-#include "vane/instrument/t312b.h"
+#include "vane/instrument/operations.h"
 #include "vane/support/exchange.h"
 #include "vane/support/numbering.h"
 #include "vane/support/text_table.h"
@@ -12,47 +13,11 @@ namespace {
 
 constexpr std::int16_t kMaxModules = 2;
 
-}  // namespace
-
-bool CVaneT312B::QueryNumModules() {
-  return Exchange("QueryNumModules", [&] {
-    SetNumModules(0);
-    CVaneCommunications& line = Line();
-    line.params().ClearAll();
-    std::int32_t count = 0;
-    if (HasRecentFirmware()) {
-      count = ToInteger(NumberFromText(line.ReadSetting(ECommand::READ_SCANNER_MODULES))) + 1;
-    } else {
-      line.ReadSetting(ECommand::READ_IDENTIFICATION);
-      count = 1 + ProbeForScanner();
-    }
-    SetNumModules(ToInteger(count));
-    return true;
-  });
-}
-
-bool CVaneT312B::QueryNumChannels() {
-  return Exchange("QueryNumChannels", [&] {
-    SetNumChannels(0);
-    CVaneCommunications& line = Line();
-    line.params().ClearAll();
-    if (HasRecentFirmware()) {
-      SetNumChannels(ToInteger(NumberFromText(line.ReadSetting(ECommand::READ_CHANNEL_COUNT))));
-    } else {
-      line.ReadSetting(ECommand::READ_IDENTIFICATION);
-      SetNumChannels(kNumInputs);
-      SetNumChannels(static_cast<std::int16_t>(kNumInputs + ProbeForScanner() * kScannerChannels));
-    }
-    return true;
-  });
-}
-
 // The number of scanners on an instrument whose firmware can't count them: 0 or 1. A scanner
 // answers for its scan mode, within one try so that its absence costs little time, and scan step 1
 // takes the number of its last channel and gives it back. Nothing that fails here is a failure: an
 // absent scanner is the normal case. The step gets its old channel back.
-std::int16_t CVaneT312B::ProbeForScanner() {
-  CVaneCommunications& line = Line();
+std::int16_t ProbeForScanner(CVaneCommunications& line) {
   CPendingFailure failure;
   std::int32_t tries = 0;
   failure.Try([&] { tries = line.COMPort().ReadTries(); });
@@ -88,28 +53,64 @@ std::int16_t CVaneT312B::ProbeForScanner() {
   return found ? 1 : 0;
 }
 
-void CVaneT312B::SetNumModules(std::int16_t value) {
+}  // namespace
+
+bool CTopology::QueryNumModules() {
+  return Exchange(instrument_, "QueryNumModules", [&] {
+    SetNumModules(0);
+    CVaneCommunications& line = LineOf(instrument_);
+    line.params().ClearAll();
+    std::int32_t count = 0;
+    if (instrument_.VerifyMinimumFirmware()) {
+      count = ToInteger(NumberFromText(line.ReadSetting(ECommand::READ_SCANNER_MODULES))) + 1;
+    } else {
+      line.ReadSetting(ECommand::READ_IDENTIFICATION);
+      count = 1 + ProbeForScanner(line);
+    }
+    SetNumModules(ToInteger(count));
+    return true;
+  });
+}
+
+bool CTopology::QueryNumChannels() {
+  return Exchange(instrument_, "QueryNumChannels", [&] {
+    numchannels_ = 0;
+    CVaneCommunications& line = LineOf(instrument_);
+    line.params().ClearAll();
+    if (instrument_.VerifyMinimumFirmware()) {
+      numchannels_ = ToInteger(NumberFromText(line.ReadSetting(ECommand::READ_CHANNEL_COUNT)));
+    } else {
+      line.ReadSetting(ECommand::READ_IDENTIFICATION);
+      numchannels_ = kNumInputs;
+      numchannels_ =
+          static_cast<std::int16_t>(kNumInputs + ProbeForScanner(line) * kScannerChannels);
+    }
+    return true;
+  });
+}
+
+void CTopology::SetNumModules(std::int16_t value) {
   AtBoundary([] { return ResourceText(115); },
              [&] {
-               RebuildModules(value);
+               Rebuild(value);
                return true;
              });
 }
 
 // The array has one entry more than there are modules; the last one stays empty.
-void CVaneT312B::RebuildModules(std::int16_t value) {
+void CTopology::Rebuild(std::int16_t value) {
   if (value == 0) {
     modules_.clear();
     nummodules_ = 0;
     modules_.resize(1);
-    SetChanged(true);
+    instrument_.SetChanged(true);
     return;
   }
   if (value < 0 || value > kMaxModules) {
-    throw LibraryError(ERR_INVALID_MODULE, Label("NumModules"), ResourceText(172));
+    throw LibraryError(ERR_INVALID_MODULE, InstrumentLabel("NumModules"), ResourceText(172));
   }
   if (value != nummodules_) {
-    SetChanged(true);
+    instrument_.SetChanged(true);
     nummodules_ = value;
     modules_.resize(static_cast<std::size_t>(value) + 1);
     modules_.back().reset();
@@ -125,10 +126,10 @@ void CVaneT312B::RebuildModules(std::int16_t value) {
       // Input 1 carries the scanner while one is attached.
       modules_[0]->Channels(0)->SetEnabled(false);
     }
-    SetChanged(true);
-    md->SetRegistry(registry_);
-    md->SetFilePath(filepath_);
-    md->SetBaseUnit(this);
+    instrument_.SetChanged(true);
+    md->SetRegistry(instrument_.Registry());
+    md->SetFilePath(instrument_.FilePath());
+    md->SetBaseUnit(&instrument_);
     md->SetModuleNumber(i);
     md->SetStartChannel(next);
     next = static_cast<std::int16_t>(md->StartChannel() + md->NumChannels());
@@ -138,9 +139,9 @@ void CVaneT312B::RebuildModules(std::int16_t value) {
   }
 }
 
-CModule* CVaneT312B::Modules(std::int16_t idx) const {
+CModule* CTopology::Module(std::int16_t idx) const {
   if (idx < 0 || idx >= kMaxModules) {
-    throw LibraryError(ERR_INVALID_MODULE, Label("Modules"), ResourceText(172));
+    throw LibraryError(ERR_INVALID_MODULE, InstrumentLabel("Modules"), ResourceText(172));
   }
   const auto place = static_cast<std::size_t>(idx);
   return place < modules_.size() ? modules_[place].get() : nullptr;
@@ -166,7 +167,7 @@ std::string CVaneT312B::GetScanSeqChannelName(std::int16_t chn) const {
 
 void CVaneT312B::SetSelectedChannel(std::int16_t value) {
   if (value > NumChannels() - 1) {
-    throw LibraryError(ERR_INVALID_CHANNEL, Label("SelectedChannel"), ResourceText(171));
+    throw LibraryError(ERR_INVALID_CHANNEL, InstrumentLabel("SelectedChannel"), ResourceText(171));
   }
   selectedchannel_ = value;
 }
