@@ -1,0 +1,34 @@
+#!/bin/bash
+# The arrows of docs/architecture.md: no file includes what lies above it.
+#   arrows.sh SOURCE_FOLDER
+set -uo pipefail
+cd "$1" || exit 1
+
+status=0
+while read -r files allowed; do
+  [ -n "$files" ] || continue
+  found=$(find . -path "./$files" -name '*.*' -not -name '*.txt')
+  [ -n "$found" ] || { echo "There are no files $files"; status=1; }
+  # Folder names have no blanks.
+  # shellcheck disable=SC2086
+  strays=$(grep -nE '^#include "' $found | grep -vE "#include \"(${allowed// /|})")
+  [ -z "$strays" ] || { echo "$strays"; status=1; }
+done <<'END'
+vane/components/* vane/components/
+vane/support/* vane/(components|support)/
+vane/channels/*.h vane/(components|support|channels)/
+vane/channels/*.cpp vane/(components|support|channels|instrument)/
+vane/topology/*.h vane/(components|support|channels|topology)/
+vane/topology/*.cpp vane/(components|support|channels|topology|instrument)/
+vane/instrument/* vane/(components|support|channels|topology|instrument)/
+vane/dialogs/* vane/(components|support|channels|topology|instrument|dialogs)/
+vane/download/* vane/
+protocol/* protocol/ vane/components/commands.h
+adapters/posix/* adapters/posix/
+adapters/serial/* vane/ protocol/ adapters/serial/
+adapters/conversions/* vane/ adapters/conversions/
+adapters/files/* vane/ adapters/posix/ adapters/files/
+adapters/terminal/* vane/ adapters/posix/ adapters/terminal/
+simulator/* protocol/ simulator/ vane/components/commands.h
+END
+exit $status
