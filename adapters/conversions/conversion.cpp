@@ -5,7 +5,7 @@
 
 namespace vane {
 
-CConversion::CConversion(EVaneConversionType ct, bool& changed)
+CConversion::CConversion(EVaneConversionType ct, CChangedFlag& changed)
     : settings_(MakeConversionSettings(ct, changed)) {}
 
 void CConversion::EditSettings() {

@@ -5,13 +5,14 @@
 #include <string>
 
 #include "vane/components/conversion.h"
+#include "vane/support/tracked.h"
 
 namespace vane {
 
 class CConversion : public CVaneConversion {
  public:
   /// `changed` is the probe's flag; it outlives the conversion.
-  CConversion(EVaneConversionType ct, bool& changed);
+  CConversion(EVaneConversionType ct, CChangedFlag& changed);
 
   // Both serve a dialog and the files it would read, which this component doesn't have.
   void SetAllowEdit(bool) override {}

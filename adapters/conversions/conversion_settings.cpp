@@ -4,8 +4,6 @@
 #include <string>
 #include <vector>
 
-#include "adapters/conversions/tracked_value.h"
-
 namespace vane {
 namespace {
 
@@ -21,25 +19,29 @@ constexpr std::int16_t kIPTS68Coefficients = 5;
 constexpr std::int16_t kThermistorCoefficients = 4;
 constexpr std::int16_t kPolynomialCoefficients = 11;
 
+// What is not a number never replaces a number.
+template <class T>
+using Value = CTracked<T, CChangedFlag, OrderedDiffers>;
+
 // The position of a caller's index; `at` refuses what lies outside, negative ones included.
 std::size_t Position(std::int32_t index) { return static_cast<std::size_t>(index); }
 
 class CCoefficients {
  public:
-  CCoefficients(bool& changed, std::int16_t count)
-      : values_(Position(count), CTrackedValue<double>(changed)) {}
+  CCoefficients(CChangedFlag& changed, std::int16_t count)
+      : values_(Position(count), Value<double>(changed)) {}
 
   double Get(std::int32_t index) const { return values_.at(Position(index)).Get(); }
   void Set(std::int32_t index, double value) { values_.at(Position(index)).Set(value); }
   std::int16_t Count() const { return static_cast<std::int16_t>(values_.size()); }
 
  private:
-  std::vector<CTrackedValue<double>> values_;
+  std::vector<Value<double>> values_;
 };
 
 class CSubrange : public CITS90Range {
  public:
-  CSubrange(bool& changed, std::int32_t first, std::span<const std::int16_t> counts)
+  CSubrange(CChangedFlag& changed, std::int32_t first, std::span<const std::int16_t> counts)
       : first_(first),
         counts_(counts),
         minrange_(first),
@@ -74,7 +76,7 @@ class CSubrange : public CITS90Range {
   std::int32_t minrange_;
   std::int32_t maxrange_;
   std::string format_;
-  CTrackedValue<std::int32_t> range_;
+  Value<std::int32_t> range_;
   CCoefficients coefficients_;
 };
 
@@ -82,7 +84,7 @@ class CSubrange : public CITS90Range {
 template <class Interface>
 class CTriplePoint : public Interface {
  public:
-  explicit CTriplePoint(bool& changed) : rtpw_(changed) {}
+  explicit CTriplePoint(CChangedFlag& changed) : rtpw_(changed) {}
 
   double RTPW() const override { return rtpw_.Get(); }
   void SetRTPW(double value) override { rtpw_.Set(value); }
@@ -90,13 +92,13 @@ class CTriplePoint : public Interface {
   void SetRTPWFormat(const std::string& format) override { format_ = format; }
 
  private:
-  CTrackedValue<double> rtpw_;
+  Value<double> rtpw_;
   std::string format_;
 };
 
 class CITS90 : public CTriplePoint<CITS90Settings> {
  public:
-  explicit CITS90(bool& changed)
+  explicit CITS90(CChangedFlag& changed)
       : CTriplePoint(changed),
         low_(changed, kFirstLowSubrange, kLowSubranges),
         high_(changed, kFirstHighSubrange, kHighSubranges) {}
@@ -113,7 +115,7 @@ class CITS90 : public CTriplePoint<CITS90Settings> {
 template <class Interface>
 class CFormattedCoefficients : public Interface {
  public:
-  CFormattedCoefficients(bool& changed, std::int16_t count)
+  CFormattedCoefficients(CChangedFlag& changed, std::int16_t count)
       : coefficients_(changed, count), formats_(Position(count)) {}
 
   const std::string& ValueFormat(std::int32_t index) const override {
@@ -134,12 +136,12 @@ class CFormattedCoefficients : public Interface {
 
 class CCVD : public CFormattedCoefficients<CCVDSettings> {
  public:
-  explicit CCVD(bool& changed) : CFormattedCoefficients(changed, kCVDCoefficients) {}
+  explicit CCVD(CChangedFlag& changed) : CFormattedCoefficients(changed, kCVDCoefficients) {}
 };
 
 class CIPTS68 : public CFormattedCoefficients<CIPTS68Settings> {
  public:
-  explicit CIPTS68(bool& changed)
+  explicit CIPTS68(CChangedFlag& changed)
       : CFormattedCoefficients(changed, kIPTS68Coefficients),
         scaleenabled_(changed),
         scale_(changed) {}
@@ -150,15 +152,16 @@ class CIPTS68 : public CFormattedCoefficients<CIPTS68Settings> {
   void SetIPTS68Scale(std::int32_t value) override { scale_.Set(value); }
 
  private:
-  CTrackedValue<bool> scaleenabled_;
-  CTrackedValue<std::int32_t> scale_;
+  Value<bool> scaleenabled_;
+  Value<std::int32_t> scale_;
 };
 
 // Coefficients with one format for all.
 template <class Interface>
 class CNumberedCoefficients : public Interface {
  public:
-  CNumberedCoefficients(bool& changed, std::int16_t count) : coefficients_(changed, count) {}
+  CNumberedCoefficients(CChangedFlag& changed, std::int16_t count)
+      : coefficients_(changed, count) {}
 
   const std::string& ValueFormat() const override { return format_; }
   void SetValueFormat(const std::string& format) override { format_ = format; }
@@ -175,30 +178,32 @@ class CNumberedCoefficients : public Interface {
 
 class CThermistor : public CNumberedCoefficients<CThermistorSettings> {
  public:
-  explicit CThermistor(bool& changed) : CNumberedCoefficients(changed, kThermistorCoefficients) {}
+  explicit CThermistor(CChangedFlag& changed)
+      : CNumberedCoefficients(changed, kThermistorCoefficients) {}
 };
 
 // The readout keeps all eleven coefficients whatever the order is, and so does this.
 class CPolynomial : public CNumberedCoefficients<CPolynomialSettings> {
  public:
-  explicit CPolynomial(bool& changed)
+  explicit CPolynomial(CChangedFlag& changed)
       : CNumberedCoefficients(changed, kPolynomialCoefficients), order_(changed) {}
 
   std::int32_t Order() const override { return order_.Get(); }
   void SetOrder(std::int32_t value) override { order_.Set(value); }
 
  private:
-  CTrackedValue<std::int32_t> order_;
+  Value<std::int32_t> order_;
 };
 
 }  // namespace
 
 bool HasConversionSettings(EVaneConversionType ct) {
-  bool unused = false;
+  CChangedFlag unused;
   return MakeConversionSettings(ct, unused) != nullptr;
 }
 
-std::unique_ptr<CConversionSettings> MakeConversionSettings(EVaneConversionType ct, bool& changed) {
+std::unique_ptr<CConversionSettings> MakeConversionSettings(EVaneConversionType ct,
+                                                            CChangedFlag& changed) {
   switch (ct) {
     case EVaneConversionType::CONV_ITS90:
       return std::make_unique<CITS90>(changed);

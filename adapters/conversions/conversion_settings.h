@@ -11,6 +11,7 @@
 #include <memory>
 
 #include "vane/components/conversion.h"
+#include "vane/support/tracked.h"
 
 namespace vane {
 
@@ -21,6 +22,7 @@ bool HasConversionSettings(EVaneConversionType ct);
 /// values. Every later change of a value sets `changed`, which must outlive the result. Formats and
 /// the limits of a subrange's number say how a value is shown or chosen; they are no values and
 /// mark nothing.
-std::unique_ptr<CConversionSettings> MakeConversionSettings(EVaneConversionType ct, bool& changed);
+std::unique_ptr<CConversionSettings> MakeConversionSettings(EVaneConversionType ct,
+                                                            CChangedFlag& changed);
 
 }  // namespace vane

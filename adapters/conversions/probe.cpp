@@ -15,7 +15,7 @@ bool CThermometerProbe::ConversionHasSettings(EVaneConversionType ct) const {
 void CThermometerProbe::SetConversionType(EVaneConversionType ct) {
   conversion_ = std::make_unique<CConversion>(ct, changed_);
   type_ = ct;
-  changed_ = true;
+  changed_.SetChanged(true);
 }
 
 }  // namespace vane

@@ -4,8 +4,8 @@
 #include <memory>
 #include <string>
 
-#include "adapters/conversions/tracked_value.h"
 #include "vane/components/conversion.h"
+#include "vane/support/tracked.h"
 
 namespace vane {
 
@@ -22,8 +22,8 @@ class CThermometerProbe : public CVaneProbe {
   void SetFilePath(const std::string&) override {}
   void SetInputKind(std::int32_t) override {}
 
-  bool Changed() const override { return changed_; }
-  void SetChanged(bool value) override { changed_ = value; }
+  bool Changed() const override { return changed_.Changed(); }
+  void SetChanged(bool value) override { changed_.SetChanged(value); }
 
   /// True for every type that has values, though this component can't show them: what has values
   /// is worth an editor, and `EditSettings` says that there is none.
@@ -41,8 +41,8 @@ class CThermometerProbe : public CVaneProbe {
   void SetConversionType(EVaneConversionType ct) override;
 
  private:
-  bool changed_ = false;
-  CTrackedValue<std::string> serialnumber_;
+  CChangedFlag changed_;
+  CTracked<std::string, CChangedFlag> serialnumber_;
   EVaneConversionType type_ = EVaneConversionType::CONV_NONE;
   std::unique_ptr<CVaneConversion> conversion_;
 };

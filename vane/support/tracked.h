@@ -9,11 +9,24 @@ namespace vane {
 /// "Differs" for values of which one is neither below nor above the other when they can't be
 /// ordered: what is not a number never replaces a number.
 struct OrderedDiffers {
-  bool operator()(double a, double b) const { return a < b || a > b; }
+  template <class T>
+  bool operator()(const T& a, const T& b) const {
+    return a < b || b < a;
+  }
 };
 
-/// A value of an `Owner`. A value that differs from the stored one sets the owner's `Changed` and
-/// is stored; an equal one does nothing.
+/// An owner that is no more than its flag.
+class CChangedFlag {
+ public:
+  void SetChanged(bool value) { changed_ = value; }
+  bool Changed() const { return changed_; }
+
+ private:
+  bool changed_ = false;
+};
+
+/// A value of an `Owner`, which outlives it. A value that differs from the stored one sets the
+/// owner's `Changed` and is stored; an equal one does nothing.
 template <class T, class Owner, class Differs = std::not_equal_to<T>>
 class CTracked {
  public:
