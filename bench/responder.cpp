@@ -42,6 +42,9 @@ std::string ValueOf(std::string_view command) {
   if (command == "CHANNEL:COUNT?") return "12";
   if (command == "UNITS?") return "C";
   if (command == "SCANNER:SEQUENCE:STEPS?") return "10";
+  if (command.starts_with("PROTECT:") || command == "CAL:OVEN?") return "OFF";
+  if (command == "FILTER:TYPE?") return "NONE";
+  if (command == "SAMPLE:ACTION?") return "RUN";
   return command.ends_with('?') ? "1" : "";  // one scanner, and a value for any setting
 }
 
