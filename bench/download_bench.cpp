@@ -13,13 +13,16 @@
 #include <exception>
 #include <filesystem>
 #include <fstream>
-#include <functional>
 #include <iterator>
+#include <memory>
 #include <stdexcept>
+#include <string>
 #include <string_view>
 #include <system_error>
 
 #include "adapters/files/field_reader.h"
+#include "adapters/headless/headless_factory.h"
+#include "adapters/headless/headless_platform.h"
 #include "bench/measuring.h"
 #include "bench/responder.h"
 #include "protocol/framing.h"
@@ -80,22 +83,14 @@ std::string Content(const std::string& path) {
   return {std::istreambuf_iterator<char>(file), {}};
 }
 
-// Keeps its files in the folder of the measurement, and shows no box.
-class CQuietPlatform : public CTerminalPlatform {
+// Keeps its files in the folder of the measurement.
+class CFolderPlatform : public CHeadlessPlatform {
  public:
-  CQuietPlatform(CInterrupts& interrupts, std::string folder)
-      : CTerminalPlatform(interrupts), folder_(std::move(folder)) {}
+  explicit CFolderPlatform(std::string folder) : folder_(std::move(folder)) {}
   std::string TemporaryFolder() override { return folder_; }
-  EBoxButton MessageBox(const std::string& text, const std::string&, std::int32_t,
-                        const std::string&, std::int32_t) override {
-    lastbox_ = text;
-    return EBoxButton::kOk;
-  }
-  const std::string& LastBox() const { return lastbox_; }
 
  private:
   std::string folder_;
-  std::string lastbox_;
 };
 
 // When the trace came to the parsing, and how long that took.
@@ -127,13 +122,13 @@ class CTimedTrace : public CVaneTextFile {
   StageTime& stage_;
 };
 
-class CDownloadFactory : public CFactory {
+class CDownloadFactory : public CHeadlessFactory {
  public:
-  using CFactory::CFactory;
+  using CHeadlessFactory::CHeadlessFactory;
 
   std::unique_ptr<CVaneTextFile> CreateTextFile(const std::string& path) override {
     const bool istrace = path.ends_with("DNLDT312B.LOG");
-    auto file = istrace && !traced ? nullptr : CFactory::CreateTextFile(path);
+    auto file = istrace && !traced ? nullptr : CHeadlessFactory::CreateTextFile(path);
     if (!istrace) return file;
     return std::make_unique<CTimedTrace>(std::move(file), stage);
   }
@@ -146,22 +141,20 @@ class CDownloadFactory : public CFactory {
 class CDownloader {
  public:
   explicit CDownloader(const std::string& device)
-      : platform_(interrupts_, folder_.Path()),
+      : platform_(folder_.Path()),
         line_(std::make_shared<LineSettings>()),
-        factory_(interrupts_, line_),
+        factory_(line_),
         components_{platform_, factory_},
         installed_(components_),
         readout_(components_) {
     line_->devices[EVanePortNumber::PORT_1] = device;
-    readout_.SetRegistry(EmptyRegistry());
+    readout_.SetRegistry(std::make_shared<CEmptyRegistry>());
     readout_.SetFilePath(folder_.Path());
     readout_.InitializeCommunications();
   }
 
-  /// Whether it was done; else the last box says why not.
+  /// Whether it was done; else the last message says why not.
   bool Try(std::int16_t readings, std::int16_t digits = kDigits) {
-    factory_.Forms() = {};
-    factory_.Forms().Expect("frmShowFiles", [](ui::CForm& form) { form.Hide(); });
     CFieldReader fields;
     return readout_.DownloadLog(fields, ET312BDownloadLogOption::DOWNLOAD_HISTORY_LOG,
                                 ET312BDownloadOption::DOWNLOAD_SINGLE_FILE, readings, digits);
@@ -169,7 +162,10 @@ class CDownloader {
 
   double SecondsOf(std::int16_t readings) {
     const Clock::time_point start = Clock::now();
-    if (!Try(readings)) throw std::runtime_error("A download failed: " + platform_.LastBox());
+    if (!Try(readings)) {
+      const auto said = platform_.TakeMessages();
+      throw std::runtime_error("A download failed: " + (said.empty() ? "" : said.back().text));
+    }
     return SecondsSince(start);
   }
 
@@ -186,8 +182,7 @@ class CDownloader {
 
  private:
   CFolder folder_;
-  CInterrupts interrupts_;
-  CQuietPlatform platform_;
+  CFolderPlatform platform_;
   std::shared_ptr<LineSettings> line_;
   CDownloadFactory factory_;
   const Components components_;
@@ -258,12 +253,6 @@ long PeakKilobytes() {
   return usage.ru_maxrss;
 }
 
-double Ratio(const std::vector<double>& whole, const std::vector<double>& base) {
-  std::vector<double> ratios;
-  std::ranges::transform(whole, base, std::back_inserter(ratios), std::divides<>());
-  return MedianOf(std::move(ratios));
-}
-
 void MeasureDownloads() {
   CResponder responder;
   CDownloader downloader(responder.DevicePath());
@@ -283,15 +272,16 @@ void MeasureDownloads() {
   std::printf("bare loop, %d readings       %7.3f s\n", kMany, MedianOf(bare));
   std::printf("DownloadLog, %d readings     %7.3f s\n", kMany, MedianOf(many));
   std::printf("DownloadLog, %d readings      %7.3f s\n", kFew, MedianOf(few));
-  std::printf("download over bare loop: ratio %.2f, aim: at most 1.5\n", Ratio(many, bare));
-  std::printf("%d over %d readings: ratio %.2f, aim: at most 4.5\n", kMany, kFew, Ratio(many, few));
+  std::printf("download over bare loop: ratio %.2f, aim: at most 1.5\n", MedianRatio(many, bare));
+  std::printf("%d over %d readings: ratio %.2f, aim: at most 4.5\n", kMany, kFew,
+              MedianRatio(many, few));
   std::printf("peak memory: %.1f MiB, aim: below 64\n", static_cast<double>(peak) / 1024);
   std::printf(
       "parsing and writing %d readings: %.4f s without the trace, %.4f s with it; mawk "
       "%.4f s\n",
       kMany, MedianOf(untraced), MedianOf(traced), MedianOf(awk));
   std::printf("without the trace over mawk: ratio %.2f, aim: below 1; with it: %.2f\n",
-              Ratio(untraced, awk), Ratio(traced, awk));
+              MedianRatio(untraced, awk), MedianRatio(traced, awk));
 }
 
 // Counts the bytes of both ways.

@@ -9,14 +9,14 @@
 #include <cstdio>
 #include <exception>
 #include <functional>
-#include <iterator>
 #include <memory>
 #include <stdexcept>
 #include <string>
 #include <string_view>
-#include <utility>
 #include <vector>
 
+#include "adapters/headless/headless_factory.h"
+#include "adapters/headless/headless_platform.h"
 #include "bench/measuring.h"
 #include "bench/responder.h"
 #include "protocol/framing.h"
@@ -41,12 +41,11 @@ class CCountingTrace : public CLineTrace {
 };
 
 // Knows how long the library has paused: every pause is passes of the message queue.
-class CTimedPlatform : public CTerminalPlatform {
+class CTimedPlatform : public CHeadlessPlatform {
  public:
-  using CTerminalPlatform::CTerminalPlatform;
   void RunMessageQueue(std::uint32_t longestwait) override {
     const Clock::time_point start = Clock::now();
-    CTerminalPlatform::RunMessageQueue(longestwait);
+    CHeadlessPlatform::RunMessageQueue(longestwait);
     paused_ += Clock::now() - start;
   }
   double PausedSeconds() const { return std::chrono::duration<double>(paused_).count(); }
@@ -85,11 +84,9 @@ struct Rates {
   }
 };
 
-// How many times the time of `bare` an exchange of `whole` takes, round by round.
+// How many times the time of `bare` an exchange of `whole` takes.
 double Ratio(const Rates& bare, const Rates& whole) {
-  std::vector<double> ratios;
-  std::ranges::transform(bare.rounds, whole.rounds, std::back_inserter(ratios), std::divides<>());
-  return MedianOf(std::move(ratios));
+  return MedianRatio(bare.rounds, whole.rounds);
 }
 
 void ReadSettings(CVaneT312B& readout) {
@@ -152,16 +149,15 @@ void MeasurePause() {
 
 void Run() {
   CResponder responder;
-  CInterrupts interrupts;
-  CTimedPlatform platform(interrupts);
+  CTimedPlatform platform;
   const auto line = std::make_shared<LineSettings>();
   line->devices[EVanePortNumber::PORT_1] = responder.DevicePath();
-  CFactory factory(interrupts, line);
+  CHeadlessFactory factory(line);
   const Components components{platform, factory};
   const CInstalledComponents installed(components);
 
   CVaneT312B readout(components);
-  readout.SetRegistry(EmptyRegistry());
+  readout.SetRegistry(std::make_shared<CEmptyRegistry>());
   readout.InitializeCommunications();
   if (!readout.QueryChannelInfo()) throw std::runtime_error("The responder was not understood.");
 

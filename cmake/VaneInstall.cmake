@@ -4,7 +4,7 @@
 include(CMakePackageConfigHelpers)
 
 # In the order of a static link: what uses another stands before it.
-set(VANE_INSTALLED_LIBRARIES serial conversions files terminal posix protocol vane)
+set(VANE_INSTALLED_LIBRARIES headless serial conversions files terminal posix protocol vane)
 set(VANE_PACKAGE_FOLDER ${CMAKE_INSTALL_LIBDIR}/cmake/VaneT312B)
 
 list(TRANSFORM VANE_INSTALLED_LIBRARIES PREPEND vane_ OUTPUT_VARIABLE targets)

@@ -18,7 +18,7 @@
 #include "adapters/conversions/probe.h"
 #include "adapters/files/atomic_file.h"
 #include "adapters/files/registry.h"
-#include "adapters/terminal/clock_text.h"
+#include "adapters/posix/clock_text.h"
 #include "adapters/terminal/terminal_passcode.h"
 #include "adapters/terminal/terminal_platform.h"
 #include "adapters/terminal/terminal_progress.h"

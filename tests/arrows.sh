@@ -24,11 +24,12 @@ vane/instrument/* vane/(components|support|channels|topology|instrument)/
 vane/dialogs/* vane/(components|support|channels|topology|instrument|dialogs)/
 vane/download/* vane/
 protocol/* protocol/ vane/components/commands.h
-adapters/posix/* adapters/posix/
+adapters/posix/* vane/ adapters/posix/
 adapters/serial/* vane/ protocol/ adapters/serial/
 adapters/conversions/* vane/ adapters/conversions/
 adapters/files/* vane/ adapters/posix/ adapters/files/
 adapters/terminal/* vane/ adapters/posix/ adapters/terminal/
+adapters/headless/* vane/ adapters/(posix|serial|conversions|files|headless)/
 simulator/* protocol/ simulator/ vane/components/commands.h
 END
 exit $status

@@ -6,48 +6,14 @@
 #include <cmath>
 #include <memory>
 
-#include "adapters/conversions/probe.h"
-#include "adapters/serial/serial_communications.h"
-#include "adapters/terminal/interrupts.h"
-#include "adapters/terminal/terminal_platform.h"
-#include "adapters/terminal/terminal_progress.h"
+#include "adapters/headless/headless_factory.h"
+#include "adapters/headless/headless_platform.h"
 #include "apps/thermoscribe/instrument_properties.h"
 #include "apps/thermoscribe/probe_record.h"
 #include "simulator/line_server.h"
 
 namespace vane {
 namespace {
-
-class CEmptyRegistry final : public CVaneRegistry {
- public:
-  std::int32_t ReadBoolean(const std::string&, bool fallback, std::uint32_t,
-                           const std::string&) override {
-    return fallback ? 1 : 0;
-  }
-  std::string ReadText(const std::string&, const std::string& fallback, std::uint32_t,
-                       const std::string&) override {
-    return fallback;
-  }
-  void RestoreFormPlacement(ui::CWindow&, std::int32_t, bool) override {}
-  void SaveFormPlacement(ui::CWindow&, std::int32_t, bool) override {}
-};
-
-class CFactory final : public CComponentFactory {
- public:
-  CFactory(std::shared_ptr<LineSettings> line, CInterrupts& interrupts)
-      : line_(std::move(line)), interrupts_(interrupts) {}
-  std::unique_ptr<CVaneCommunications> MakeCommunications() override {
-    return std::make_unique<CSerialCommunications>(line_);
-  }
-  std::unique_ptr<CVaneProbe> MakeProbe() override { return std::make_unique<CThermometerProbe>(); }
-  std::unique_ptr<CVaneProgress> MakeProgress() override {
-    return std::make_unique<CTerminalProgress>(interrupts_);
-  }
-
- private:
-  std::shared_ptr<LineSettings> line_;
-  CInterrupts& interrupts_;
-};
 
 class Sweep : public testing::Test {
  protected:
@@ -66,10 +32,9 @@ class Sweep : public testing::Test {
     return instrument;
   }
 
-  CInterrupts interrupts_;
-  CTerminalPlatform platform_{interrupts_};
+  CHeadlessPlatform platform_;
   std::shared_ptr<LineSettings> line_ = std::make_shared<LineSettings>();
-  CFactory factory_{line_, interrupts_};
+  CHeadlessFactory factory_{line_};
   const Components components_{platform_, factory_};
   CInstalledComponents installed_{components_};
   simulator::CSimulatedLine readout_{simulator::ParseOptions("")};

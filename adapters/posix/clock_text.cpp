@@ -1,4 +1,4 @@
-#include "adapters/terminal/clock_text.h"
+#include "adapters/posix/clock_text.h"
 
 #include <cstdio>
 

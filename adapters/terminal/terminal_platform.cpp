@@ -1,17 +1,9 @@
 #include "adapters/terminal/terminal_platform.h"
 
-#include <langinfo.h>
 #include <poll.h>
 
-#include <algorithm>
-#include <climits>
-#include <clocale>
-#include <cstdlib>
-#include <ctime>
-#include <filesystem>
 #include <string_view>
 
-#include "adapters/terminal/clock_text.h"
 #include "adapters/terminal/terminal_input.h"
 #include "adapters/terminal/terminal_output.h"
 
@@ -84,9 +76,8 @@ EBoxButton CTerminalPlatform::Ask() {
 }
 
 void CTerminalPlatform::RunMessageQueue(std::uint32_t longestwait) {
-  if (skipswaits_) skipped_ += std::exchange(longestwait, 0);
   pollfd waiting = {interrupts_.Descriptor(), POLLIN, 0};
-  ::poll(&waiting, 1, static_cast<int>(std::min<std::uint32_t>(longestwait, INT_MAX)));
+  ::poll(&waiting, 1, WaitOf(longestwait));
   for (int arrivals = interrupts_.TakeArrivals(); arrivals > 0; --arrivals) {
     if (handler_) handler_();
   }
@@ -98,41 +89,6 @@ std::int32_t CTerminalPlatform::OpenHelp(const std::string& helpfile, std::int32
                   PrintableText(command == kHelpContextCommand ? HelpTopic(helpfile, data)
                                                                : "Help: " + helpfile + "\n"));
   return 1;
-}
-
-std::uint32_t CTerminalPlatform::TickCount() {
-  const auto now = std::chrono::steady_clock::now().time_since_epoch();
-  return skipped_ + static_cast<std::uint32_t>(
-                        std::chrono::duration_cast<std::chrono::milliseconds>(now).count());
-}
-
-std::chrono::local_seconds CTerminalPlatform::LocalTime() {
-  const std::time_t now = std::time(nullptr);
-  std::tm fields{};
-  ::localtime_r(&now, &fields);
-  return std::chrono::local_seconds(std::chrono::seconds(now + fields.tm_gmtoff));
-}
-
-std::string CTerminalPlatform::DecimalSeparator() {
-  const std::string separator = std::localeconv()->decimal_point;
-  return separator.empty() ? "." : separator;
-}
-
-std::string CTerminalPlatform::LongTimeText(std::chrono::local_seconds moment) {
-  return ClockText(moment, ::nl_langinfo(T_FMT));
-}
-
-std::string CTerminalPlatform::FolderOfLibrary() {
-  return std::filesystem::read_symlink("/proc/self/exe").parent_path().string();
-}
-
-std::string CTerminalPlatform::SystemFolder() { return "/usr/lib"; }
-
-std::string CTerminalPlatform::TemporaryFolder() {
-  const char* variable = std::getenv("TMPDIR");
-  std::string folder = variable && *variable ? variable : "/tmp";
-  while (folder.size() > 1 && folder.back() == '/') folder.pop_back();
-  return folder;
 }
 
 }  // namespace vane

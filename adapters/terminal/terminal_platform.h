@@ -9,12 +9,12 @@
 #include <string>
 #include <utility>
 
+#include "adapters/posix/machine_platform.h"
 #include "adapters/terminal/interrupts.h"
-#include "vane/components/platform.h"
 
 namespace vane {
 
-class CTerminalPlatform : public CPlatform {
+class CTerminalPlatform : public CMachinePlatform {
  public:
   /// `interrupts` outlives the platform; the descriptors stay the host's.
   explicit CTerminalPlatform(CInterrupts& interrupts, int input = 0, int output = 2);
@@ -22,10 +22,6 @@ class CTerminalPlatform : public CPlatform {
   /// What one pass of the message queue does for each interrupt that came since the last pass;
   /// empty for nothing. It runs inside the library's waits and shouldn't call the library.
   void SetInterruptHandler(std::function<void()> handler) { handler_ = std::move(handler); }
-
-  /// From now on no pass of the message queue waits; the tick count runs ahead by what it would
-  /// have. For a run whose pauses have nothing to wait for.
-  void SkipWaits() { skipswaits_ = true; }
 
   /// Prints "title: kind", the text, and the help topic if there is one. Only a question waits. It
   /// asks until it reads "y", "yes", "n" or "no"; without a terminal on both descriptors, at the
@@ -46,21 +42,6 @@ class CTerminalPlatform : public CPlatform {
   std::int32_t OpenHelp(const std::string& helpfile, std::int32_t command,
                         std::int32_t data) override;
 
-  std::uint32_t TickCount() override;
-  std::chrono::local_seconds LocalTime() override;
-
-  // Both follow the locale that the host has set with `setlocale`, LC_NUMERIC and LC_TIME; its
-  // texts must be UTF-8.
-
-  std::string DecimalSeparator() override;
-  std::string LongTimeText(std::chrono::local_seconds moment) override;
-
-  /// The folder of the running program, which the library is linked into.
-  std::string FolderOfLibrary() override;
-  std::string SystemFolder() override;
-  /// `$TMPDIR`, or "/tmp".
-  std::string TemporaryFolder() override;
-
  private:
   EBoxButton Ask();
 
@@ -68,8 +49,6 @@ class CTerminalPlatform : public CPlatform {
   int input_;
   int output_;
   std::function<void()> handler_;
-  bool skipswaits_ = false;
-  std::uint32_t skipped_ = 0;  // ms
 };
 
 }  // namespace vane
