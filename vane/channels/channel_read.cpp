@@ -49,8 +49,12 @@ bool CVaneT312BPRTTHRMChannel::QueryInfo(ui::CWindow* frm) {
     return RunLong(components_, kReadRun, frm, [&](CLongRun& run) {
       const bool scanner = ActualChannel() > kNumInputs;
       const std::int32_t shown = scanner ? ScannerChannel(ActualChannel()) : ActualChannel();
-      run.Start(SubstituteParams(ResourceText(scanner ? 293 : 119), std::to_string(shown)), 100);
-      const std::string name = std::to_string(ActualChannel()) + " " + ResourceText(287);
+      run.Start(SubstituteParams(ResourceText(scanner ? EText::READING_SCANNER_CHANNEL_SETTINGS
+                                                      : EText::READING_CHANNEL_SETTINGS),
+                                 std::to_string(shown)),
+                100);
+      const std::string name =
+          std::to_string(ActualChannel()) + " " + ResourceText(EText::PROBE_INDEX);
       if (!run.Step({name, [&] { return QueryProbeIndex(); }})) return false;
       run.Hide();  // the probe's record has a reporter of its own
       return run.LastStep({name, [&] { return QueryProbeInfo(ProbeIndex(), frm); }});
@@ -61,17 +65,20 @@ bool CVaneT312BPRTTHRMChannel::QueryInfo(ui::CWindow* frm) {
 bool CVaneT312BPRTTHRMChannel::QueryProbeInfo(std::int16_t prbidx, ui::CWindow* frm) {
   return Labelled(kClassName, "QueryProbeInfo", [&] {
     return RunLong(components_, kReadRun, frm, [&](CLongRun& run) {
-      run.Start(SubstituteParams(ResourceText(106), std::to_string(prbidx)), PercentShare(5));
+      run.Start(
+          SubstituteParams(ResourceText(EText::READING_PROBE_INFORMATION), std::to_string(prbidx)),
+          PercentShare(5));
       const bool record = run.Steps({
-          {ResourceText(125), [&] { return QueryProbeSerialNumber(prbidx); }},
-          {ResourceText(291), [&] { return QueryRefResistor(prbidx); }},
-          {ResourceText(140), [&] { return QueryCurrent(prbidx); }},
-          {ResourceText(292), [&] { return Query3WireOffset(prbidx); }},
-          {ResourceText(145), [&] { return QueryConversionType(prbidx); }},
+          {ResourceText(EText::SERIAL), [&] { return QueryProbeSerialNumber(prbidx); }},
+          {ResourceText(EText::REFERENCE), [&] { return QueryRefResistor(prbidx); }},
+          {ResourceText(EText::CURRENT), [&] { return QueryCurrent(prbidx); }},
+          {ResourceText(EText::OFFSET_3W), [&] { return Query3WireOffset(prbidx); }},
+          {ResourceText(EText::CONVERSION_TYPE), [&] { return QueryConversionType(prbidx); }},
       });
       if (!record) return false;
       run.Hide();  // the conversion has a reporter of its own
-      return run.LastStep({ResourceText(145), [&] { return QueryCoefficients(prbidx, frm); }});
+      return run.LastStep(
+          {ResourceText(EText::CONVERSION_TYPE), [&] { return QueryCoefficients(prbidx, frm); }});
     });
   });
 }

@@ -70,8 +70,12 @@ bool CVaneT312BPRTTHRMChannel::UpdateInfo(ui::CWindow* frm) {
     return RunLong(components_, kWriteRun, frm, [&](CLongRun& run) {
       const bool scanner = ActualChannel() > kNumInputs;
       const std::int32_t shown = scanner ? ScannerChannel(ActualChannel()) : ActualChannel();
-      run.Start(SubstituteParams(ResourceText(scanner ? 294 : 121), std::to_string(shown)), 100);
-      const std::string name = std::to_string(ActualChannel()) + " " + ResourceText(287);
+      run.Start(SubstituteParams(ResourceText(scanner ? EText::UPDATING_SCANNER_CHANNEL_SETTINGS
+                                                      : EText::UPDATING_CHANNEL_SETTINGS),
+                                 std::to_string(shown)),
+                100);
+      const std::string name =
+          std::to_string(ActualChannel()) + " " + ResourceText(EText::PROBE_INDEX);
       if (!run.Step({name, [&] { return UpdateProbeIndex(); }})) return false;
       run.Hide();  // the probe's record has a reporter of its own
       return run.LastStep({name, [&] { return UpdateProbeInfo(ProbeIndex(), frm); }});
@@ -82,22 +86,26 @@ bool CVaneT312BPRTTHRMChannel::UpdateInfo(ui::CWindow* frm) {
 bool CVaneT312BPRTTHRMChannel::UpdateProbeInfo(std::int16_t prbidx, ui::CWindow* frm) {
   return Labelled(kClassName, "UpdateProbeInfo", [&] {
     return RunLong(components_, kWriteRun, frm, [&](CLongRun& run) {
-      run.Start(SubstituteParams(ResourceText(295), std::to_string(prbidx)), PercentShare(5));
+      run.Start(
+          SubstituteParams(ResourceText(EText::UPDATING_PROBE_INFORMATION), std::to_string(prbidx)),
+          PercentShare(5));
       const bool record = run.Steps({
-          {ResourceText(125), [&] { return UpdateProbeSerial(prbidx); }},
-          {ResourceText(291), [&] { return UpdateRefResistor(prbidx); }},
-          {ResourceText(140), [&] { return UpdateCurrent(prbidx); }},
-          {ResourceText(292), [&] { return Update3WireOffset(prbidx); }},
+          {ResourceText(EText::SERIAL), [&] { return UpdateProbeSerial(prbidx); }},
+          {ResourceText(EText::REFERENCE), [&] { return UpdateRefResistor(prbidx); }},
+          {ResourceText(EText::CURRENT), [&] { return UpdateCurrent(prbidx); }},
+          {ResourceText(EText::OFFSET_3W), [&] { return Update3WireOffset(prbidx); }},
       });
       if (!record) return false;
       if (Module()->BaseUnit()->ConvPasscodeState() != ET312BPasscodeState::PS_ENABLED) {
         return true;
       }
-      if (!run.Step({ResourceText(145), [&] { return UpdateConversionType(prbidx); }})) {
+      if (!run.Step({ResourceText(EText::CONVERSION_TYPE),
+                     [&] { return UpdateConversionType(prbidx); }})) {
         return false;
       }
       run.Hide();  // the conversion has a reporter of its own
-      return run.LastStep({ResourceText(145), [&] { return UpdateCoefficients(prbidx, frm); }});
+      return run.LastStep(
+          {ResourceText(EText::CONVERSION_TYPE), [&] { return UpdateCoefficients(prbidx, frm); }});
     });
   });
 }

@@ -92,7 +92,7 @@ bool CVaneT312BPRTTHRMChannel::QueryNumber(std::string_view operation, ECommand 
 bool CVaneT312BPRTTHRMChannel::QuerySequence(std::string_view name, double share, ui::CWindow* frm,
                                              const std::function<bool(CLongRun&)>& steps) {
   return RunLong(components_, kConversionReadRun, frm, [&](CLongRun& run) {
-    run.Start(SubstituteParams(ResourceText(120), name), share);
+    run.Start(SubstituteParams(ResourceText(EText::READING_COEFFICIENTS), name), share);
     return steps(run);
   });
 }
@@ -106,13 +106,14 @@ bool CVaneT312BPRTTHRMChannel::QueryRange(const RangeWalk& walk, std::int16_t pr
   };
   const std::string name = ResourceText(walk.coefficientsname);
   return AtBoundary(
-      [&] { return SubstituteParams(ResourceText(109), name); },
+      [&] { return SubstituteParams(ResourceText(EText::ATTEMPTING_TO_QUERY), name); },
       [&] {
         if (range().NumCoefficients() <= 0) return true;
         return RunLong(
             components_, kRangeReadRun, frm,
             [&](CLongRun& run) {
-              run.Start(SubstituteParams(ResourceText(120), ResourceText(walk.rangename)),
+              run.Start(SubstituteParams(ResourceText(EText::READING_COEFFICIENTS),
+                                         ResourceText(walk.rangename)),
                         PercentShare(range().NumCoefficients()));
               const std::int32_t subrange = range().Range();
               if (subrange == kNoRange) return true;
@@ -143,7 +144,7 @@ bool CVaneT312BPRTTHRMChannel::QuerySeries(const SeriesRow& series, std::int16_t
   return RunLong(
       components_, kConversionReadRun, frm,
       [&](CLongRun& run) {
-        run.Start(SubstituteParams(ResourceText(120), series.name),
+        run.Start(SubstituteParams(ResourceText(EText::READING_COEFFICIENTS), series.name),
                   PercentShare(settings().NumCoefficients()));
         for (std::int32_t index = 0; index < settings().NumCoefficients(); ++index) {
           const std::string number = std::to_string(index);
@@ -209,14 +210,16 @@ bool CVaneT312BPRTTHRMChannel::QueryITS90Coefficients(std::int16_t prbidx, ui::C
   return QuerySequence("ITS-90", PercentShare(3), frm, [&](CLongRun& run) {
     const bool values = run.Steps({
         {"ITS-90 RTPW", [&] { return QueryITS90RTPW(prbidx); }},
-        {ResourceText(152), [&] { return QueryITS90LowRange(prbidx); }},
-        {ResourceText(153), [&] { return QueryITS90HighRange(prbidx); }},
+        {ResourceText(EText::LOW_RANGE), [&] { return QueryITS90LowRange(prbidx); }},
+        {ResourceText(EText::HIGH_RANGE), [&] { return QueryITS90HighRange(prbidx); }},
     });
     if (!values) return false;
     run.Hide();  // the ranges have reporters of their own
     return run.Steps({
-        {ResourceText(154), [&] { return QueryITS90LowRangeCoefficients(prbidx, frm); }},
-        {ResourceText(155), [&] { return QueryITS90HighRangeCoefficients(prbidx, frm); }},
+        {ResourceText(EText::LOW_RANGE_COEFFICIENTS),
+         [&] { return QueryITS90LowRangeCoefficients(prbidx, frm); }},
+        {ResourceText(EText::HIGH_RANGE_COEFFICIENTS),
+         [&] { return QueryITS90HighRangeCoefficients(prbidx, frm); }},
     });
   });
 }

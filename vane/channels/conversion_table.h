@@ -12,6 +12,7 @@
 
 #include "vane/components/commands.h"
 #include "vane/components/conversion.h"
+#include "vane/support/text_table.h"
 
 namespace vane {
 
@@ -72,16 +73,18 @@ inline constexpr RangeRow kHighRangeRows[] = {
     {"ITS90HighRangeDCoefficient", ECommand::READ_ITS90_HIGH_D, false, "", 3, 6, 6},
 };
 
-/// One of the two ranges: its rows, and the resources of its names.
+/// One of the two ranges: its rows and its names.
 struct RangeWalk {
   std::span<const RangeRow> rows;
   CITS90Range& (CITS90Settings::*range)();
-  std::int16_t rangename;
-  std::int16_t coefficientsname;
+  EText rangename;
+  EText coefficientsname;
 };
 
-inline constexpr RangeWalk kLowRangeWalk{kLowRangeRows, &CITS90Settings::LowRange, 152, 154};
-inline constexpr RangeWalk kHighRangeWalk{kHighRangeRows, &CITS90Settings::HighRange, 153, 155};
+inline constexpr RangeWalk kLowRangeWalk{kLowRangeRows, &CITS90Settings::LowRange, EText::LOW_RANGE,
+                                         EText::LOW_RANGE_COEFFICIENTS};
+inline constexpr RangeWalk kHighRangeWalk{kHighRangeRows, &CITS90Settings::HighRange,
+                                          EText::HIGH_RANGE, EText::HIGH_RANGE_COEFFICIENTS};
 
 /// Coefficients that are numbered through: of a thermistor or a polynomial.
 struct SeriesRow {

@@ -45,7 +45,7 @@ bool CVaneT312BPRTTHRMChannel::Update(std::string_view operation, ECommand id, s
 bool CVaneT312BPRTTHRMChannel::UpdateSequence(std::string_view name, double share, ui::CWindow* frm,
                                               const std::function<bool(CLongRun&)>& steps) {
   return RunLong(components_, kConversionWriteRun, frm, [&](CLongRun& run) {
-    run.Start(SubstituteParams(ResourceText(122), name), share);
+    run.Start(SubstituteParams(ResourceText(EText::UPDATING_COEFFICIENTS), name), share);
     return steps(run);
   });
 }
@@ -58,34 +58,35 @@ bool CVaneT312BPRTTHRMChannel::UpdateRange(const RangeWalk& walk, std::int16_t p
     return (SettingsOf<CITS90Settings>(*probe_).*walk.range)();
   };
   const std::string name = ResourceText(walk.coefficientsname);
-  return AtBoundary([&] { return SubstituteParams(ResourceText(113), name); },
-                    [&] {
-                      if (range().NumCoefficients() <= 0) return true;
-                      return RunLong(
-                          components_, kRangeWriteRun, frm,
-                          [&](CLongRun& run) {
-                            run.Start(
-                                SubstituteParams(ResourceText(122), ResourceText(walk.rangename)),
-                                PercentShare(range().NumCoefficients()));
-                            const std::int32_t subrange = range().Range();
-                            if (subrange == kNoRange) return true;
-                            const std::string number = std::to_string(ToInteger(subrange));
-                            for (const RangeRow& row : walk.rows) {
-                              if (subrange < row.lowest || subrange > row.highest) return true;
-                              const auto write = [&] {
-                                const double value = range().Coefficients(row.place);
-                                const std::string format = range().ValueFormat();
-                                return Update(
-                                    row.operation, WriteOf(row.readid), prbidx,
-                                    [&] { return ValueText(value, format); },
-                                    row.sendsrange ? number : std::string(), row.index);
-                              };
-                              if (!run.Step({name, write})) return false;
-                            }
-                            return true;
-                          },
-                          name);
-                    });
+  return AtBoundary(
+      [&] { return SubstituteParams(ResourceText(EText::ATTEMPTING_TO_UPDATE), name); },
+      [&] {
+        if (range().NumCoefficients() <= 0) return true;
+        return RunLong(
+            components_, kRangeWriteRun, frm,
+            [&](CLongRun& run) {
+              run.Start(SubstituteParams(ResourceText(EText::UPDATING_COEFFICIENTS),
+                                         ResourceText(walk.rangename)),
+                        PercentShare(range().NumCoefficients()));
+              const std::int32_t subrange = range().Range();
+              if (subrange == kNoRange) return true;
+              const std::string number = std::to_string(ToInteger(subrange));
+              for (const RangeRow& row : walk.rows) {
+                if (subrange < row.lowest || subrange > row.highest) return true;
+                const auto write = [&] {
+                  const double value = range().Coefficients(row.place);
+                  const std::string format = range().ValueFormat();
+                  return Update(
+                      row.operation, WriteOf(row.readid), prbidx,
+                      [&] { return ValueText(value, format); },
+                      row.sendsrange ? number : std::string(), row.index);
+                };
+                if (!run.Step({name, write})) return false;
+              }
+              return true;
+            },
+            name);
+      });
 }
 
 bool CVaneT312BPRTTHRMChannel::UpdateSeries(const SeriesRow& series, std::int16_t prbidx,
@@ -93,32 +94,32 @@ bool CVaneT312BPRTTHRMChannel::UpdateSeries(const SeriesRow& series, std::int16_
   const auto settings = [&]() -> CThermistorSettings& {
     return SettingsOf<CThermistorSettings>(*probe_);
   };
-  return AtBoundary([] { return SubstituteParams(ResourceText(113), "0"); },
-                    [&] {
-                      // Unlike a read, which takes what the instrument has, there may be nothing to
-                      // write.
-                      if (settings().NumCoefficients() <= 0) return true;
-                      return RunLong(
-                          components_, kSeriesWriteRun, frm,
-                          [&](CLongRun& run) {
-                            run.Start(SubstituteParams(ResourceText(122), series.name),
-                                      PercentShare(settings().NumCoefficients()));
-                            for (std::int32_t index = 0; index < settings().NumCoefficients();
-                                 ++index) {
-                              const std::string number = std::to_string(index);
-                              const auto write = [&] {
-                                const double value = settings().Coefficients(index);
-                                const std::string format = settings().ValueFormat();
-                                return Update(
-                                    series.operation, WriteOf(series.readid), prbidx,
-                                    [&] { return ValueText(value, format); }, {}, number);
-                              };
-                              if (!run.Step({number, write})) return false;
-                            }
-                            return true;
-                          },
-                          "0");
-                    });
+  return AtBoundary(
+      [] { return SubstituteParams(ResourceText(EText::ATTEMPTING_TO_UPDATE), "0"); },
+      [&] {
+        // Unlike a read, which takes what the instrument has, there may be nothing to
+        // write.
+        if (settings().NumCoefficients() <= 0) return true;
+        return RunLong(
+            components_, kSeriesWriteRun, frm,
+            [&](CLongRun& run) {
+              run.Start(SubstituteParams(ResourceText(EText::UPDATING_COEFFICIENTS), series.name),
+                        PercentShare(settings().NumCoefficients()));
+              for (std::int32_t index = 0; index < settings().NumCoefficients(); ++index) {
+                const std::string number = std::to_string(index);
+                const auto write = [&] {
+                  const double value = settings().Coefficients(index);
+                  const std::string format = settings().ValueFormat();
+                  return Update(
+                      series.operation, WriteOf(series.readid), prbidx,
+                      [&] { return ValueText(value, format); }, {}, number);
+                };
+                if (!run.Step({number, write})) return false;
+              }
+              return true;
+            },
+            "0");
+      });
 }
 
 // --- The conversions ---
@@ -151,15 +152,15 @@ bool CVaneT312BPRTTHRMChannel::UpdateITS90Coefficients(std::int16_t prbidx, ui::
   return UpdateSequence("ITS-90", PercentShare(3), frm, [&](CLongRun& run) {
     const bool values = run.Steps({
         {"ITS-90 RTPW", [&] { return UpdateITS90RTPW(prbidx); }},
-        {ResourceText(152), [&] { return UpdateITS90LowRange(prbidx); }},
-        {ResourceText(153), [&] { return UpdateITS90HighRange(prbidx); }},
+        {ResourceText(EText::LOW_RANGE), [&] { return UpdateITS90LowRange(prbidx); }},
+        {ResourceText(EText::HIGH_RANGE), [&] { return UpdateITS90HighRange(prbidx); }},
     });
     if (!values) return false;
     run.Hide();  // the ranges have reporters and pauses of their own
-    return run.StepWithoutPause(
-               {ResourceText(154), [&] { return UpdateITS90LowRangeCoefficients(prbidx, frm); }}) &&
-           run.StepWithoutPause(
-               {ResourceText(155), [&] { return UpdateITS90HighRangeCoefficients(prbidx, frm); }});
+    return run.StepWithoutPause({ResourceText(EText::LOW_RANGE_COEFFICIENTS),
+                                 [&] { return UpdateITS90LowRangeCoefficients(prbidx, frm); }}) &&
+           run.StepWithoutPause({ResourceText(EText::HIGH_RANGE_COEFFICIENTS),
+                                 [&] { return UpdateITS90HighRangeCoefficients(prbidx, frm); }});
   });
 }
 

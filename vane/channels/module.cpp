@@ -53,7 +53,7 @@ void CModule::SetRegistry(const std::shared_ptr<CVaneRegistry>& Reg) {
 CVaneT312BPRTTHRMChannel* CModule::Channels(std::int16_t idx) const {
   if (idx < 0 || idx >= NumChannels()) {
     throw LibraryError(ERR_INVALID_CHANNEL, OperationLabel(kind_.classname, "Get Channels"),
-                       ResourceText(171));
+                       ResourceText(EText::INVALID_CHANNEL_INDEX));
   }
   return channels_[static_cast<std::size_t>(idx)].get();
 }
@@ -65,10 +65,11 @@ bool CModule::QueryInfo(ui::CWindow* frm, bool inclchannels) {
         for (const auto& channel : channels_) channel->QueryInfo(frm);
         return true;
       }
-      run.Start(ResourceText(288), PercentShare(NumChannels()));
+      run.Start(ResourceText(EText::READING_PROBE_INDEXES), PercentShare(NumChannels()));
       for (std::int16_t idx = 0; idx < NumChannels(); ++idx) {
-        const bool goon = run.Step({std::to_string(idx + 1) + " " + ResourceText(287),
-                                    [&] { return Channels(idx)->QueryProbeIndex(); }});
+        const bool goon =
+            run.Step({std::to_string(idx + 1) + " " + ResourceText(EText::PROBE_INDEX),
+                      [&] { return Channels(idx)->QueryProbeIndex(); }});
         if (!goon) return false;
       }
       return true;

@@ -14,10 +14,10 @@ frmShowFiles::frmShowFiles(const Components& components)
       print_(form_->AddCheckBox("chkPrint")),
       ok_(form_->AddButton("cmdOK")) {
   form_->OnLoad([this] {
-    form_->SetCaption(ResourceText(302));
-    instructions_.SetCaption(ResourceText(303));
-    print_.SetCaption(ResourceText(304));
-    ok_.SetCaption(ResourceText(136));
+    form_->SetCaption(ResourceText(EText::DOWNLOADED_FILES));
+    instructions_.SetCaption(ResourceText(EText::DATA_WAS_WRITTEN_TO_FILES));
+    print_.SetCaption(ResourceText(EText::SEND_TO_PRINTER));
+    ok_.SetCaption(ResourceText(EText::OK));
     ok_.SetDefault(true);
   });
   form_->OnFirstPaint([this] {

@@ -28,14 +28,17 @@ enum EColumn : std::int16_t {
 
 // A reading carries no date, no time, no label and no channel; their columns say so.
 struct ColumnRow {
-  std::int16_t title;
+  EText title;
   std::int16_t width;
-  std::int16_t nothing;  // 0 where a reading does have it
+  EText nothing;  // `NO_TEXT` where a reading does have it
 };
 
 // By column. The channel's is there only in a file that takes all channels.
-constexpr ColumnRow kColumns[] = {
-    {192, 12, 223}, {193, 12, 222}, {194, 20, 0}, {213, 10, 220}, {195, 10, 221}};
+constexpr ColumnRow kColumns[] = {{EText::DATE, 12, EText::NO_DATE},
+                                  {EText::TIME, 12, EText::NO_TIME},
+                                  {EText::READING, 20, EText::NO_TEXT},
+                                  {EText::LABEL, 10, EText::NO_LABEL},
+                                  {EText::CHANNEL, 10, EText::NO_CHANNEL}};
 
 constexpr std::int32_t kSaveDialogFlags = 0x280806;
 
@@ -54,7 +57,7 @@ void CLogDownload::Parse(AwkOne& awkParser, bool prompt) {
   awkParser.NF();  // the parser splits here, before the display says what goes on
   trace_->WriteLine("Fields to parse: " + std::to_string(awkParser.NF()));
   progress_ = components_.factory.MakeProgress();
-  progress_->Start(ResourceText(198), 0);
+  progress_->Start(ResourceText(EText::PARSING_DATA), 0);
   trace_->WriteLine("Creating file...");
   files_[0] = components_.factory.MakeOutputFile();
   files_[0]->SetRegistry(instrument_.Registry());
@@ -76,7 +79,7 @@ void CLogDownload::WriteRows(AwkOne& awkParser) {
   CVaneOutputFile& file = *files_[0];
   std::string nothing[std::size(kColumns)];
   for (std::size_t i = 0; i < std::size(kColumns); ++i) {
-    if (kColumns[i].nothing != 0) nothing[i] = ResourceText(kColumns[i].nothing);
+    if (kColumns[i].nothing != EText::NO_TEXT) nothing[i] = ResourceText(kColumns[i].nothing);
   }
   const std::int32_t count = awkParser.NF();
   const std::string total = " of " + std::to_string(count) + ": ";
@@ -107,7 +110,7 @@ void CLogDownload::WriteRows(AwkOne& awkParser) {
 
 bool CLogDownload::PrepareFile(CVaneOutputFile& file, bool prompt, std::int16_t chn) {
   return AtBoundary(
-      [] { return ResourceText(199); },
+      [] { return ResourceText(EText::ATTEMPTING_TO_CREATE_DOWNLOAD_FILE); },
       [&] {
         const auto downloadfolder = [&] {
           return RegistryOf(instrument_)
@@ -122,10 +125,11 @@ bool CLogDownload::PrepareFile(CVaneOutputFile& file, bool prompt, std::int16_t 
           const auto dialog = components_.factory.MakeFileDialog();
           dialog->SetOptionA(false);
           dialog->SetDefaultExt(extension);
-          dialog->SetDialogTitle(ResourceText(190));
+          dialog->SetDialogTitle(ResourceText(EText::SAVE_DOWNLOAD_FILE_AS));
           dialog->SetFlags(kSaveDialogFlags);
           dialog->SetFileName(name);
-          dialog->SetFilter(SubstituteParams(ResourceText(191), extension + "|" + extension));
+          dialog->SetFilter(SubstituteParams(ResourceText(EText::DOWNLOAD_FILES_FILTER),
+                                             extension + "|" + extension));
           dialog->SetOptionB(false);
           dialog->SetInitDir(downloadfolder());
           SetBusyCursor(false);
@@ -148,9 +152,10 @@ bool CLogDownload::PrepareFile(CVaneOutputFile& file, bool prompt, std::int16_t 
         for (std::int16_t column = 0; column < columns; ++column) {
           file.SetField(column, ResourceText(kColumns[column].title));
         }
-        file.SetHeader(kLineEnd + ResourceText(196) + ": " + instrument_.Model());
+        file.SetHeader(kLineEnd + ResourceText(EText::READOUT_MODEL) + ": " + instrument_.Model());
         if (!allchannels) {
-          file.SetHeader(file.Header() + kLineEnd + ResourceText(195) + ": " + std::to_string(chn));
+          file.SetHeader(file.Header() + kLineEnd + ResourceText(EText::CHANNEL) + ": " +
+                         std::to_string(chn));
         }
         bool created = false;
         file.Create(true, created);

@@ -73,7 +73,8 @@ bool CLogDownload::Run(ui::CWindow* frm, AwkOne& awkParser, ET312BDownloadLogOpt
                           "[Source: " + error.Source() + "]");
       }
     });
-    ignored.Try([] { ShowError(ResourceText(189), kCompanyName, {}, 0); });
+    ignored.Try(
+        [] { ShowError(ResourceText(EText::ATTEMPTING_TO_DOWNLOAD), kCompanyName, {}, 0); });
   }
   if (done) ShowFiles(frm);
 
@@ -97,7 +98,7 @@ CLogDownload::EEnd CLogDownload::Transfer(ET312BDownloadLogOption log, std::int1
   if (!instrument_.QueryIdentification(true)) return EEnd::SILENT;
   trace_->WriteLine("Firmware version " + PlainNumberText(instrument_.Firmware()));
   if (!instrument_.VerifyMinimumFirmware()) {
-    ShowMessage(ResourceText(218));
+    ShowMessage(ResourceText(EText::FEATURE_NOT_SUPPORTED));
     return EEnd::STOPPED;
   }
   const std::int16_t count = numreadings == 0 ? kUsualReadings : numreadings;
@@ -106,7 +107,7 @@ CLogDownload::EEnd CLogDownload::Transfer(ET312BDownloadLogOption log, std::int1
   trace_->WriteLine("Downloading data...");
   LineOf(instrument_).params().ClearAll();
   progress_ = components_.factory.MakeProgress();
-  progress_->Start(ResourceText(219), 0);
+  progress_->Start(ResourceText(EText::DOWNLOADING_DATA), 0);
   const ECommand id = log == ET312BDownloadLogOption::DOWNLOAD_HISTORY_LOG
                           ? ECommand::READ_HISTORY_LOG
                           : ECommand::READ_MEMORY_LOG;
@@ -138,7 +139,7 @@ CLogDownload::EEnd CLogDownload::Transfer(ET312BDownloadLogOption log, std::int1
   progress_.reset();
   if (!aborted_) return EEnd::DONE;
   trace_->WriteLine("Download aborted...");
-  ShowMessage(ResourceText(214));
+  ShowMessage(ResourceText(EText::DOWNLOAD_ABORTED));
   return EEnd::STOPPED;
 }
 
@@ -178,7 +179,9 @@ void CLogDownload::ShowFiles(ui::CWindow* frm) {
     dialog->SetFiles(files_);
     dialog->Show(frm);
   } catch (...) {
-    ignored.Try([] { ShowError(ResourceText(301), kCompanyName, {}, 0); });
+    ignored.Try([] {
+      ShowError(ResourceText(EText::ATTEMPTING_TO_SHOW_DOWNLOAD_FILES), kCompanyName, {}, 0);
+    });
   }
   ignored.Try([&] {
     if (dialog) dialog->Unload();

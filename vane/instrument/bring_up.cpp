@@ -26,8 +26,8 @@ std::string ParentFolder(const std::string& folder) {
 bool CheckModel(const CVaneT312B& instrument, CLongRun& run) {
   if (Contains(instrument.Identification(), kReadoutModel)) return true;
   run.Hide();
-  ShowMessage(
-      SubstituteParams(ResourceText(104), std::string(kReadoutModel) + "|" + kReadoutModel));
+  ShowMessage(SubstituteParams(ResourceText(EText::NOT_A_MODEL),
+                               std::string(kReadoutModel) + "|" + kReadoutModel));
   return false;
 }
 
@@ -60,7 +60,7 @@ bool CVaneT312B::InitializeCommunications(const std::string& fp, EVanePortNumber
 }
 
 bool CVaneT312B::InitializeCommunicationSettings() {
-  return AtBoundary([] { return ResourceText(114); },
+  return AtBoundary([] { return ResourceText(EText::ATTEMPTING_TO_INITIALIZE_COMMUNICATIONS); },
                     [&] {
                       Write(LineOf(*this), ECommand::WRITE_INITIALIZE);
                       return true;
@@ -86,7 +86,7 @@ bool CVaneT312B::QueryIdentification(bool setprops) {
 
 void ExtractModFWFromID(const std::string& id, std::string& model, double& firmware) {
   try {
-    model = ResourceText(158);
+    model = ResourceText(EText::UNKNOWN);
     firmware = 0;
     const std::size_t comma = id.find(',');
     if (comma == id.npos) return;

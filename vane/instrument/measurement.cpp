@@ -34,8 +34,7 @@ class CReading {
   double OfScanner(std::int32_t chan, bool waitfornew);
   // A host that asks for a reading is told that there is none, not which exchange on the way
   // failed.
-  double Guarded(std::string_view operation, std::int16_t failedtext,
-                 const std::function<double()>& body);
+  double Guarded(std::string_view operation, EText failedtext, const std::function<double()>& body);
   void WaitForNewData();
   [[noreturn]] void EndWait(EMeasurementTrouble kind, const char* description);
 
@@ -46,7 +45,7 @@ class CReading {
 };
 
 double CReading::OfChannel(std::int16_t chn, bool waitfornew) {
-  return Guarded("QueryMeasurement", 174, [&] {
+  return Guarded("QueryMeasurement", EText::UNABLE_TO_QUERY_MEASUREMENT, [&] {
     LineOf(instrument_).params().ClearAll();
     if (waitfornew) WaitForNewData();
     if (chn > kNumInputs) return OfScanner(ScannerChannel(chn), waitfornew);
@@ -58,9 +57,9 @@ double CReading::OfChannel(std::int16_t chn, bool waitfornew) {
 double CReading::OfScanner(std::int32_t chan, bool waitfornew) {
   if (chan > ScannerChannel(instrument_.NumChannels()) || chan < 1) {
     throw LibraryError(ERR_INVALID_CHANNEL, InstrumentLabel("QueryScannerMeasurement"),
-                       ResourceText(171));
+                       ResourceText(EText::INVALID_CHANNEL_INDEX));
   }
-  return Guarded("QueryScannerMeasurement", 216, [&] {
+  return Guarded("QueryScannerMeasurement", EText::UNABLE_TO_QUERY_SCANNER_MEASUREMENT, [&] {
     LineOf(instrument_).params().ClearAll();
     if (waitfornew) WaitForNewData();
     LineOf(instrument_).params().Channel = std::to_string(chan);
@@ -68,7 +67,7 @@ double CReading::OfScanner(std::int32_t chan, bool waitfornew) {
   });
 }
 
-double CReading::Guarded(std::string_view operation, std::int16_t failedtext,
+double CReading::Guarded(std::string_view operation, EText failedtext,
                          const std::function<double()>& body) {
   try {
     return body();
@@ -109,19 +108,27 @@ void CReading::EndWait(EMeasurementTrouble kind, const char* description) {
 }  // namespace
 
 bool CVaneT312B::StartMeasure() {
-  return AtBoundary([] { return SubstituteParams(ResourceText(113), ResourceText(202)); },
-                    [&] {
-                      Write(LineOf(*this), ECommand::WRITE_START_MEASURE);
-                      return true;
-                    });
+  return AtBoundary(
+      [] {
+        return SubstituteParams(ResourceText(EText::ATTEMPTING_TO_UPDATE),
+                                ResourceText(EText::START_MEASURE));
+      },
+      [&] {
+        Write(LineOf(*this), ECommand::WRITE_START_MEASURE);
+        return true;
+      });
 }
 
 bool CVaneT312B::StopMeasure() {
-  return AtBoundary([] { return SubstituteParams(ResourceText(113), ResourceText(203)); },
-                    [&] {
-                      Write(LineOf(*this), ECommand::WRITE_STOP_MEASURE);
-                      return true;
-                    });
+  return AtBoundary(
+      [] {
+        return SubstituteParams(ResourceText(EText::ATTEMPTING_TO_UPDATE),
+                                ResourceText(EText::STOP_MEASURE));
+      },
+      [&] {
+        Write(LineOf(*this), ECommand::WRITE_STOP_MEASURE);
+        return true;
+      });
 }
 
 double CVaneT312B::QueryMeasurement(std::int16_t chan, bool waitfornew) {
@@ -129,7 +136,8 @@ double CVaneT312B::QueryMeasurement(std::int16_t chan, bool waitfornew) {
   const bool selected = chan == -1;
   const std::int16_t chn = selected ? SelectedChannel() : chan;
   if (selected ? chn == -1 : chn > NumChannels() || chn < 1) {
-    throw LibraryError(ERR_INVALID_CHANNEL, InstrumentLabel("QueryMeasurement"), ResourceText(171));
+    throw LibraryError(ERR_INVALID_CHANNEL, InstrumentLabel("QueryMeasurement"),
+                       ResourceText(EText::INVALID_CHANNEL_INDEX));
   }
   waitcancelled_ = false;
   return CReading(*this, components_.platform, waitcancelled_, measurementtrouble_)

@@ -55,7 +55,7 @@ bool CVaneT312B::ValidatePasscode(ui::CWindow* frm) {
       std::string entered;
       if (!dialog->ShowDialog(entered, frm)) return false;
       if (entered == QueryPasscode(*this)) return true;
-      ShowMessage(ResourceText(103));
+      ShowMessage(ResourceText(EText::PASSCODE_INCORRECT));
     }
   });
 }

@@ -6,6 +6,7 @@
 #include "vane/support/text_table.h"
 
 namespace vane {
+
 bool CVaneT312B::Query(std::string_view name, ECommand id,
                        const std::function<bool(const std::string&)>& store,
                        std::initializer_list<FieldText> fields) {
@@ -36,37 +37,40 @@ bool CVaneT312B::QueryInfo(ui::CWindow* frm, bool inclmodules, bool inclchannels
   return Exchange(*this, "QueryInfo", [&] {
     return RunLong(components_, kReadRun, frm, [&](CLongRun& run) {
       if (!ProveInstrument(*this, run, true)) return false;
-      const auto setting = [&](std::int16_t name, const SettingRow& row) {
+      const auto setting = [&](EText name, const SettingRow& row) {
         return RunStep{ResourceText(name), [this, &row] { return Query(row); }};
       };
-      run.Start(SubstituteParams(ResourceText(105), Model()), PercentShare(NumCalParams() + 21));
+      run.Start(SubstituteParams(ResourceText(EText::READING_SETTINGS), Model()),
+                PercentShare(NumCalParams() + 21));
       run.Advance();
       const bool settings = run.Steps({
-          {ResourceText(127), [&] { return topology_.QueryNumChannels(); }},
-          {ResourceText(150), [&] { return topology_.QueryNumModules(); }},
-          {ResourceText(246), [&] { return QueryPasscodeProtectionSettings(*this); }},
-          {ResourceText(127), [&] { return topology_.QueryNumChannels(); }},
-          setting(131, kFilterType),
-          setting(148, kFilterResponseTime),
-          setting(253, kFilterThreshold),
-          setting(133, kUnits),
-          setting(135, kSampleAction),
-          setting(235, kSampleN),
-          setting(134, kInterval),
-          setting(228, kConversionTime),
-          setting(229, kIntegrationTime),
-          setting(257, kResolution),
-          setting(258, kResistanceResolution),
-          setting(259, kRatioResolution),
-          setting(260, kChannelMode),
-          setting(234, kRepetitions),
+          {ResourceText(EText::CHANNELS), [&] { return topology_.QueryNumChannels(); }},
+          {ResourceText(EText::NUMBER_OF_MODULES), [&] { return topology_.QueryNumModules(); }},
+          {ResourceText(EText::PASSCODE_PROTECTION),
+           [&] { return QueryPasscodeProtectionSettings(*this); }},
+          {ResourceText(EText::CHANNELS), [&] { return topology_.QueryNumChannels(); }},
+          setting(EText::FILTER_TYPE, kFilterType),
+          setting(EText::FILTER_RESPONSE_TIME, kFilterResponseTime),
+          setting(EText::THRESHHOLD, kFilterThreshold),
+          setting(EText::UNITS, kUnits),
+          setting(EText::SAMPLE_ACTION, kSampleAction),
+          setting(EText::SAMPLE_N, kSampleN),
+          setting(EText::SAMPLE_INTERVAL, kInterval),
+          setting(EText::CONVERSION_TIME, kConversionTime),
+          setting(EText::INTEGRATION_TIME, kIntegrationTime),
+          setting(EText::TEMPERATURE_RESOLUTION, kResolution),
+          setting(EText::RESISTANCE_RESOLUTION, kResistanceResolution),
+          setting(EText::RATIO_RESOLUTION, kRatioResolution),
+          setting(EText::CHANNEL_MODE, kChannelMode),
+          setting(EText::REPETITIONS, kRepetitions),
       });
       if (!settings) return false;
       for (std::int16_t index = 0; index < NumCalParams(); ++index) {
-        const std::string name = ResourceText(156) + " " + std::to_string(index + 1);
+        const std::string name =
+            ResourceText(EText::CALIBRATION_PARAMETER) + " " + std::to_string(index + 1);
         if (!run.Step({name, [&] { return QueryCalParam(index); }})) return false;
       }
-      if (!run.Steps({setting(244, kADC), setting(245, kOven)})) return false;
+      if (!run.Steps({setting(EText::ADC, kADC), setting(EText::OVEN, kOven)})) return false;
       run.Hide();
       if (HasScanners() && !QueryScannerSettings(run, frm)) return false;
       if (inclmodules) {
@@ -83,11 +87,11 @@ bool CVaneT312B::QueryChannelInfo() {
   return Exchange(*this, "QueryChannelInfo", [&] {
     return RunLong(components_, kReadRun, std::nullopt, [&](CLongRun& run) {
       if (!ProveInstrument(*this, run, true)) return false;
-      run.Start(SubstituteParams(ResourceText(105), Model()), PercentShare(3));
+      run.Start(SubstituteParams(ResourceText(EText::READING_SETTINGS), Model()), PercentShare(3));
       run.Advance();
       return run.Steps({
-          {ResourceText(127), [&] { return topology_.QueryNumChannels(); }},
-          {ResourceText(150), [&] { return topology_.QueryNumModules(); }},
+          {ResourceText(EText::CHANNELS), [&] { return topology_.QueryNumChannels(); }},
+          {ResourceText(EText::NUMBER_OF_MODULES), [&] { return topology_.QueryNumModules(); }},
       });
     });
   });

@@ -52,34 +52,36 @@ bool CVaneT312B::UpdateInfo(ui::CWindow* frm, bool) {
     return RunLong(components_, kWriteRun, frm, [&](CLongRun& run) {
       if (!ProveInstrument(*this, run, false)) return false;
       if (HasScanners() && !UpdateScannerSettings(run, frm)) return false;
-      run.Start(SubstituteParams(ResourceText(110), Model()),
+      run.Start(SubstituteParams(ResourceText(EText::UPDATING_SETTINGS), Model()),
                 PercentShare(NumCalParams() + kOtherSettings));
       const bool settings = run.Steps({
-          {ResourceText(131), [&] { return UpdateFilterType(); }},
-          {ResourceText(148), [&] { return UpdateFilterResponseTime(); }},
-          {ResourceText(253), [&] { return UpdateFilterThreshold(); }},
-          {ResourceText(133), [&] { return UpdateUnits(); }},
-          {ResourceText(135), [&] { return UpdateSampleAction(); }},
-          {ResourceText(235), [&] { return UpdateSampleN(); }},
-          {ResourceText(134), [&] { return UpdateInterval(); }},
-          {ResourceText(228), [&] { return UpdateConversionTime(); }},
-          {ResourceText(229), [&] { return UpdateIntegrationTime(); }},
-          {ResourceText(257), [&] { return UpdateResolution(); }},
-          {ResourceText(258), [&] { return UpdateResistanceResolution(); }},
-          {ResourceText(259), [&] { return UpdateRatioResolution(); }},
-          {ResourceText(260), [&] { return UpdateChannelMode(); }},
-          {ResourceText(234), [&] { return UpdateRepetitions(); }},
+          {ResourceText(EText::FILTER_TYPE), [&] { return UpdateFilterType(); }},
+          {ResourceText(EText::FILTER_RESPONSE_TIME), [&] { return UpdateFilterResponseTime(); }},
+          {ResourceText(EText::THRESHHOLD), [&] { return UpdateFilterThreshold(); }},
+          {ResourceText(EText::UNITS), [&] { return UpdateUnits(); }},
+          {ResourceText(EText::SAMPLE_ACTION), [&] { return UpdateSampleAction(); }},
+          {ResourceText(EText::SAMPLE_N), [&] { return UpdateSampleN(); }},
+          {ResourceText(EText::SAMPLE_INTERVAL), [&] { return UpdateInterval(); }},
+          {ResourceText(EText::CONVERSION_TIME), [&] { return UpdateConversionTime(); }},
+          {ResourceText(EText::INTEGRATION_TIME), [&] { return UpdateIntegrationTime(); }},
+          {ResourceText(EText::TEMPERATURE_RESOLUTION), [&] { return UpdateResolution(); }},
+          {ResourceText(EText::RESISTANCE_RESOLUTION),
+           [&] { return UpdateResistanceResolution(); }},
+          {ResourceText(EText::RATIO_RESOLUTION), [&] { return UpdateRatioResolution(); }},
+          {ResourceText(EText::CHANNEL_MODE), [&] { return UpdateChannelMode(); }},
+          {ResourceText(EText::REPETITIONS), [&] { return UpdateRepetitions(); }},
       });
       if (!settings) return false;
       if (CalParamPasscodeState() != ET312BPasscodeState::PS_ENABLED) return true;
       SetBusyCursor(true);
       for (std::int16_t index = 0; index < NumCalParams(); ++index) {
-        const std::string name = ResourceText(156) + " " + std::to_string(index + 1);
+        const std::string name =
+            ResourceText(EText::CALIBRATION_PARAMETER) + " " + std::to_string(index + 1);
         if (!run.Step({name, [&] { return UpdateCalParam(index); }})) return false;
       }
       return run.Steps({
-          {ResourceText(244), [&] { return UpdateADC(); }},
-          {ResourceText(245), [&] { return UpdateOven(); }},
+          {ResourceText(EText::ADC), [&] { return UpdateADC(); }},
+          {ResourceText(EText::OVEN), [&] { return UpdateOven(); }},
       });
     });
   });

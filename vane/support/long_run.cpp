@@ -1,7 +1,6 @@
 #include "vane/support/long_run.h"
 
 #include "vane/support/messages.h"
-#include "vane/support/text_table.h"
 #include "vane/support/timing.h"
 
 namespace vane {
@@ -44,8 +43,8 @@ void CLongRun::Hide() {
 
 void CLongRun::Finish() { progress_->Finish(); }
 
-bool CLongRun::StopWith(std::int16_t text, bool hide, const std::string& value) {
-  if (text == 0) return false;
+bool CLongRun::StopWith(EText text, bool hide, const std::string& value) {
+  if (text == EText::NO_TEXT) return false;
   if (hide) Hide();
   ShowMessage(SubstituteParams(ResourceText(text), value));
   return false;
@@ -72,11 +71,11 @@ bool RunLong(const Components& components, const RunPolicy& policy, std::optiona
     return result;
   } catch (...) {
     if (policy.hidesonerror) run.Hide();
-    if (policy.errortext != 0) {
+    if (policy.errortext != EText::NO_TEXT) {
       ShowError(SubstituteParams(ResourceText(policy.errortext), run.name_), kCompanyName, {}, 0);
     }
     if (policy.finishonerror) run.End();
-    if (policy.errortext == 0) throw;
+    if (policy.errortext == EText::NO_TEXT) throw;
     return false;
   }
 }

@@ -13,20 +13,21 @@
 #include <string>
 
 #include "vane/components/components.h"
+#include "vane/support/text_table.h"
 
 namespace vane {
 
 struct RunPolicy {
-  /// Shown with the step's name when a step gives false; 0 leaves the word to the caller of the
-  /// run.
-  std::int16_t failedtext;
+  /// Shown with the step's name when a step gives false; `NO_TEXT` leaves the word to the caller of
+  /// the run.
+  EText failedtext;
 
-  /// Shown when the user stops the run; 0 leaves the word to the caller of the run.
-  std::int16_t abortedtext;
+  /// Shown when the user stops the run; `NO_TEXT` leaves the word to the caller of the run.
+  EText abortedtext;
 
   /// What an error meets. With a text, the run stands at the user's boundary: the error is shown as
-  /// an attempt at the step that it came from, and the run ends with false. With 0 it climbs on.
-  std::int16_t errortext = 0;
+  /// an attempt at the step that it came from, and the run ends with false. Without, it climbs on.
+  EText errortext = EText::NO_TEXT;
 
   /// Whether the display makes room for the word that the user stopped the run. A write keeps it
   /// up, so that he sees how far the instrument's settings have changed.
@@ -54,25 +55,28 @@ struct RunPolicy {
 };
 
 /// Reads of several settings whose errors are shown further up.
-inline constexpr RunPolicy kReadRun{.failedtext = 107, .abortedtext = 108};
+inline constexpr RunPolicy kReadRun{.failedtext = EText::FAILED_TO_QUERY,
+                                    .abortedtext = EText::ABORTED_QUERYING};
 
 /// Reads of a conversion's values: they end at the user.
-inline constexpr RunPolicy kConversionReadRun{
-    .failedtext = 107, .abortedtext = 108, .errortext = 109, .finishonerror = true};
+inline constexpr RunPolicy kConversionReadRun{.failedtext = EText::FAILED_TO_QUERY,
+                                              .abortedtext = EText::ABORTED_QUERYING,
+                                              .errortext = EText::ATTEMPTING_TO_QUERY,
+                                              .finishonerror = true};
 
 /// Reads of one range of a conversion, within the run of the whole conversion, which says that the
 /// range failed.
-inline constexpr RunPolicy kRangeReadRun{.failedtext = 107,
-                                         .abortedtext = 0,
-                                         .errortext = 109,
+inline constexpr RunPolicy kRangeReadRun{.failedtext = EText::FAILED_TO_QUERY,
+                                         .abortedtext = EText::NO_TEXT,
+                                         .errortext = EText::ATTEMPTING_TO_QUERY,
                                          .finishonerror = true,
                                          .clearsbusycursor = false};
 
 inline constexpr std::int32_t kWritePause = 300;  // ms
 
 /// Writes of several settings whose errors are shown further up.
-inline constexpr RunPolicy kWriteRun{.failedtext = 111,
-                                     .abortedtext = 112,
+inline constexpr RunPolicy kWriteRun{.failedtext = EText::FAILED_TO_UPDATE,
+                                     .abortedtext = EText::ABORTED_UPDATING,
                                      .hidesbeforeabort = false,
                                      .hidesonerror = false,
                                      .finishonerror = true,
@@ -80,23 +84,23 @@ inline constexpr RunPolicy kWriteRun{.failedtext = 111,
 
 /// Writes of a conversion's named values. An error is shown and nothing more: the box clears the
 /// busy cursor, and the release of the reporter takes its display away.
-inline constexpr RunPolicy kConversionWriteRun{.failedtext = 111,
-                                               .abortedtext = 112,
-                                               .errortext = 113,
+inline constexpr RunPolicy kConversionWriteRun{.failedtext = EText::FAILED_TO_UPDATE,
+                                               .abortedtext = EText::ABORTED_UPDATING,
+                                               .errortext = EText::ATTEMPTING_TO_UPDATE,
                                                .hidesonerror = false,
                                                .pause = kWritePause};
 
 /// Writes of a conversion's numbered values.
-inline constexpr RunPolicy kSeriesWriteRun{.failedtext = 0,
-                                           .abortedtext = 112,
-                                           .errortext = 113,
+inline constexpr RunPolicy kSeriesWriteRun{.failedtext = EText::NO_TEXT,
+                                           .abortedtext = EText::ABORTED_UPDATING,
+                                           .errortext = EText::ATTEMPTING_TO_UPDATE,
                                            .finishonerror = true,
                                            .pause = kWritePause};
 
 /// Writes of one range of a conversion, within the run of the whole conversion.
-inline constexpr RunPolicy kRangeWriteRun{.failedtext = 0,
-                                          .abortedtext = 0,
-                                          .errortext = 113,
+inline constexpr RunPolicy kRangeWriteRun{.failedtext = EText::NO_TEXT,
+                                          .abortedtext = EText::NO_TEXT,
+                                          .errortext = EText::ATTEMPTING_TO_UPDATE,
                                           .finishonerror = true,
                                           .finishonfailure = false,
                                           .clearsbusycursor = false,
@@ -104,8 +108,10 @@ inline constexpr RunPolicy kRangeWriteRun{.failedtext = 0,
 
 /// The steps of a scan sequence, within the run of the settings or alone. Who stops this one gets a
 /// shorter list and is told nothing.
-inline constexpr RunPolicy kScanSequenceRun{
-    .failedtext = 0, .abortedtext = 0, .raisesbusycursor = false, .clearsbusycursor = false};
+inline constexpr RunPolicy kScanSequenceRun{.failedtext = EText::NO_TEXT,
+                                            .abortedtext = EText::NO_TEXT,
+                                            .raisesbusycursor = false,
+                                            .clearsbusycursor = false};
 
 /// A step gives false when it could not do its work without raising an error.
 struct RunStep {
@@ -148,7 +154,7 @@ class CLongRun {
                       const std::string& firstname);
 
   CLongRun(const RunPolicy& policy, std::string name) : policy_(policy), name_(std::move(name)) {}
-  bool StopWith(std::int16_t text, bool hide, const std::string& value = {});
+  bool StopWith(EText text, bool hide, const std::string& value = {});
   void End();
 
   const RunPolicy& policy_;

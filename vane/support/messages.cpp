@@ -54,12 +54,12 @@ void ShowMessage(const std::string& message) { ShowMessage(message, kCompanyName
 void ShowError(const std::string& action, const std::string& title, const std::string& helpfile,
                std::int32_t helpcontext) {
   const LibraryError error = PendingError();
-  std::string text = ResourceText(101) + " " + action + ".\r";
+  std::string text = ResourceText(EText::ERROR_OCCURRED_WHILE) + " " + action + ".\r";
   if (error.Number() == 0) {
     ShowBox(text, title, kBoxStop, helpfile, helpcontext);
     return;
   }
-  text += "\r" + ResourceText(102) + ": " + std::to_string(error.Number()) + " - " +
+  text += "\r" + ResourceText(EText::ERROR_WORD) + ": " + std::to_string(error.Number()) + " - " +
           error.Description();
   if (!error.Source().empty()) text += "\r(" + error.Source() + ")";
   const bool errorhelps = helpfile.empty() && !error.HelpFile().empty();

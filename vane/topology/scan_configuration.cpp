@@ -38,30 +38,35 @@ bool CVaneT312B::UpdateScanSeqSteps() { return Update(kScanSeqSteps); }
 // The scanner's stretch of the read of all settings.
 bool CVaneT312B::QueryScannerSettings(CLongRun& run, ui::CWindow* frm) {
   run.Finish();
-  run.Start(SubstituteParams(ResourceText(105), ModuleOf(*this, 1).Model()), PercentShare(4));
+  run.Start(SubstituteParams(ResourceText(EText::READING_SETTINGS), ModuleOf(*this, 1).Model()),
+            PercentShare(4));
   const bool settings = run.Steps({
-      {ResourceText(261), [&] { return Query(kScanChannel); }},
-      {ResourceText(233), [&] { return QueryScannerScanMode(); }},
-      {ResourceText(262), [&] { return Query(kScanSeqChannels); }},
-      {ResourceText(264), [&] { return Query(kScanSeqSteps); }},
+      {ResourceText(EText::SCANNER_CHANNEL), [&] { return Query(kScanChannel); }},
+      {ResourceText(EText::SCANNER_SEQUENCE_MODE), [&] { return QueryScannerScanMode(); }},
+      {ResourceText(EText::SEQ_CHANNELS), [&] { return Query(kScanSeqChannels); }},
+      {ResourceText(EText::STEPS), [&] { return Query(kScanSeqSteps); }},
   });
   if (!settings) return false;
   run.Hide();  // the sequence has a reporter of its own
-  return run.Step({ResourceText(265), [&] { return QueryScanChannelList(frm); }});
+  return run.Step(
+      {ResourceText(EText::SCANNER_SEQUENCE), [&] { return QueryScanChannelList(frm); }});
 }
 
 // The scanner's stretch of the write of all settings.
 bool CVaneT312B::UpdateScannerSettings(CLongRun& run, ui::CWindow* frm) {
-  run.Start(SubstituteParams(ResourceText(110), ModuleOf(*this, 1).Model()), PercentShare(3));
+  run.Start(SubstituteParams(ResourceText(EText::UPDATING_SETTINGS), ModuleOf(*this, 1).Model()),
+            PercentShare(3));
   const bool settings = run.Steps({
-      {ResourceText(261), [&] { return UpdateScanChannel(); }},
-      {ResourceText(233), [&] { return UpdateScannerScanMode(); }},
-      {ResourceText(262), [&] { return UpdateScanSeqChannels(); }},
+      {ResourceText(EText::SCANNER_CHANNEL), [&] { return UpdateScanChannel(); }},
+      {ResourceText(EText::SCANNER_SEQUENCE_MODE), [&] { return UpdateScannerScanMode(); }},
+      {ResourceText(EText::SEQ_CHANNELS), [&] { return UpdateScanSeqChannels(); }},
   });
   if (!settings) return false;
   run.Hide();  // the sequence has a reporter of its own
   run.Finish();
-  if (!run.LastStep({ResourceText(265), [&] { return UpdateScanChannelList(frm); }})) return false;
+  if (!run.LastStep(
+          {ResourceText(EText::SCANNER_SEQUENCE), [&] { return UpdateScanChannelList(frm); }}))
+    return false;
   run.Pause();
   return true;
 }
@@ -71,7 +76,7 @@ bool CVaneT312B::QueryScanChannelList(ui::CWindow* frm) {
     SetScanChannels({});
     return RunLong(components_, kScanSequenceRun, frm, [&](CLongRun& run) {
       const std::int32_t steps = ScanSeqSteps();
-      run.Start(ResourceText(117), PercentShare(steps));
+      run.Start(ResourceText(EText::READING_SCAN_SEQUENCE_STEPS), PercentShare(steps));
       CVaneCommunications& line = LineOf(*this);
       line.params().ClearAll();
       for (std::int32_t step = 1; step <= steps; ++step) {
@@ -102,7 +107,7 @@ bool CVaneT312B::UpdateScanChannelList(ui::CWindow* frm) {
       SetScanSeqSteps(count);
       UpdateScanSeqSteps();
       // The number of steps is the first stage.
-      run.Start(ResourceText(116), PercentShare(count + 1));
+      run.Start(ResourceText(EText::UPDATING_SCAN_SEQUENCE_STEPS), PercentShare(count + 1));
       run.Advance();
       const std::int32_t highest = ScannerChannel(NumChannels());
       for (std::int32_t step = 1; step <= count; ++step) {
@@ -111,7 +116,7 @@ bool CVaneT312B::UpdateScanChannelList(ui::CWindow* frm) {
         const double value = std::nearbyint(NumberFromText(CutItem(list))) - kNumInputs;
         if (value > highest || value < 0) {
           throw LibraryError(ERR_INVALID_CHANNEL, InstrumentLabel("UpdateScanChannelList"),
-                             ResourceText(217));
+                             ResourceText(EText::INVALID_CHANNEL_IN_SCAN_SEQUENCE));
         }
         line.params().Channel = std::to_string(ToInteger(value));
         line.WriteSetting(ECommand::WRITE_SCAN_STEP);

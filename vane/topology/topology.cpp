@@ -90,7 +90,7 @@ bool CTopology::QueryNumChannels() {
 }
 
 void CTopology::SetNumModules(std::int16_t value) {
-  AtBoundary([] { return ResourceText(115); },
+  AtBoundary([] { return ResourceText(EText::ATTEMPTING_TO_SETUP_MODULES); },
              [&] {
                Rebuild(value);
                return true;
@@ -107,7 +107,8 @@ void CTopology::Rebuild(std::int16_t value) {
     return;
   }
   if (value < 0 || value > kMaxModules) {
-    throw LibraryError(ERR_INVALID_MODULE, InstrumentLabel("NumModules"), ResourceText(172));
+    throw LibraryError(ERR_INVALID_MODULE, InstrumentLabel("NumModules"),
+                       ResourceText(EText::INVALID_MODULE_INDEX));
   }
   if (value != nummodules_) {
     instrument_.SetChanged(true);
@@ -141,7 +142,8 @@ void CTopology::Rebuild(std::int16_t value) {
 
 CModule* CTopology::Module(std::int16_t idx) const {
   if (idx < 0 || idx >= kMaxModules) {
-    throw LibraryError(ERR_INVALID_MODULE, InstrumentLabel("Modules"), ResourceText(172));
+    throw LibraryError(ERR_INVALID_MODULE, InstrumentLabel("Modules"),
+                       ResourceText(EText::INVALID_MODULE_INDEX));
   }
   const auto place = static_cast<std::size_t>(idx);
   return place < modules_.size() ? modules_[place].get() : nullptr;
@@ -161,13 +163,15 @@ CVaneT312BPRTTHRMChannel* CVaneT312B::GetChannelReference(std::int16_t chn) cons
 }
 
 std::string CVaneT312B::GetScanSeqChannelName(std::int16_t chn) const {
-  if (chn > kNumInputs) return ResourceText(278) + " " + std::to_string(ScannerChannel(chn));
-  return ResourceText(277) + " " + std::to_string(chn);
+  if (chn > kNumInputs)
+    return ResourceText(EText::SCANNER) + " " + std::to_string(ScannerChannel(chn));
+  return ResourceText(EText::INPUT) + " " + std::to_string(chn);
 }
 
 void CVaneT312B::SetSelectedChannel(std::int16_t value) {
   if (value > NumChannels() - 1) {
-    throw LibraryError(ERR_INVALID_CHANNEL, InstrumentLabel("SelectedChannel"), ResourceText(171));
+    throw LibraryError(ERR_INVALID_CHANNEL, InstrumentLabel("SelectedChannel"),
+                       ResourceText(EText::INVALID_CHANNEL_INDEX));
   }
   selectedchannel_ = value;
 }
