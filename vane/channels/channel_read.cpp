@@ -69,16 +69,15 @@ bool CVaneT312BPRTTHRMChannel::QueryProbeInfo(std::int16_t prbidx, ui::CWindow* 
           SubstituteParams(ResourceText(EText::READING_PROBE_INFORMATION), std::to_string(prbidx)),
           PercentShare(5));
       const bool record = run.Steps({
-          {ResourceText(EText::SERIAL), [&] { return QueryProbeSerialNumber(prbidx); }},
-          {ResourceText(EText::REFERENCE), [&] { return QueryRefResistor(prbidx); }},
-          {ResourceText(EText::CURRENT), [&] { return QueryCurrent(prbidx); }},
-          {ResourceText(EText::OFFSET_3W), [&] { return Query3WireOffset(prbidx); }},
-          {ResourceText(EText::CONVERSION_TYPE), [&] { return QueryConversionType(prbidx); }},
+          {EText::SERIAL, [&] { return QueryProbeSerialNumber(prbidx); }},
+          {EText::REFERENCE, [&] { return QueryRefResistor(prbidx); }},
+          {EText::CURRENT, [&] { return QueryCurrent(prbidx); }},
+          {EText::OFFSET_3W, [&] { return Query3WireOffset(prbidx); }},
+          {EText::CONVERSION_TYPE, [&] { return QueryConversionType(prbidx); }},
       });
       if (!record) return false;
       run.Hide();  // the conversion has a reporter of its own
-      return run.LastStep(
-          {ResourceText(EText::CONVERSION_TYPE), [&] { return QueryCoefficients(prbidx, frm); }});
+      return run.LastStep({EText::CONVERSION_TYPE, [&] { return QueryCoefficients(prbidx, frm); }});
     });
   });
 }

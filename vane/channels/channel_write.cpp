@@ -90,22 +90,21 @@ bool CVaneT312BPRTTHRMChannel::UpdateProbeInfo(std::int16_t prbidx, ui::CWindow*
           SubstituteParams(ResourceText(EText::UPDATING_PROBE_INFORMATION), std::to_string(prbidx)),
           PercentShare(5));
       const bool record = run.Steps({
-          {ResourceText(EText::SERIAL), [&] { return UpdateProbeSerial(prbidx); }},
-          {ResourceText(EText::REFERENCE), [&] { return UpdateRefResistor(prbidx); }},
-          {ResourceText(EText::CURRENT), [&] { return UpdateCurrent(prbidx); }},
-          {ResourceText(EText::OFFSET_3W), [&] { return Update3WireOffset(prbidx); }},
+          {EText::SERIAL, [&] { return UpdateProbeSerial(prbidx); }},
+          {EText::REFERENCE, [&] { return UpdateRefResistor(prbidx); }},
+          {EText::CURRENT, [&] { return UpdateCurrent(prbidx); }},
+          {EText::OFFSET_3W, [&] { return Update3WireOffset(prbidx); }},
       });
       if (!record) return false;
       if (Module()->BaseUnit()->ConvPasscodeState() != ET312BPasscodeState::PS_ENABLED) {
         return true;
       }
-      if (!run.Step({ResourceText(EText::CONVERSION_TYPE),
-                     [&] { return UpdateConversionType(prbidx); }})) {
+      if (!run.Step({EText::CONVERSION_TYPE, [&] { return UpdateConversionType(prbidx); }})) {
         return false;
       }
       run.Hide();  // the conversion has a reporter of its own
       return run.LastStep(
-          {ResourceText(EText::CONVERSION_TYPE), [&] { return UpdateCoefficients(prbidx, frm); }});
+          {EText::CONVERSION_TYPE, [&] { return UpdateCoefficients(prbidx, frm); }});
     });
   });
 }

@@ -210,15 +210,15 @@ bool CVaneT312BPRTTHRMChannel::QueryITS90Coefficients(std::int16_t prbidx, ui::C
   return QuerySequence("ITS-90", PercentShare(3), frm, [&](CLongRun& run) {
     const bool values = run.Steps({
         {"ITS-90 RTPW", [&] { return QueryITS90RTPW(prbidx); }},
-        {ResourceText(EText::LOW_RANGE), [&] { return QueryITS90LowRange(prbidx); }},
-        {ResourceText(EText::HIGH_RANGE), [&] { return QueryITS90HighRange(prbidx); }},
+        {EText::LOW_RANGE, [&] { return QueryITS90LowRange(prbidx); }},
+        {EText::HIGH_RANGE, [&] { return QueryITS90HighRange(prbidx); }},
     });
     if (!values) return false;
     run.Hide();  // the ranges have reporters of their own
     return run.Steps({
-        {ResourceText(EText::LOW_RANGE_COEFFICIENTS),
+        {EText::LOW_RANGE_COEFFICIENTS,
          [&] { return QueryITS90LowRangeCoefficients(prbidx, frm); }},
-        {ResourceText(EText::HIGH_RANGE_COEFFICIENTS),
+        {EText::HIGH_RANGE_COEFFICIENTS,
          [&] { return QueryITS90HighRangeCoefficients(prbidx, frm); }},
     });
   });

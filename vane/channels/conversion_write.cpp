@@ -152,14 +152,14 @@ bool CVaneT312BPRTTHRMChannel::UpdateITS90Coefficients(std::int16_t prbidx, ui::
   return UpdateSequence("ITS-90", PercentShare(3), frm, [&](CLongRun& run) {
     const bool values = run.Steps({
         {"ITS-90 RTPW", [&] { return UpdateITS90RTPW(prbidx); }},
-        {ResourceText(EText::LOW_RANGE), [&] { return UpdateITS90LowRange(prbidx); }},
-        {ResourceText(EText::HIGH_RANGE), [&] { return UpdateITS90HighRange(prbidx); }},
+        {EText::LOW_RANGE, [&] { return UpdateITS90LowRange(prbidx); }},
+        {EText::HIGH_RANGE, [&] { return UpdateITS90HighRange(prbidx); }},
     });
     if (!values) return false;
     run.Hide();  // the ranges have reporters and pauses of their own
-    return run.StepWithoutPause({ResourceText(EText::LOW_RANGE_COEFFICIENTS),
+    return run.StepWithoutPause({EText::LOW_RANGE_COEFFICIENTS,
                                  [&] { return UpdateITS90LowRangeCoefficients(prbidx, frm); }}) &&
-           run.StepWithoutPause({ResourceText(EText::HIGH_RANGE_COEFFICIENTS),
+           run.StepWithoutPause({EText::HIGH_RANGE_COEFFICIENTS,
                                  [&] { return UpdateITS90HighRangeCoefficients(prbidx, frm); }});
   });
 }

@@ -2,6 +2,8 @@
 
 #include <span>
 
+#include "vane/support/text_table.h"
+
 namespace vane {
 namespace {
 
@@ -85,6 +87,11 @@ Enum MemberOf(const std::string& reply, Enum first, Enum last, Enum fallback) {
 }
 
 }  // namespace
+
+std::string TitleOf(const SettingRow& row) {
+  const std::string title = ResourceText(row.title);
+  return row.index < 0 ? title : title + " " + std::to_string(row.index + 1);
+}
 
 bool StoreFilterType(CVaneT312B& instrument, const std::string& reply) {
   instrument.SetFilterType(

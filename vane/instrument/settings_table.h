@@ -1,5 +1,6 @@
-// The settings of the instrument: one row each, with its command, the rule by which its reply is
-// understood, and the field and text by which it is written.
+// The settings of the instrument: one row each, with its title, its command, the rule by which its
+// reply is understood, and the text and field by which it is written; and the orders in which a run
+// goes through them.
 //
 // `name` is the second half of the operation's name: "Interval" is read by `QueryInterval` and
 // written by `UpdateInterval`. The words of a write are not those that a read looks for.
@@ -18,11 +19,21 @@ namespace vane {
 
 struct SettingRow {
   std::string_view name;
+  EText title;
   ECommand readid;
   bool (*store)(CVaneT312B& instrument, const std::string& reply);
   std::string (*text)(const CVaneT312B& instrument);
   std::string CommandParams::*field = &CommandParams::value;
+  std::int32_t index = -1;  ///< from 0, where there are several of a setting
 };
+
+/// Of one of several, with its number from 1.
+std::string TitleOf(const SettingRow& row);
+
+/// What goes out in `Index`; empty for a setting that there is one of.
+inline std::string IndexText(const SettingRow& row) {
+  return row.index < 0 ? std::string() : std::to_string(row.index);
+}
 
 // Rules that are numbers.
 
@@ -66,6 +77,18 @@ std::string NumberText(const CVaneT312B& instrument) {
   return ToDotDecimal(PlainNumberText((instrument.*Get)()));
 }
 
+template <std::int32_t Index>
+bool StoreCalParam(CVaneT312B& instrument, const std::string& reply) {
+  instrument.SetCalParams(static_cast<ET312BCalParams>(Index), NumberFromText(reply));
+  return true;
+}
+
+template <std::int32_t Index>
+std::string CalParamText(const CVaneT312B& instrument) {
+  constexpr auto cp = static_cast<ET312BCalParams>(Index);
+  return ToDotDecimal(FormatNumber(instrument.CalParams(cp), instrument.CalParamsFormat(cp)));
+}
+
 inline std::string ADCText(const CVaneT312B& instrument) {
   return ToDotDecimal(FormatNumber(instrument.ADC(), instrument.ADCFormat()));
 }
@@ -78,58 +101,96 @@ std::string SampleActionCode(const CVaneT312B& instrument);
 std::string OvenCode(const CVaneT312B& instrument);
 std::string UnitsCode(const CVaneT312B& instrument);
 
-inline constexpr SettingRow kFilterType{"FilterType", ECommand::READ_FILTER_TYPE, StoreFilterType,
-                                        FilterTypeCode, &CommandParams::FilterCode};
+inline constexpr SettingRow kFilterType{
+    "FilterType",    EText::FILTER_TYPE, ECommand::READ_FILTER_TYPE,
+    StoreFilterType, FilterTypeCode,     &CommandParams::FilterCode};
 inline constexpr SettingRow kFilterResponseTime{
-    "FilterResponseTime", ECommand::READ_FILTER_RESPONSE_TIME,
+    "FilterResponseTime", EText::FILTER_RESPONSE_TIME, ECommand::READ_FILTER_RESPONSE_TIME,
     StoreNumber<&CVaneT312B::SetFilterRespTime>, NumberText<&CVaneT312B::FilterRespTime>};
-inline constexpr SettingRow kFilterThreshold{"FilterThreshold", ECommand::READ_FILTER_THRESHOLD,
-                                             StoreNumber<&CVaneT312B::SetFilterThreshold>,
-                                             NumberText<&CVaneT312B::FilterThreshold>};
-inline constexpr SettingRow kInterval{"Interval", ECommand::READ_INTERVAL,
+inline constexpr SettingRow kFilterThreshold{
+    "FilterThreshold", EText::THRESHHOLD, ECommand::READ_FILTER_THRESHOLD,
+    StoreNumber<&CVaneT312B::SetFilterThreshold>, NumberText<&CVaneT312B::FilterThreshold>};
+inline constexpr SettingRow kInterval{"Interval", EText::SAMPLE_INTERVAL, ECommand::READ_INTERVAL,
                                       StoreLong<&CVaneT312B::SetInterval>,
                                       WholeText<&CVaneT312B::Interval>};
-inline constexpr SettingRow kConversionTime{"ConversionTime", ECommand::READ_CONVERSION_TIME,
-                                            StoreInteger<&CVaneT312B::SetConversionTime>,
-                                            WholeText<&CVaneT312B::ConversionTime>};
-inline constexpr SettingRow kIntegrationTime{"IntegrationTime", ECommand::READ_INTEGRATION_TIME,
-                                             StoreInteger<&CVaneT312B::SetIntegrationTime>,
-                                             WholeText<&CVaneT312B::IntegrationTime>};
-inline constexpr SettingRow kRepetitions{"Repetitions", ECommand::READ_REPETITIONS,
-                                         StoreInteger<&CVaneT312B::SetRepetitions>,
-                                         WholeText<&CVaneT312B::Repetitions>};
-inline constexpr SettingRow kChannelMode{"ChannelMode", ECommand::READ_CHANNEL_MODE,
-                                         StoreChannelMode, WholeText<&CVaneT312B::ChannelMode>};
-inline constexpr SettingRow kSampleN{"SampleN", ECommand::READ_SAMPLE_N,
+inline constexpr SettingRow kConversionTime{
+    "ConversionTime", EText::CONVERSION_TIME, ECommand::READ_CONVERSION_TIME,
+    StoreInteger<&CVaneT312B::SetConversionTime>, WholeText<&CVaneT312B::ConversionTime>};
+inline constexpr SettingRow kIntegrationTime{
+    "IntegrationTime", EText::INTEGRATION_TIME, ECommand::READ_INTEGRATION_TIME,
+    StoreInteger<&CVaneT312B::SetIntegrationTime>, WholeText<&CVaneT312B::IntegrationTime>};
+inline constexpr SettingRow kRepetitions{
+    "Repetitions", EText::REPETITIONS, ECommand::READ_REPETITIONS,
+    StoreInteger<&CVaneT312B::SetRepetitions>, WholeText<&CVaneT312B::Repetitions>};
+inline constexpr SettingRow kChannelMode{"ChannelMode", EText::CHANNEL_MODE,
+                                         ECommand::READ_CHANNEL_MODE, StoreChannelMode,
+                                         WholeText<&CVaneT312B::ChannelMode>};
+inline constexpr SettingRow kSampleN{"SampleN", EText::SAMPLE_N, ECommand::READ_SAMPLE_N,
                                      StoreInteger<&CVaneT312B::SetSampleN>,
                                      WholeText<&CVaneT312B::SampleN>};
-inline constexpr SettingRow kSampleAction{"SampleAction", ECommand::READ_SAMPLE_ACTION,
-                                          StoreSampleAction, SampleActionCode};
-inline constexpr SettingRow kResolution{"Resolution", ECommand::READ_RESOLUTION,
-                                        StoreInteger<&CVaneT312B::SetResolution>,
-                                        WholeText<&CVaneT312B::Resolution>};
+inline constexpr SettingRow kSampleAction{"SampleAction", EText::SAMPLE_ACTION,
+                                          ECommand::READ_SAMPLE_ACTION, StoreSampleAction,
+                                          SampleActionCode};
+inline constexpr SettingRow kResolution{
+    "Resolution", EText::TEMPERATURE_RESOLUTION, ECommand::READ_RESOLUTION,
+    StoreInteger<&CVaneT312B::SetResolution>, WholeText<&CVaneT312B::Resolution>};
 inline constexpr SettingRow kResistanceResolution{
-    "ResistanceResolution", ECommand::READ_RESISTANCE_RESOLUTION,
+    "ResistanceResolution", EText::RESISTANCE_RESOLUTION, ECommand::READ_RESISTANCE_RESOLUTION,
     StoreInteger<&CVaneT312B::SetResistanceResolution>,
     WholeText<&CVaneT312B::ResistanceResolution>};
-inline constexpr SettingRow kRatioResolution{"RatioResolution", ECommand::READ_RATIO_RESOLUTION,
-                                             StoreInteger<&CVaneT312B::SetRatioResolution>,
-                                             WholeText<&CVaneT312B::RatioResolution>};
-inline constexpr SettingRow kADC{"ADC", ECommand::READ_ADC, StoreNumber<&CVaneT312B::SetADC>,
-                                 ADCText};
-inline constexpr SettingRow kOven{"Oven", ECommand::READ_OVEN, StoreOven, OvenCode};
-inline constexpr SettingRow kScannerScanMode{"ScannerScanMode", ECommand::READ_SCANNER_SCAN_MODE,
-                                             StoreScannerScanMode,
+inline constexpr SettingRow kRatioResolution{
+    "RatioResolution", EText::RATIO_RESOLUTION, ECommand::READ_RATIO_RESOLUTION,
+    StoreInteger<&CVaneT312B::SetRatioResolution>, WholeText<&CVaneT312B::RatioResolution>};
+template <std::int32_t Index>
+inline constexpr SettingRow kCalParam{"CalParam",
+                                      EText::CALIBRATION_PARAMETER,
+                                      ECommand::READ_CAL_PARAM,
+                                      StoreCalParam<Index>,
+                                      CalParamText<Index>,
+                                      &CommandParams::value,
+                                      Index};
+inline constexpr SettingRow kADC{"ADC", EText::ADC, ECommand::READ_ADC,
+                                 StoreNumber<&CVaneT312B::SetADC>, ADCText};
+inline constexpr SettingRow kOven{"Oven", EText::OVEN, ECommand::READ_OVEN, StoreOven, OvenCode};
+inline constexpr SettingRow kScannerScanMode{"ScannerScanMode", EText::SCANNER_SEQUENCE_MODE,
+                                             ECommand::READ_SCANNER_SCAN_MODE, StoreScannerScanMode,
                                              WholeText<&CVaneT312B::ScannerScanMode>};
-inline constexpr SettingRow kScanSeqChannels{"ScanSeqChannels", ECommand::READ_SCAN_SEQ_CHANNELS,
-                                             StoreInteger<&CVaneT312B::SetScanSeqChannels>,
-                                             WholeText<&CVaneT312B::ScanSeqChannels>};
-inline constexpr SettingRow kScanSeqSteps{"ScanSeqSteps", ECommand::READ_SCAN_SEQ_STEPS,
-                                          StoreInteger<&CVaneT312B::SetScanSeqSteps>,
-                                          WholeText<&CVaneT312B::ScanSeqSteps>};
-inline constexpr SettingRow kScanChannel{
-    "ScanChannel", ECommand::READ_SCAN_CHANNEL, StoreInteger<&CVaneT312B::SetScanChannel>,
-    WholeText<&CVaneT312B::ScanChannel>, &CommandParams::Channel};
-inline constexpr SettingRow kUnits{"Units", ECommand::READ_UNITS, StoreUnits, UnitsCode};
+inline constexpr SettingRow kScanSeqChannels{
+    "ScanSeqChannels", EText::SEQ_CHANNELS, ECommand::READ_SCAN_SEQ_CHANNELS,
+    StoreInteger<&CVaneT312B::SetScanSeqChannels>, WholeText<&CVaneT312B::ScanSeqChannels>};
+inline constexpr SettingRow kScanSeqSteps{
+    "ScanSeqSteps", EText::STEPS, ECommand::READ_SCAN_SEQ_STEPS,
+    StoreInteger<&CVaneT312B::SetScanSeqSteps>, WholeText<&CVaneT312B::ScanSeqSteps>};
+inline constexpr SettingRow kScanChannel{"ScanChannel",
+                                         EText::SCANNER_CHANNEL,
+                                         ECommand::READ_SCAN_CHANNEL,
+                                         StoreInteger<&CVaneT312B::SetScanChannel>,
+                                         WholeText<&CVaneT312B::ScanChannel>,
+                                         &CommandParams::Channel};
+inline constexpr SettingRow kUnits{"Units", EText::UNITS, ECommand::READ_UNITS, StoreUnits,
+                                   UnitsCode};
+
+// The orders, which a read and a write of everything share but for the scanner's.
+
+inline constexpr const SettingRow* kReadoutSettings[] = {
+    &kFilterType,  &kFilterResponseTime,   &kFilterThreshold,
+    &kUnits,       &kSampleAction,         &kSampleN,
+    &kInterval,    &kConversionTime,       &kIntegrationTime,
+    &kResolution,  &kResistanceResolution, &kRatioResolution,
+    &kChannelMode, &kRepetitions,
+};
+
+/// Behind a passcode of their own.
+inline constexpr const SettingRow* kCalibrationSettings[] = {
+    &kCalParam<0>, &kCalParam<1>, &kCalParam<2>, &kCalParam<3>, &kCalParam<4>, &kADC, &kOven,
+};
+static_assert(&kCalParam<CVaneT312B::NumCalParams() - 1> ==
+              kCalibrationSettings[CVaneT312B::NumCalParams() - 1]);
+
+inline constexpr const SettingRow* kScannerReads[] = {&kScanChannel, &kScannerScanMode,
+                                                      &kScanSeqChannels, &kScanSeqSteps};
+/// The number of steps goes out with the steps.
+inline constexpr const SettingRow* kScannerWrites[] = {&kScanChannel, &kScannerScanMode,
+                                                       &kScanSeqChannels};
 
 }  // namespace vane

@@ -4,6 +4,7 @@
 
 #include "vane/instrument/operations.h"
 #include "vane/instrument/t312b.h"
+#include "vane/support/exchange.h"
 #include "vane/support/text_table.h"
 #include "vane/support/texts.h"
 

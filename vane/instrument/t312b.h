@@ -19,10 +19,9 @@
 
 #include <array>
 #include <cstdint>
-#include <functional>
-#include <initializer_list>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 
 #include "vane/channels/module.h"
@@ -32,7 +31,6 @@
 #include "vane/components/registry.h"
 #include "vane/support/date.h"
 #include "vane/support/enums.h"
-#include "vane/support/exchange.h"
 #include "vane/support/failure.h"
 #include "vane/support/messages.h"
 #include "vane/support/numbers.h"
@@ -423,20 +421,11 @@ class CVaneT312B {
 
   static constexpr std::size_t kCalParamPlaces = 6;
 
-  // One read of a setting: the reply goes to `store`, whose result is the result.
-  bool Query(std::string_view name, ECommand id,
-             const std::function<bool(const std::string&)>& store,
-             std::initializer_list<FieldText> fields = {});
+  // One read and one write of a setting, and a step of a run for each of several.
   bool Query(const SettingRow& row);
-  bool QueryCalParam(std::int16_t index);
-  // One write of a setting.
+  bool QueryRows(CLongRun& run, std::span<const SettingRow* const> rows);
   bool Update(const SettingRow& row);
-  bool UpdateCalParam(std::int16_t index);
-  bool UpdateADC();
-  bool UpdateOven();
-  bool UpdateFilterType();
-  bool UpdateFilterResponseTime();
-  bool UpdateFilterThreshold();
+  bool UpdateRows(CLongRun& run, std::span<const SettingRow* const> rows);
 
   bool QueryScannerSettings(CLongRun& run, ui::CWindow* frm);
   bool UpdateScannerSettings(CLongRun& run, ui::CWindow* frm);

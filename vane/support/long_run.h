@@ -10,7 +10,9 @@
 #include <initializer_list>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
+#include <utility>
 
 #include "vane/components/components.h"
 #include "vane/support/text_table.h"
@@ -115,6 +117,11 @@ inline constexpr RunPolicy kScanSequenceRun{.failedtext = EText::NO_TEXT,
 
 /// A step gives false when it could not do its work without raising an error.
 struct RunStep {
+  RunStep(std::string stepname, std::function<bool()> work)
+      : name(std::move(stepname)), run(std::move(work)) {}
+  RunStep(EText title, std::function<bool()> work)
+      : RunStep(ResourceText(title), std::move(work)) {}
+
   std::string name;
   std::function<bool()> run;
 };
@@ -132,6 +139,15 @@ class CLongRun {
   /// failed or an abort; what the policy has to say of it has then been said.
   bool Steps(std::initializer_list<RunStep> steps);
   bool Step(const RunStep& step);
+
+  /// A step for each of `rows`, under its title: `work` is done with the row.
+  template <class Row, class Work>
+  bool Steps(std::span<const Row* const> rows, const Work& work) {
+    for (const Row* const row : rows) {
+      if (!Step({TitleOf(*row), [&] { return work(*row); }})) return false;
+    }
+    return true;
+  }
 
   /// A step that has pauses of its own.
   bool StepWithoutPause(const RunStep& step);

@@ -63,9 +63,9 @@ std::int16_t ToInteger(double number) { return ToWhole<std::int16_t>(number); }
 
 std::int32_t ToLong(double number) { return ToWhole<std::int32_t>(number); }
 
-double PercentShare(std::int32_t steps) {
+double PercentShare(std::int64_t steps) {
   if (steps == 0) throw PlatformError(ERR_PLATFORM_DIVISION);
-  return 100.0 / steps;
+  return 100.0 / static_cast<double>(steps);
 }
 
 void RequireIndex(std::int32_t index, std::size_t size) {

@@ -20,7 +20,7 @@ std::int16_t ToInteger(double number);
 std::int32_t ToLong(double number);
 
 /// The share of one of `steps` in 100 percent; 0 steps are the platform's division error.
-double PercentShare(std::int32_t steps);
+double PercentShare(std::int64_t steps);
 
 /// Raises the platform's out-of-range error unless 0 <= `index` < `size`.
 void RequireIndex(std::int32_t index, std::size_t size);

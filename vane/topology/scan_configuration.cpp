@@ -6,6 +6,7 @@
 #include "vane/instrument/operations.h"
 #include "vane/instrument/settings_table.h"
 #include "vane/instrument/t312b.h"
+#include "vane/support/exchange.h"
 #include "vane/support/long_run.h"
 #include "vane/support/numbering.h"
 #include "vane/support/text_table.h"
@@ -39,33 +40,20 @@ bool CVaneT312B::UpdateScanSeqSteps() { return Update(kScanSeqSteps); }
 bool CVaneT312B::QueryScannerSettings(CLongRun& run, ui::CWindow* frm) {
   run.Finish();
   run.Start(SubstituteParams(ResourceText(EText::READING_SETTINGS), ModuleOf(*this, 1).Model()),
-            PercentShare(4));
-  const bool settings = run.Steps({
-      {ResourceText(EText::SCANNER_CHANNEL), [&] { return Query(kScanChannel); }},
-      {ResourceText(EText::SCANNER_SEQUENCE_MODE), [&] { return QueryScannerScanMode(); }},
-      {ResourceText(EText::SEQ_CHANNELS), [&] { return Query(kScanSeqChannels); }},
-      {ResourceText(EText::STEPS), [&] { return Query(kScanSeqSteps); }},
-  });
-  if (!settings) return false;
+            PercentShare(std::ssize(kScannerReads)));
+  if (!QueryRows(run, kScannerReads)) return false;
   run.Hide();  // the sequence has a reporter of its own
-  return run.Step(
-      {ResourceText(EText::SCANNER_SEQUENCE), [&] { return QueryScanChannelList(frm); }});
+  return run.Step({EText::SCANNER_SEQUENCE, [&] { return QueryScanChannelList(frm); }});
 }
 
 // The scanner's stretch of the write of all settings.
 bool CVaneT312B::UpdateScannerSettings(CLongRun& run, ui::CWindow* frm) {
   run.Start(SubstituteParams(ResourceText(EText::UPDATING_SETTINGS), ModuleOf(*this, 1).Model()),
-            PercentShare(3));
-  const bool settings = run.Steps({
-      {ResourceText(EText::SCANNER_CHANNEL), [&] { return UpdateScanChannel(); }},
-      {ResourceText(EText::SCANNER_SEQUENCE_MODE), [&] { return UpdateScannerScanMode(); }},
-      {ResourceText(EText::SEQ_CHANNELS), [&] { return UpdateScanSeqChannels(); }},
-  });
-  if (!settings) return false;
+            PercentShare(std::ssize(kScannerWrites)));
+  if (!UpdateRows(run, kScannerWrites)) return false;
   run.Hide();  // the sequence has a reporter of its own
   run.Finish();
-  if (!run.LastStep(
-          {ResourceText(EText::SCANNER_SEQUENCE), [&] { return UpdateScanChannelList(frm); }}))
+  if (!run.LastStep({EText::SCANNER_SEQUENCE, [&] { return UpdateScanChannelList(frm); }}))
     return false;
   run.Pause();
   return true;
