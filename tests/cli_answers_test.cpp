@@ -29,7 +29,7 @@ std::vector<int> ChannelsOf(const Outcome& outcome) {
 // On a simulated readout in the program, in a shell: `$T` is the program.
 Outcome InShell(const std::string& script) {
   setenv("T", THERMOSCRIBE_PATH, 1);
-  return CProcess("/bin/sh", {"-c", script}).Wait();
+  return CProcess("/bin/bash", {"-c", script}).Wait();
 }
 
 TEST_F(Cli, MeasuresTheChannelsOfAListInItsOrderRoundForRound) {
@@ -126,7 +126,8 @@ TEST_F(Cli, EndsQuietlyWhenNobodyReadsTheAnswer) {
            "--help", "ports", "--simulate measure --count 0", "--simulate --json channels",
            "--simulate settings save -", "--simulate settings set Units=K --dry-run",
            "--simulate --quiet download --readings 2 --csv - --folder " + folder_.string()}) {
-    const Outcome outcome = InShell("{ sleep 0.1; \"$T\" " + command + "; echo $? >&2; } | true");
+    const Outcome outcome =
+        InShell("exec 3> >(true); wait $!; \"$T\" " + command + " >&3; echo $? >&2");
     EXPECT_EQ(outcome.err, "141\n") << command;
   }
   EXPECT_THAT(InShell("\"$T\" --help > /dev/full").err, HasSubstr("No space left"));
