@@ -1,23 +1,13 @@
 #include "adapters/conversions/conversion_settings.h"
 
-#include <span>
+#include <iterator>
 #include <string>
 #include <vector>
 
+#include "vane/channels/conversion_table.h"
+
 namespace vane {
 namespace {
-
-// Coefficients of each subrange, from the first of its side on. The first has the most.
-constexpr std::int16_t kLowSubranges[] = {7, 5, 3, 2, 2};
-constexpr std::int32_t kFirstLowSubrange = 1;
-constexpr std::int16_t kHighSubranges[] = {4, 3, 2, 2, 1, 1};
-constexpr std::int32_t kFirstHighSubrange = 6;
-constexpr std::int32_t kNoSubrange = -1;
-
-constexpr std::int16_t kCVDCoefficients = 4;
-constexpr std::int16_t kIPTS68Coefficients = 5;
-constexpr std::int16_t kThermistorCoefficients = 4;
-constexpr std::int16_t kPolynomialCoefficients = 11;
 
 // What is not a number never replaces a number.
 template <class T>
@@ -28,8 +18,8 @@ std::size_t Position(std::int32_t index) { return static_cast<std::size_t>(index
 
 class CCoefficients {
  public:
-  CCoefficients(CChangedFlag& changed, std::int16_t count)
-      : values_(Position(count), Value<double>(changed)) {}
+  CCoefficients(CChangedFlag& changed, std::size_t count)
+      : values_(count, Value<double>(changed)) {}
 
   double Get(std::int32_t index) const { return values_.at(Position(index)).Get(); }
   void Set(std::int32_t index, double value) { values_.at(Position(index)).Set(value); }
@@ -41,13 +31,12 @@ class CCoefficients {
 
 class CSubrange : public CITS90Range {
  public:
-  CSubrange(CChangedFlag& changed, std::int32_t first, std::span<const std::int16_t> counts)
-      : first_(first),
-        counts_(counts),
-        minrange_(first),
-        maxrange_(first + static_cast<std::int32_t>(counts.size()) - 1),
-        range_(changed, kNoSubrange),
-        coefficients_(changed, counts.front()) {}
+  CSubrange(CChangedFlag& changed, const RangeSide& side)
+      : side_(side),
+        minrange_(side.first),
+        maxrange_(side.last),
+        range_(changed, kNoRange),
+        coefficients_(changed, std::size(side.rows)) {}
 
   std::int32_t Range() const override { return range_.Get(); }
   void SetRange(std::int32_t value) override { range_.Set(value); }
@@ -63,16 +52,10 @@ class CSubrange : public CITS90Range {
     coefficients_.Set(index, value);
   }
 
-  // A number of the other side has no coefficients here.
-  std::int16_t NumCoefficients() const override {
-    const std::int64_t place = std::int64_t{Range()} - first_;
-    if (place < 0 || place >= std::ssize(counts_)) return 0;
-    return counts_[static_cast<std::size_t>(place)];
-  }
+  std::int16_t NumCoefficients() const override { return side_.CoefficientsOf(Range()); }
 
  private:
-  const std::int32_t first_;
-  const std::span<const std::int16_t> counts_;
+  const RangeSide& side_;
   std::int32_t minrange_;
   std::int32_t maxrange_;
   std::string format_;
@@ -99,9 +82,7 @@ class CTriplePoint : public Interface {
 class CITS90 : public CTriplePoint<CITS90Settings> {
  public:
   explicit CITS90(CChangedFlag& changed)
-      : CTriplePoint(changed),
-        low_(changed, kFirstLowSubrange, kLowSubranges),
-        high_(changed, kFirstHighSubrange, kHighSubranges) {}
+      : CTriplePoint(changed), low_(changed, kLowSide), high_(changed, kHighSide) {}
 
   CITS90Range& LowRange() override { return low_; }
   CITS90Range& HighRange() override { return high_; }
@@ -115,8 +96,8 @@ class CITS90 : public CTriplePoint<CITS90Settings> {
 template <class Interface>
 class CFormattedCoefficients : public Interface {
  public:
-  CFormattedCoefficients(CChangedFlag& changed, std::int16_t count)
-      : coefficients_(changed, count), formats_(Position(count)) {}
+  CFormattedCoefficients(CChangedFlag& changed, std::size_t count)
+      : coefficients_(changed, count), formats_(count) {}
 
   const std::string& ValueFormat(std::int32_t index) const override {
     return formats_.at(Position(index));
@@ -136,13 +117,13 @@ class CFormattedCoefficients : public Interface {
 
 class CCVD : public CFormattedCoefficients<CCVDSettings> {
  public:
-  explicit CCVD(CChangedFlag& changed) : CFormattedCoefficients(changed, kCVDCoefficients) {}
+  explicit CCVD(CChangedFlag& changed) : CFormattedCoefficients(changed, std::size(kCVDRows)) {}
 };
 
 class CIPTS68 : public CFormattedCoefficients<CIPTS68Settings> {
  public:
   explicit CIPTS68(CChangedFlag& changed)
-      : CFormattedCoefficients(changed, kIPTS68Coefficients),
+      : CFormattedCoefficients(changed, std::size(kIPTS68Rows)),
         scaleenabled_(changed),
         scale_(changed) {}
 
@@ -160,8 +141,7 @@ class CIPTS68 : public CFormattedCoefficients<CIPTS68Settings> {
 template <class Interface>
 class CNumberedCoefficients : public Interface {
  public:
-  CNumberedCoefficients(CChangedFlag& changed, std::int16_t count)
-      : coefficients_(changed, count) {}
+  CNumberedCoefficients(CChangedFlag& changed, std::size_t count) : coefficients_(changed, count) {}
 
   const std::string& ValueFormat() const override { return format_; }
   void SetValueFormat(const std::string& format) override { format_ = format; }

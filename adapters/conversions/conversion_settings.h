@@ -1,11 +1,8 @@
 // The values of each conversion type.
 //
 // The readout computes the conversions itself; this component holds their values and converts
-// nothing. The subranges of ITS-90 and their coefficients are those of the deviation functions in
-// H. Preston-Thomas, "The International Temperature Scale of 1990 (ITS-90)", Metrologia 27 (1990).
-// The low side has the numbers 1 to 5, from the lower ends hydrogen, neon, oxygen, argon and
-// mercury; the high side 6 to 11, from the upper ends silver, aluminium, zinc, tin, indium and
-// gallium.
+// nothing. Which subrange of ITS-90 has which coefficients is in
+// `vane/channels/conversion_table.h`.
 #pragma once
 
 #include <memory>

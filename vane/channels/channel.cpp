@@ -1,6 +1,7 @@
 #include "vane/channels/channel.h"
 
 #include "vane/channels/module.h"
+#include "vane/channels/probe_exchange.h"
 #include "vane/support/failure.h"
 #include "vane/support/messages.h"
 
@@ -13,7 +14,7 @@ constexpr std::int32_t kResistanceInput = 2;
 
 CVaneT312BPRTTHRMChannel::CVaneT312BPRTTHRMChannel(const Components& components)
     : components_(components) {
-  Labelled(kClassName, "Class_Initialize", [&] {
+  Labelled(kChannelClass, "Class_Initialize", [&] {
     SetEnabled(true);
     SetProbe(components.factory.MakeProbe());
     probe_->SetHelpFile(LibraryHelpFile());

@@ -12,9 +12,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
-#include <span>
 #include <string>
-#include <string_view>
 #include <utility>
 
 #include "vane/components/components.h"
@@ -24,12 +22,8 @@
 
 namespace vane {
 
-class CLongRun;
 class CModule;
 class CVaneT312B;
-struct CoefficientRow;
-struct RangeWalk;
-struct SeriesRow;
 
 class CVaneT312BPRTTHRMChannel {
  public:
@@ -134,85 +128,15 @@ class CVaneT312BPRTTHRMChannel {
   template <class T, class Differs = std::not_equal_to<T>>
   using Tracked = CTracked<T, CVaneT312BPRTTHRMChannel, Differs>;
 
-  static constexpr char kClassName[] = "CVaneT312BPRTTHRMChannel";
-
   void SetProbe(std::unique_ptr<CVaneProbe> probe) { probe_ = std::move(probe); }
   void InitializeProbe();
-  CVaneCommunications& Line() const;
 
-  // One exchange about a probe: the reply to `id` goes in upper case to `store`. What fails in
-  // either is raised again under the label of "Query" and `operation`.
-  bool Query(std::string_view operation, ECommand id, std::int16_t prbidx,
-             const std::function<void(const std::string&)>& store, std::string_view range = {},
-             std::string_view index = {});
-  bool QueryNumber(std::string_view operation, ECommand id, std::int16_t prbidx,
-                   const std::function<void(double)>& store, std::string_view range = {},
-                   std::string_view index = {});
-
-  // One write about a probe; `value` is empty for "no value". Labelled with "Update".
-  bool Update(std::string_view operation, ECommand id, std::int16_t prbidx,
-              const std::function<std::string()>& value, std::string_view range = {},
-              std::string_view index = {});
   bool UpdateProbeIndex();
   bool UpdateProbeSerial(std::int16_t prbidx);
   bool UpdateRefResistor(std::int16_t prbidx);
   bool UpdateCurrent(std::int16_t prbidx);
   bool Update3WireOffset(std::int16_t prbidx);
   bool UpdateConversionType(std::int16_t prbidx);
-
-  // A type of conversion that has values, and what reads and writes them.
-  struct ConversionRow {
-    EVaneConversionType type;
-    bool (CVaneT312BPRTTHRMChannel::*query)(std::int16_t prbidx, ui::CWindow* frm);
-    bool (CVaneT312BPRTTHRMChannel::*update)(std::int16_t prbidx, ui::CWindow* frm);
-  };
-  // Of the probe's conversion; null when that has none.
-  const ConversionRow* RowOfConversion() const;
-
-  // The values of a conversion. These end at the user: false when he has been told.
-  bool QueryCoefficients(std::int16_t prbidx, ui::CWindow* frm);
-  bool QueryCVDCoefficients(std::int16_t prbidx, ui::CWindow* frm);
-  bool QueryIPTS68Coefficients(std::int16_t prbidx, ui::CWindow* frm);
-  bool QueryITS90Coefficients(std::int16_t prbidx, ui::CWindow* frm);
-  bool QueryITS90LowRangeCoefficients(std::int16_t prbidx, ui::CWindow* frm);
-  bool QueryITS90HighRangeCoefficients(std::int16_t prbidx, ui::CWindow* frm);
-  bool QueryThermistorTRCoefficients(std::int16_t prbidx, ui::CWindow* frm);
-  bool QueryThermistorRTCoefficients(std::int16_t prbidx, ui::CWindow* frm);
-  bool QueryPOLYCoefficients(std::int16_t prbidx, ui::CWindow* frm);
-  bool QueryWT90Coefficients(std::int16_t prbidx, ui::CWindow* frm);
-  bool UpdateCoefficients(std::int16_t prbidx, ui::CWindow* frm);
-  bool UpdateCVDCoefficients(std::int16_t prbidx, ui::CWindow* frm);
-  bool UpdateIPTS68Coefficients(std::int16_t prbidx, ui::CWindow* frm);
-  bool UpdateITS90Coefficients(std::int16_t prbidx, ui::CWindow* frm);
-  bool UpdateITS90LowRangeCoefficients(std::int16_t prbidx, ui::CWindow* frm);
-  bool UpdateITS90HighRangeCoefficients(std::int16_t prbidx, ui::CWindow* frm);
-  bool UpdateThermistorTRCoefficients(std::int16_t prbidx, ui::CWindow* frm);
-  bool UpdateThermistorRTCoefficients(std::int16_t prbidx, ui::CWindow* frm);
-  bool UpdatePOLYCoefficients(std::int16_t prbidx, ui::CWindow* frm);
-  bool UpdateWT90Coefficients(std::int16_t prbidx, ui::CWindow* frm);
-
-  // The three forms of a run over the values of a conversion.
-  bool QuerySequence(std::string_view name, double share, ui::CWindow* frm,
-                     const std::function<bool(CLongRun&)>& steps);
-  bool QueryRange(const RangeWalk& walk, std::int16_t prbidx, ui::CWindow* frm);
-  bool QuerySeries(const SeriesRow& series, std::int16_t prbidx, ui::CWindow* frm);
-  bool UpdateSequence(std::string_view name, double share, ui::CWindow* frm,
-                      const std::function<bool(CLongRun&)>& steps);
-  bool UpdateRange(const RangeWalk& walk, std::int16_t prbidx, ui::CWindow* frm);
-  bool UpdateSeries(const SeriesRow& series, std::int16_t prbidx, ui::CWindow* frm);
-
-  bool QueryCoefficientRows(CLongRun& run, std::span<const CoefficientRow> rows,
-                            std::int16_t prbidx);
-  bool QueryIPTS68Scale(std::int16_t prbidx);
-  bool QueryITS90RTPW(std::int16_t prbidx);
-  bool QueryITS90LowRange(std::int16_t prbidx);
-  bool QueryITS90HighRange(std::int16_t prbidx);
-  bool UpdateCoefficientRows(CLongRun& run, std::span<const CoefficientRow> rows,
-                             std::int16_t prbidx);
-  bool UpdateIPTS68Scale(std::int16_t prbidx);
-  bool UpdateITS90RTPW(std::int16_t prbidx);
-  bool UpdateITS90LowRange(std::int16_t prbidx);
-  bool UpdateITS90HighRange(std::int16_t prbidx);
 
   const Components& components_;
   std::shared_ptr<CVaneRegistry> registry_;  // outlives the probe

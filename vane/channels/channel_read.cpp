@@ -2,8 +2,9 @@
 #include <string>
 
 #include "vane/channels/channel.h"
-#include "vane/channels/module.h"
-#include "vane/instrument/operations.h"
+#include "vane/channels/conversion_run.h"
+#include "vane/channels/probe_exchange.h"
+#include "vane/channels/probe_words.h"
 #include "vane/support/exchange.h"
 #include "vane/support/failure.h"
 #include "vane/support/long_run.h"
@@ -14,38 +15,8 @@
 #include "vane/support/texts.h"
 
 namespace vane {
-namespace {
-
-// Searched from the top, since the shorter texts stand within the longer ones.
-constexpr struct {
-  std::string_view text;
-  ET312BProbeRefResistor resistor;
-} kRefResistors[] = {
-    {"EXT", ET312BProbeRefResistor::PRR_EXTERNAL},
-    {"10 KOHM", ET312BProbeRefResistor::PRR_10K_OHM},
-    {"100 OHM", ET312BProbeRefResistor::PRR_100_OHM},
-    {"10 OHM", ET312BProbeRefResistor::PRR_10_OHM},
-    {"1 OHM", ET312BProbeRefResistor::PRR_1_OHM},
-};
-
-ET312BProbeRefResistor RefResistorIn(std::string_view reply) {
-  for (const auto& row : kRefResistors) {
-    if (Contains(reply, row.text)) return row.resistor;
-  }
-  return ET312BProbeRefResistor::PRR_NONE;
-}
-
-}  // namespace
-
-CVaneCommunications& CVaneT312BPRTTHRMChannel::Line() const {
-  if (module_ == nullptr || module_->BaseUnit() == nullptr) {
-    throw LibraryError(ERR_PLATFORM_CALL, {}, "The channel belongs to no instrument.");
-  }
-  return LineOf(*module_->BaseUnit());
-}
-
 bool CVaneT312BPRTTHRMChannel::QueryInfo(ui::CWindow* frm) {
-  return Labelled(kClassName, "QueryInfo", [&] {
+  return Labelled(kChannelClass, "QueryInfo", [&] {
     return RunLong(components_, kReadRun, frm, [&](CLongRun& run) {
       const bool scanner = ActualChannel() > kNumInputs;
       const std::int32_t shown = scanner ? ScannerChannel(ActualChannel()) : ActualChannel();
@@ -63,7 +34,7 @@ bool CVaneT312BPRTTHRMChannel::QueryInfo(ui::CWindow* frm) {
 }
 
 bool CVaneT312BPRTTHRMChannel::QueryProbeInfo(std::int16_t prbidx, ui::CWindow* frm) {
-  return Labelled(kClassName, "QueryProbeInfo", [&] {
+  return Labelled(kChannelClass, "QueryProbeInfo", [&] {
     return RunLong(components_, kReadRun, frm, [&](CLongRun& run) {
       run.Start(
           SubstituteParams(ResourceText(EText::READING_PROBE_INFORMATION), std::to_string(prbidx)),
@@ -77,41 +48,66 @@ bool CVaneT312BPRTTHRMChannel::QueryProbeInfo(std::int16_t prbidx, ui::CWindow* 
       });
       if (!record) return false;
       run.Hide();  // the conversion has a reporter of its own
-      return run.LastStep({EText::CONVERSION_TYPE, [&] { return QueryCoefficients(prbidx, frm); }});
+      return run.LastStep({EText::CONVERSION_TYPE, [&] {
+                             return RunConversion(*this, components_, kConversionRead, prbidx, frm);
+                           }});
     });
   });
 }
 
 bool CVaneT312BPRTTHRMChannel::QueryProbeIndex() {
-  return Labelled(kClassName, "QueryProbeIndex", [&] {
+  return Labelled(kChannelClass, "QueryProbeIndex", [&] {
     const bool scanner = ActualChannel() > kNumInputs;
     const std::int32_t number = scanner ? ScannerChannel(ActualChannel()) : ActualChannel();
-    const std::string reply =
-        Read(Line(), scanner ? ECommand::READ_SCANNER_PROBE_INDEX : ECommand::READ_PROBE_INDEX,
-             {{&CommandParams::Channel, std::to_string(number)}});
+    const std::string reply = Read(
+        LineOf(*this), scanner ? ECommand::READ_SCANNER_PROBE_INDEX : ECommand::READ_PROBE_INDEX,
+        {{&CommandParams::Channel, std::to_string(number)}});
     SetProbeIndex(ToInteger(NumberFromText(reply)));
     return true;
   });
 }
 
 bool CVaneT312BPRTTHRMChannel::QueryProbeSerialNumber(std::int16_t prbidx) {
-  return Query("ProbeSerialNumber", ECommand::READ_PROBE_SERIAL, prbidx,
-               [&](const std::string& reply) { probe_->SetSerialNumber(reply); });
+  return QueryProbe(*this, {"ProbeSerialNumber", ECommand::READ_PROBE_SERIAL}, prbidx,
+                    [&](const std::string& reply) { probe_->SetSerialNumber(reply); });
 }
 
 bool CVaneT312BPRTTHRMChannel::QueryRefResistor(std::int16_t prbidx) {
-  return Query("RefResistor", ECommand::READ_REF_RESISTOR, prbidx,
-               [&](const std::string& reply) { SetProbeRefResistor(RefResistorIn(reply)); });
+  return QueryProbe(*this, {"RefResistor", ECommand::READ_REF_RESISTOR}, prbidx,
+                    [&](const std::string& reply) {
+                      SetProbeRefResistor(ValueOf<ET312BProbeRefResistor>(
+                          reply, kRefResistors, ET312BProbeRefResistor::PRR_NONE));
+                    });
 }
 
 bool CVaneT312BPRTTHRMChannel::QueryCurrent(std::int16_t prbidx) {
-  return QueryNumber("Current", ECommand::READ_PROBE_CURRENT, prbidx,
-                     [&](double value) { SetProbeCurrent(value); });
+  return QueryProbe(*this, {"Current", ECommand::READ_PROBE_CURRENT}, prbidx,
+                    [&](const std::string& reply) { SetProbeCurrent(NumberFromText(reply)); });
 }
 
 bool CVaneT312BPRTTHRMChannel::Query3WireOffset(std::int16_t prbidx) {
-  return QueryNumber("3WireOffset", ECommand::READ_PROBE_3WIRE_OFFSET, prbidx,
-                     [&](double value) { SetProbe3WireOffset(value); });
+  return QueryProbe(*this, {"3WireOffset", ECommand::READ_PROBE_3WIRE_OFFSET}, prbidx,
+                    [&](const std::string& reply) { SetProbe3WireOffset(NumberFromText(reply)); });
+}
+
+bool CVaneT312BPRTTHRMChannel::QueryConversionType(std::int16_t prbidx) {
+  return Labelled(kChannelClass, "QueryConversionType", [&] {
+    CVaneCommunications& line = LineOf(*this);
+    if (prbidx == -1) {
+      if (!QueryProbeIndex()) return false;
+      prbidx = ProbeIndex();
+    }
+    SetFields(line, {{&CommandParams::Probe, std::to_string(prbidx)}});
+    // The reply may hold the sign for ohms. A failed read leaves the check off.
+    CVaneCOMPort& port = line.COMPort();
+    const bool kept = port.CheckNonAscii();
+    port.SetCheckNonAscii(false);
+    const std::string reply = UpperCase(line.ReadSetting(ECommand::READ_CONVERSION_TYPE));
+    port.SetCheckNonAscii(kept);
+    SetConversionType(
+        ValueOf<EVaneConversionType>(reply, kConversionTypes, EVaneConversionType::CONV_NONE));
+    return true;
+  });
 }
 
 }  // namespace vane

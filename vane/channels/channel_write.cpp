@@ -2,7 +2,10 @@
 #include <string>
 
 #include "vane/channels/channel.h"
+#include "vane/channels/conversion_run.h"
 #include "vane/channels/module.h"
+#include "vane/channels/probe_exchange.h"
+#include "vane/channels/probe_words.h"
 #include "vane/instrument/t312b.h"
 #include "vane/support/exchange.h"
 #include "vane/support/failure.h"
@@ -14,59 +17,8 @@
 #include "vane/support/text_table.h"
 
 namespace vane {
-namespace {
-
-// The codes that the instrument takes in are shorter than what it answers. Anything else has no
-// code: the command goes out without a value, which the instrument acknowledges and does not heed.
-
-std::string CodeOf(ET312BProbeRefResistor resistor) {
-  switch (resistor) {
-    using enum ET312BProbeRefResistor;
-    case PRR_EXTERNAL:
-      return "EXT";
-    case PRR_1_OHM:
-      return "1";
-    case PRR_10_OHM:
-      return "10";
-    case PRR_100_OHM:
-      return "100";
-    case PRR_10K_OHM:
-      return "10K";
-    default:
-      return {};
-  }
-}
-
-std::string CodeOf(EVaneConversionType type) {
-  switch (type) {
-    using enum EVaneConversionType;
-    case CONV_ITS90:
-      return "90";
-    case CONV_IPTS68:
-      return "68";
-    case CONV_CVD:
-      return "CVD";
-    case CONV_POLYNOMIAL:
-      return "POLY";
-    case CONV_THERMISTOR_TR:
-      return "TR";
-    case CONV_THERMISTOR_RT:
-      return "TT";
-    case CONV_RESISTANCE:
-      return "O";
-    case CONV_WT90:
-      return "W";
-    case CONV_RATIO:
-      return "R";
-    default:
-      return {};
-  }
-}
-
-}  // namespace
-
 bool CVaneT312BPRTTHRMChannel::UpdateInfo(ui::CWindow* frm) {
-  return Labelled(kClassName, "UpdateInfo", [&] {
+  return Labelled(kChannelClass, "UpdateInfo", [&] {
     return RunLong(components_, kWriteRun, frm, [&](CLongRun& run) {
       const bool scanner = ActualChannel() > kNumInputs;
       const std::int32_t shown = scanner ? ScannerChannel(ActualChannel()) : ActualChannel();
@@ -84,7 +36,7 @@ bool CVaneT312BPRTTHRMChannel::UpdateInfo(ui::CWindow* frm) {
 }
 
 bool CVaneT312BPRTTHRMChannel::UpdateProbeInfo(std::int16_t prbidx, ui::CWindow* frm) {
-  return Labelled(kClassName, "UpdateProbeInfo", [&] {
+  return Labelled(kChannelClass, "UpdateProbeInfo", [&] {
     return RunLong(components_, kWriteRun, frm, [&](CLongRun& run) {
       run.Start(
           SubstituteParams(ResourceText(EText::UPDATING_PROBE_INFORMATION), std::to_string(prbidx)),
@@ -104,16 +56,18 @@ bool CVaneT312BPRTTHRMChannel::UpdateProbeInfo(std::int16_t prbidx, ui::CWindow*
       }
       run.Hide();  // the conversion has a reporter of its own
       return run.LastStep(
-          {EText::CONVERSION_TYPE, [&] { return UpdateCoefficients(prbidx, frm); }});
+          {EText::CONVERSION_TYPE,
+           [&] { return RunConversion(*this, components_, kConversionWrite, prbidx, frm); }});
     });
   });
 }
 
 bool CVaneT312BPRTTHRMChannel::UpdateProbeIndex() {
-  return Labelled(kClassName, "UpdateProbeIndex", [&] {
+  return Labelled(kChannelClass, "UpdateProbeIndex", [&] {
     const bool scanner = ActualChannel() > kNumInputs;
     const std::int32_t number = scanner ? ScannerChannel(ActualChannel()) : ActualChannel();
-    Write(Line(), scanner ? ECommand::WRITE_SCANNER_PROBE_INDEX : ECommand::WRITE_PROBE_INDEX,
+    Write(LineOf(*this),
+          scanner ? ECommand::WRITE_SCANNER_PROBE_INDEX : ECommand::WRITE_PROBE_INDEX,
           {{&CommandParams::Probe, std::to_string(ProbeIndex())},
            {&CommandParams::Channel, std::to_string(number)}});
     return true;
@@ -121,29 +75,32 @@ bool CVaneT312BPRTTHRMChannel::UpdateProbeIndex() {
 }
 
 bool CVaneT312BPRTTHRMChannel::UpdateProbeSerial(std::int16_t prbidx) {
-  return Update("ProbeSerial", ECommand::WRITE_PROBE_SERIAL, prbidx,
-                [&] { return probe_->SerialNumber(); });
+  return UpdateProbe(*this, {"ProbeSerial", ECommand::READ_PROBE_SERIAL}, prbidx,
+                     [&] { return probe_->SerialNumber(); });
 }
 
 bool CVaneT312BPRTTHRMChannel::UpdateRefResistor(std::int16_t prbidx) {
-  return Update("RefResistor", ECommand::WRITE_REF_RESISTOR, prbidx,
-                [&] { return CodeOf(ProbeRefResistor()); });
+  return UpdateProbe(*this, {"RefResistor", ECommand::READ_REF_RESISTOR}, prbidx, [&] {
+    return CodeOf<ET312BProbeRefResistor>(ProbeRefResistor(), kRefResistors);
+  });
 }
 
 bool CVaneT312BPRTTHRMChannel::UpdateCurrent(std::int16_t prbidx) {
-  return Update("Current", ECommand::WRITE_PROBE_CURRENT, prbidx,
-                [&] { return ToDotDecimal(FormatNumber(ProbeCurrent(), ProbeCurrentFormat())); });
+  return UpdateProbe(*this, {"Current", ECommand::READ_PROBE_CURRENT}, prbidx, [&] {
+    return ToDotDecimal(FormatNumber(ProbeCurrent(), ProbeCurrentFormat()));
+  });
 }
 
 bool CVaneT312BPRTTHRMChannel::Update3WireOffset(std::int16_t prbidx) {
-  return Update("3WireOffset", ECommand::WRITE_PROBE_3WIRE_OFFSET, prbidx, [&] {
+  return UpdateProbe(*this, {"3WireOffset", ECommand::READ_PROBE_3WIRE_OFFSET}, prbidx, [&] {
     return ToDotDecimal(FormatNumber(Probe3WireOffset(), Probe3WireOffsetFormat()));
   });
 }
 
 bool CVaneT312BPRTTHRMChannel::UpdateConversionType(std::int16_t prbidx) {
-  return Update("ConversionType", ECommand::WRITE_CONVERSION_TYPE, prbidx,
-                [&] { return CodeOf(probe_->ConversionType()); });
+  return UpdateProbe(*this, {"ConversionType", ECommand::READ_CONVERSION_TYPE}, prbidx, [&] {
+    return CodeOf<EVaneConversionType>(probe_->ConversionType(), kConversionTypes);
+  });
 }
 
 }  // namespace vane

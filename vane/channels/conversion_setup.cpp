@@ -4,36 +4,15 @@
 #include <span>
 
 #include "vane/channels/channel.h"
+#include "vane/channels/conversion_table.h"
+#include "vane/channels/probe_exchange.h"
 #include "vane/channels/settings_of.h"
 #include "vane/support/failure.h"
 
 namespace vane {
 namespace {
 
-struct CoefficientRow {
-  const char* format;
-  double value;
-};
-
-constexpr char kRangeFormat[] = "0.0########E-00";
-
-// R0, alpha, delta, A4, C4.
-constexpr CoefficientRow kIPTS68[] = {
-    {"##0.0##########", 100.0}, {"0.0############", 0.00392597}, {"0.0############", 1.496334},
-    {"0.0########E-00", 0.0},   {"0.0########E-00", 0.0},
-};
-
-// R0, alpha, delta, beta.
-constexpr CoefficientRow kCVD[] = {
-    {"##0.0##########", 100.0},
-    {"0.0############", 0.00385},
-    {"0.0############", 1.507},
-    {"0.0############", 0.111},
-};
-
-constexpr std::int32_t kPolynomialOrder = 10;
-constexpr std::int32_t kPolynomialCoefficients = kPolynomialOrder + 1;
-constexpr std::int32_t kThermistorCoefficients = 4;
+constexpr char kSmallFormat[] = "0.0########E-00";
 
 void SetFormats(CCVDSettings& settings, std::span<const CoefficientRow> rows) {
   std::int32_t index = 0;
@@ -42,39 +21,39 @@ void SetFormats(CCVDSettings& settings, std::span<const CoefficientRow> rows) {
 
 void SetCoefficients(CCVDSettings& settings, std::span<const CoefficientRow> rows) {
   std::int32_t index = 0;
-  for (const CoefficientRow& row : rows) settings.SetCoefficients(index++, row.value);
+  for (const CoefficientRow& row : rows) settings.SetCoefficients(index++, row.start);
 }
 
-void SetUpRange(CITS90Range& range, std::int32_t lowest, std::int32_t highest) {
-  range.SetValueFormat(kRangeFormat);
-  range.SetMinRange(lowest);
-  range.SetMaxRange(highest);
+void SetUpRange(CITS90Range& range, const RangeSide& side) {
+  range.SetValueFormat(kSmallFormat);
+  range.SetMinRange(side.first);
+  range.SetMaxRange(side.last);
 }
 
 void SetUpITS90(CITS90Settings& settings) {
   settings.SetRTPWFormat("##0.0############");
-  SetUpRange(settings.LowRange(), 1, 5);
-  SetUpRange(settings.HighRange(), 6, 11);
+  SetUpRange(settings.LowRange(), kLowSide);
+  SetUpRange(settings.HighRange(), kHighSide);
   settings.SetRTPW(25.0);
-  settings.LowRange().SetRange(-1);
-  settings.HighRange().SetRange(-1);
+  settings.LowRange().SetRange(kNoRange);
+  settings.HighRange().SetRange(kNoRange);
 }
 
 void SetUpIPTS68(CIPTS68Settings& settings) {
   settings.SetScaleEnabled(true);
-  SetFormats(settings, kIPTS68);
+  SetFormats(settings, kIPTS68Rows);
   settings.SetIPTS68Scale(1);
-  SetCoefficients(settings, kIPTS68);
+  SetCoefficients(settings, kIPTS68Rows);
 }
 
 void SetUpCVD(CCVDSettings& settings) {
-  SetFormats(settings, kCVD);
-  SetCoefficients(settings, kCVD);
+  SetFormats(settings, kCVDRows);
+  SetCoefficients(settings, kCVDRows);
 }
 
 void SetUpPolynomial(CPolynomialSettings& settings) {
-  settings.SetOrder(kPolynomialOrder);
-  settings.SetValueFormat("0.0########E-00");
+  settings.SetOrder(kPolynomialCoefficients - 1);
+  settings.SetValueFormat(kSmallFormat);
   for (std::int32_t i = 0; i < kPolynomialCoefficients; ++i) settings.SetCoefficients(i, 0.0);
 }
 
@@ -122,7 +101,7 @@ void StartConversion(CVaneProbe& probe, EVaneConversionType ct) {
 }  // namespace
 
 bool CVaneT312BPRTTHRMChannel::SetConversionType(EVaneConversionType ct) {
-  return Labelled(kClassName, "SetConversionType", [&] {
+  return Labelled(kChannelClass, "SetConversionType", [&] {
     if (probe_->ConversionType() != ct) StartConversion(*probe_, ct);
     probe_->Conversion().SetFilePath(filepath_);
     return true;

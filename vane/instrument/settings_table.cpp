@@ -1,79 +1,35 @@
 #include "vane/instrument/settings_table.h"
 
-#include <span>
+#include "vane/support/words.h"
 
 #include "vane/support/text_table.h"
 
 namespace vane {
 namespace {
 
-template <class Enum>
-struct WordRow {
-  std::string_view word;
-  Enum value;
+constexpr WordRow<ET312BFilterType> kFilterTypes[] = {
+    {"NONE", "n", ET312BFilterType::FT_NONE},
+    {"AVERAGE", "a", ET312BFilterType::FT_AVERAGE},
+    {"EXP", "e", ET312BFilterType::FT_EXPONENTIAL},
 };
 
-// The value of the first word that occurs anywhere in `reply`.
-template <class Enum>
-Enum ValueOf(std::string_view reply, std::span<const WordRow<Enum>> rows, Enum fallback) {
-  for (const auto& row : rows) {
-    if (Contains(reply, row.word)) return row.value;
-  }
-  return fallback;
-}
-
-constexpr WordRow<ET312BFilterType> kFilterWords[] = {
-    {"NONE", ET312BFilterType::FT_NONE},
-    {"AVERAGE", ET312BFilterType::FT_AVERAGE},
-    {"EXP", ET312BFilterType::FT_EXPONENTIAL},
+constexpr WordRow<ET312BSampleAction> kSampleActions[] = {
+    {"R", "R", ET312BSampleAction::SA_RUN},
+    {"ST", "ST", ET312BSampleAction::SA_STOP},
+    {"SAMPLE N", "SN", ET312BSampleAction::SA_SAMPLE_N},
 };
 
-constexpr WordRow<ET312BSampleAction> kSampleActionWords[] = {
-    {"R", ET312BSampleAction::SA_RUN},
-    {"ST", ET312BSampleAction::SA_STOP},
-    {"SAMPLE N", ET312BSampleAction::SA_SAMPLE_N},
-};
-
-constexpr WordRow<ET312BOven> kOvenWords[] = {
-    {"ON", ET312BOven::OVEN_ON},
-    {"OFF", ET312BOven::OVEN_OFF},
+constexpr WordRow<ET312BOven> kOvens[] = {
+    {"ON", "ON", ET312BOven::OVEN_ON},
+    {"OFF", "OFF", ET312BOven::OVEN_OFF},
 };
 
 // In this order: a reply that holds "C" anywhere is one of degrees Celsius.
 constexpr WordRow<ET312BUnits> kUnitWords[] = {
-    {"C", ET312BUnits::UNITS_DEGREESC}, {"F", ET312BUnits::UNITS_DEGREESF},
-    {"K", ET312BUnits::UNITS_KELVIN},   {"OHM", ET312BUnits::UNITS_OHMS},
-    {"R", ET312BUnits::UNITS_RATIO},    {"W", ET312BUnits::UNITS_W},
+    {"C", "C", ET312BUnits::UNITS_DEGREESC}, {"F", "F", ET312BUnits::UNITS_DEGREESF},
+    {"K", "K", ET312BUnits::UNITS_KELVIN},   {"OHM", "O", ET312BUnits::UNITS_OHMS},
+    {"R", "R", ET312BUnits::UNITS_RATIO},    {"W", "W", ET312BUnits::UNITS_W},
 };
-
-// The codes that the instrument takes in.
-
-constexpr WordRow<ET312BFilterType> kFilterCodes[] = {
-    {"n", ET312BFilterType::FT_NONE},
-    {"a", ET312BFilterType::FT_AVERAGE},
-    {"e", ET312BFilterType::FT_EXPONENTIAL},
-};
-
-constexpr WordRow<ET312BSampleAction> kSampleActionCodes[] = {
-    {"R", ET312BSampleAction::SA_RUN},
-    {"ST", ET312BSampleAction::SA_STOP},
-    {"SN", ET312BSampleAction::SA_SAMPLE_N},
-};
-
-constexpr WordRow<ET312BUnits> kUnitCodes[] = {
-    {"C", ET312BUnits::UNITS_DEGREESC}, {"F", ET312BUnits::UNITS_DEGREESF},
-    {"K", ET312BUnits::UNITS_KELVIN},   {"O", ET312BUnits::UNITS_OHMS},
-    {"R", ET312BUnits::UNITS_RATIO},    {"W", ET312BUnits::UNITS_W},
-};
-
-// Empty when no row has `value`.
-template <class Enum>
-std::string CodeOf(Enum value, std::span<const WordRow<Enum>> rows) {
-  for (const auto& row : rows) {
-    if (row.value == value) return std::string(row.word);
-  }
-  return {};
-}
 
 // The member of the reply's number, when that is one of `first` to `last`.
 template <class Enum>
@@ -95,7 +51,7 @@ std::string TitleOf(const SettingRow& row) {
 
 bool StoreFilterType(CVaneT312B& instrument, const std::string& reply) {
   instrument.SetFilterType(
-      ValueOf<ET312BFilterType>(reply, kFilterWords, ET312BFilterType::FT_NONE));
+      ValueOf<ET312BFilterType>(reply, kFilterTypes, ET312BFilterType::FT_NONE));
   return true;
 }
 
@@ -113,12 +69,12 @@ bool StoreScannerScanMode(CVaneT312B& instrument, const std::string& reply) {
 
 bool StoreSampleAction(CVaneT312B& instrument, const std::string& reply) {
   instrument.SetSampleAction(
-      ValueOf<ET312BSampleAction>(reply, kSampleActionWords, ET312BSampleAction::SA_STOP));
+      ValueOf<ET312BSampleAction>(reply, kSampleActions, ET312BSampleAction::SA_STOP));
   return true;
 }
 
 bool StoreOven(CVaneT312B& instrument, const std::string& reply) {
-  instrument.SetOven(ValueOf<ET312BOven>(UpperCase(reply), kOvenWords, ET312BOven::OVEN_OFF));
+  instrument.SetOven(ValueOf<ET312BOven>(UpperCase(reply), kOvens, ET312BOven::OVEN_OFF));
   return true;
 }
 
@@ -128,11 +84,11 @@ bool StoreUnits(CVaneT312B& instrument, const std::string& reply) {
 }
 
 std::string FilterTypeCode(const CVaneT312B& instrument) {
-  return CodeOf<ET312BFilterType>(instrument.FilterType(), kFilterCodes);
+  return CodeOf<ET312BFilterType>(instrument.FilterType(), kFilterTypes);
 }
 
 std::string SampleActionCode(const CVaneT312B& instrument) {
-  return CodeOf<ET312BSampleAction>(instrument.SampleAction(), kSampleActionCodes);
+  return CodeOf<ET312BSampleAction>(instrument.SampleAction(), kSampleActions);
 }
 
 std::string OvenCode(const CVaneT312B& instrument) {
@@ -140,7 +96,7 @@ std::string OvenCode(const CVaneT312B& instrument) {
 }
 
 std::string UnitsCode(const CVaneT312B& instrument) {
-  return CodeOf<ET312BUnits>(instrument.Units(), kUnitCodes);
+  return CodeOf<ET312BUnits>(instrument.Units(), kUnitWords);
 }
 
 }  // namespace vane

@@ -1,0 +1,44 @@
+#include "vane/channels/probe_exchange.h"
+
+#include "vane/channels/channel.h"
+#include "vane/channels/module.h"
+#include "vane/instrument/operations.h"
+#include "vane/support/exchange.h"
+#include "vane/support/failure.h"
+#include "vane/support/texts.h"
+
+namespace vane {
+
+CVaneCommunications& LineOf(const CVaneT312BPRTTHRMChannel& channel) {
+  const CModule* const md = channel.Module();
+  if (md == nullptr || md->BaseUnit() == nullptr) {
+    throw LibraryError(ERR_PLATFORM_CALL, {}, "The channel belongs to no instrument.");
+  }
+  return LineOf(*md->BaseUnit());
+}
+
+bool QueryProbe(const CVaneT312BPRTTHRMChannel& channel, const ProbeCommand& command,
+                std::int16_t prbidx, const std::function<void(const std::string&)>& store) {
+  return Labelled(kChannelClass, "Query" + std::string(command.operation), [&] {
+    store(UpperCase(Read(LineOf(channel), command.readid,
+                         {{&CommandParams::Probe, std::to_string(prbidx)},
+                          {&CommandParams::Range, std::string(command.range)},
+                          {&CommandParams::Index, std::string(command.index)}})));
+    return true;
+  });
+}
+
+bool UpdateProbe(const CVaneT312BPRTTHRMChannel& channel, const ProbeCommand& command,
+                 std::int16_t prbidx, const std::function<std::string()>& value) {
+  return Labelled(kChannelClass, "Update" + std::string(command.operation), [&] {
+    CVaneCommunications& line = LineOf(channel);
+    Write(line, WriteOf(command.readid),
+          {{&CommandParams::Probe, std::to_string(prbidx)},
+           {&CommandParams::Range, std::string(command.range)},
+           {&CommandParams::Index, std::string(command.index)},
+           {&CommandParams::value, value()}});
+    return true;
+  });
+}
+
+}  // namespace vane
