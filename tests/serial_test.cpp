@@ -510,6 +510,16 @@ TEST(LineTrace, WritesToFilesAndPipesAndTellsOfWhatIsLost) {
   EXPECT_NE(written.find("Z - a\\x09b\n"), written.npos) << written;
   EXPECT_TRUE(written.ends_with("Z - c\n"));
 
+  // What others have written to an open file of the process stays.
+  const int shared = open(file.c_str(), O_RDWR | O_TRUNC);
+  CFileTrace beside("/dev/fd/" + std::to_string(shared));
+  ASSERT_EQ(write(shared, "one\n", 4), 4);
+  beside.Record(mark, "two");
+  ASSERT_EQ(write(shared, "three\n", 6), 6);
+  close(shared);
+  const std::string mixed = test::FileText(file);
+  EXPECT_TRUE(mixed.starts_with("one\n") && mixed.ends_with("Z - two\nthree\n")) << mixed;
+
   const std::string pipe = folder / "pipe";
   ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
   for (const std::string& path : {pipe, (folder / "none/trace").string(), folder.Path().string()}) {

@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <poll.h>
 #include <signal.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <array>
@@ -12,12 +13,14 @@
 #include <ctime>
 #include <system_error>
 
+#include "adapters/posix/links.h"
 #include "adapters/serial/file_handle.h"
 #include "adapters/serial/line_errors.h"
 
 namespace vane {
 namespace {
 
+constexpr const char* kStandard = "-";
 constexpr int kLongestWait = 1000;  // ms, for the reader of a pipe
 
 // While it lives, a write into a pipe without a reader fails and doesn't end the process, whatever
@@ -45,6 +48,19 @@ class CHeldPipeSignal {
   sigset_t before_;
   bool waspending_;
 };
+
+// A regular file that this process has open, under a name such as "/dev/stdout": opened anew, it
+// would be written at a place of its own, over what others write to it. -1 for any other.
+int SharedFile(const std::string& path) {
+  try {
+    struct stat status {};
+    const auto number = OwnDescriptor(FollowLinks(path));
+    if (!number || fstat(*number, &status) != 0 || !S_ISREG(status.st_mode)) return -1;
+    return fcntl(*number, F_DUPFD_CLOEXEC, 0);
+  } catch (const std::system_error&) {
+    return -1;  // opening it tells why
+  }
+}
 
 std::string TimeStamp() {
   using std::chrono::system_clock;
@@ -81,12 +97,14 @@ std::string EscapedText(std::string_view text) {
   return escaped;
 }
 
-CFileTrace::CFileTrace(const std::string& path) : path_(path) {
+CFileTrace::CFileTrace(const std::string& path)
+    : path_(path == kStandard ? "/dev/stdout" : path), file_(SharedFile(path_)) {
   // Without O_NONBLOCK the opening of a pipe would wait for a reader.
-  do {
-    file_ =
-        open(path.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_NOCTTY | O_NONBLOCK | O_CLOEXEC, 0666);
-  } while (file_ < 0 && errno == EINTR);
+  while (file_ < 0) {
+    file_ = open(path_.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_NOCTTY | O_NONBLOCK | O_CLOEXEC,
+                 0666);
+    if (file_ >= 0 || errno != EINTR) break;
+  }
   file_ = AboveStandard(file_);
   if (file_ < 0) {
     const std::string reason = errno == ENXIO ? "it is a pipe that nobody reads, or a socket"

@@ -24,9 +24,9 @@ class CLineTrace {
 /// `text` with "\" doubled and every byte outside printable ASCII as "\x" and two digits.
 std::string EscapedText(std::string_view text);
 
-/// Appends to a file, a terminal or a pipe, one line per record, handed to the system when `Record`
-/// returns: "2026-03-01 09:30:00.125Z > #1A2B ID?*5D0E". The time is UTC; "<" is an answer, "-" a
-/// remark.
+/// Appends to a file, a terminal or a pipe, "-" being standard output, one line per record, handed
+/// to the system when `Record` returns: "2026-03-01 09:30:00.125Z > #1A2B ID?*5D0E". The time is
+/// UTC; "<" is an answer, "-" a remark.
 ///
 /// A record that can't be written disturbs no exchange; `Trouble` tells of it. A pipe whose reader
 /// is busy is waited for, but no longer than a second and only until the first trouble. A reader
