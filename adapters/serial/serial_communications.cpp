@@ -194,8 +194,9 @@ void CSerialCommunications::Open() {
     Fail(ERR_LINE_BAUD_RATE,
          "A serial port doesn't have this speed. Choose one from 300 to 115200 bit/s.");
   }
-  device_ = DevicePath();
-  const EPortResult result = port_.Open(device_, *rate_);
+  const std::string path = DevicePath();
+  device_ = settings_->devicename.empty() ? path : settings_->devicename;
+  const EPortResult result = port_.Open(path, *rate_);
   if (result != EPortResult::DONE) FailPort(result);
   buffer_.Clear();
   Trace(ETraceMark::NOTE, "opened " + device_ + " at " + std::to_string(rate_->bits) + " bit/s");

@@ -35,6 +35,9 @@ struct LineSettings {
   /// that place, counted from 1. Looked at when a port is opened.
   std::map<EVanePortNumber, std::string> devices;
 
+  /// What messages call the device; empty: its path.
+  std::string devicename;
+
   /// How long one try waits for the readout. The time that the characters themselves take at the
   /// line's speed comes on top.
   std::chrono::milliseconds timeout{1000};
@@ -110,7 +113,7 @@ class CSerialCommunications final : public CVaneCommunications {
   std::string datapath_;
   std::int32_t instrumentkind_;
   const BaudRateRow* rate_ = nullptr;  // of the port that was opened last
-  std::string device_;                 // its path
+  std::string device_;                 // what messages call it
   CLineBuffer buffer_;
   std::string unexpected_;       // as messages show it: the last answer of another form
   std::uint16_t tag_;            // of the last sending

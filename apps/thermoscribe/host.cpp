@@ -91,6 +91,7 @@ EExitCode CHost::Connect() {
     simulated_ = std::make_unique<simulator::CSimulatedLine>(*options_.simulated);
     simulated_->Start();
     line_->devices[EVanePortNumber::PORT_1] = simulated_->Path();
+    line_->devicename = "the simulated line";
   } else {
     line_->devices[EVanePortNumber::PORT_1] = options_.port;
   }
