@@ -95,7 +95,7 @@ Command Numbered(const NumberedCommand& row) {
               .body = [options, write = row.write](CHost& host) {
                 return write(host, options->number, options->values, options->dryrun);
               }};
-  Option number = WholeOption("number", "N", options->number, 1, row.maximum, row.meaning);
+  Option number = WholeOption(row.name, "N", options->number, 1, row.maximum, row.meaning);
   number.isrequired = true;
   return {.name = row.name,
           .brief = row.brief,
