@@ -208,6 +208,10 @@ TEST_F(Cli, ADamagedFileIsRefusedAtItsPlaceBeforeAnythingIsSent) {
     EXPECT_THAT(outcome.err, HasSubstr(c.place));
     EXPECT_THAT(outcome.out, IsEmpty());
   }
+  std::string twice = whole.dump();
+  twice.insert(twice.find("\"Units\""), R"("Units":"K",)");
+  std::ofstream(a) << twice;
+  EXPECT_THAT(Run(Words("settings diff " + a + " " + a)).err, HasSubstr("Units: given twice"));
 }
 
 }  // namespace

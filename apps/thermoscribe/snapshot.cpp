@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <set>
 #include <stdexcept>
 #include <utility>
 
@@ -42,6 +43,21 @@ void RefuseOthers(const Json& whole, const std::string& place,
       Damaged(place.empty() ? name : place + "." + name, "unknown");
     }
   }
+}
+
+// Raises for a member that stands twice in its object: one of the two values would go unseen.
+Json ParsedOnce(const std::string& text) {
+  std::vector<std::set<std::string>> names;  // of the objects that are open
+  const auto look = [&names](int, Json::parse_event_t event, const Json& part) {
+    if (event == Json::parse_event_t::object_start) names.emplace_back();
+    if (event == Json::parse_event_t::object_end) names.pop_back();
+    if (event == Json::parse_event_t::key) {
+      const auto name = part.get<std::string>();
+      if (!names.back().insert(name).second) Damaged(name, "given twice in one object");
+    }
+    return true;
+  };
+  return Json::parse(text, look);
 }
 
 void CheckSettings(const Json& settings) {
@@ -187,13 +203,11 @@ Json ReadSnapshotFile(CHost& host, const std::string& path) {
   const std::string name = NameOfInput(path);
   Json file;
   try {
-    file = Json::parse(text);
+    file = ParsedOnce(text);
+    Check(file);
   } catch (const Json::parse_error& error) {
     throw std::runtime_error(name + " is no JSON that can be read: damaged at character " +
                              std::to_string(error.byte) + ".");
-  }
-  try {
-    Check(file);
   } catch (const std::runtime_error& error) {
     throw std::runtime_error(name + ": " + error.what());
   }
