@@ -124,8 +124,11 @@ TEST_F(Cli, AppendsReadingsToAFileAndLosesNone) {
 TEST_F(Cli, EndsQuietlyWhenNobodyReadsTheAnswer) {
   for (const std::string& command : std::vector<std::string>{
            "--help", "ports", "--simulate measure --count 0", "--simulate --json channels",
-           "--simulate settings save -", "--simulate settings set Units=K --dry-run",
-           "--simulate --quiet download --readings 2 --csv - --folder " + folder_.string()}) {
+           "--simulate settings save -", "--simulate settings save /dev/stdout",
+           "--simulate settings set Units=K --dry-run",
+           "--simulate --quiet download --readings 2 --csv - --folder " + folder_.string(),
+           "--simulate --quiet download --readings 2 --csv /dev/stdout --folder " +
+               folder_.string()}) {
     const Outcome outcome =
         InShell("exec 3> >(true); wait $!; \"$T\" " + command + " >&3; echo $? >&2");
     EXPECT_EQ(outcome.err, "141\n") << command;
@@ -187,9 +190,18 @@ TEST_F(Cli, ADownloadKeepsItsFilesApartAndTellsWhatBecameOfThem) {
     EXPECT_FALSE(std::filesystem::exists(file));
   }
   EXPECT_EQ(download("--csv - --json").exitcode, 2);
-  const Outcome toout = download("--csv - --quiet");
-  EXPECT_THAT(toout.out, StartsWith("number,unit,third\r\n"));
-  EXPECT_THAT(toout.err, IsEmpty());
+  EXPECT_EQ(InShell("cd " + folder + " && \"$T\" --simulate download > download.txt").exitcode, 2);
+  std::filesystem::remove(file);
+  for (const std::string name : {"-", "/dev/stdout"}) {
+    const Outcome toout = download("--quiet --csv " + name);
+    EXPECT_THAT(toout.out, StartsWith("number,unit,third\r\n"));
+    EXPECT_EQ(Lines(toout.out).size(), 4u) << toout.out;
+    EXPECT_THAT(toout.err, IsEmpty());
+  }
+  std::filesystem::remove(file);
+  const Outcome nowhere = download("--csv " + folder + "/none/a.csv");
+  EXPECT_EQ(nowhere.exitcode, 1);
+  EXPECT_FALSE(std::filesystem::exists(file));
   const Outcome form = download("--json");
   EXPECT_THAT(form.err, IsEmpty());
   EXPECT_THAT(form.out, HasSubstr(R"("readings":3,"csv":null})"));

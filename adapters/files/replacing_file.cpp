@@ -13,6 +13,7 @@ namespace {
 
 constexpr mode_t kNewFile = 0666;  // less what the user's mask takes away
 constexpr mode_t kPermissions = 0777;
+constexpr const char* kNoFolder = "Cannot write to the folder";
 
 std::filesystem::path FolderOf(const std::filesystem::path& path) {
   return path.has_parent_path() ? path.parent_path() : ".";
@@ -39,7 +40,7 @@ std::string WithFreeName(const std::filesystem::path& target, Make make) {
     const int error = errno;
     std::error_code none;
     if (!std::filesystem::is_directory(FolderOf(target), none)) {
-      RaiseFileError(error, "Cannot write to the folder", FolderOf(target));
+      RaiseFileError(error, kNoFolder, FolderOf(target));
     }
     RaiseFileError(error, "Cannot make", target);
   }
@@ -59,6 +60,15 @@ bool SyncFolder(const std::filesystem::path& folder) {
 }
 
 }  // namespace
+
+void CheckFolder(const std::filesystem::path& target) {
+  const std::filesystem::path folder = FolderOf(FollowLinks(target));
+  struct stat status {};
+  const bool isthere = ::stat(folder.c_str(), &status) == 0;
+  if (!isthere || !S_ISDIR(status.st_mode)) {
+    RaiseFileError(isthere ? ENOTDIR : errno, kNoFolder, folder);
+  }
+}
 
 CReplacingFile::CReplacingFile(const std::filesystem::path& target, std::optional<mode_t> mode,
                                const Patience& patience)

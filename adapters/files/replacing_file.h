@@ -15,6 +15,9 @@
 
 namespace vane {
 
+/// Raises what a `CReplacingFile` for `target` would for its folder, before there is work to lose.
+void CheckFolder(const std::filesystem::path& target);
+
 /// Without `Commit` nothing is left of it, and the target is what it was. While it is written it
 /// has no name, where the file system allows that, so that a program that is killed leaves nothing
 /// either.

@@ -17,6 +17,17 @@ Option TextOption(std::string name, std::string value, std::string& target, std:
           [&target](const std::string& text) { target = text; }};
 }
 
+Option PathOption(std::string name, std::string value, std::string& target, std::string brief,
+                  EOffer offer) {
+  Option option{std::move(name), std::move(value), std::move(brief), {}};
+  option.take = [called = option.LongName(), &target](const std::string& text) {
+    if (text.empty()) throw CUsageError(called + " can't be empty.");
+    target = text;
+  };
+  option.offer = offer;
+  return option;
+}
+
 Option WordOption(std::string name, std::string value, std::vector<std::string> words,
                   std::string& target, std::string brief) {
   Option option{std::move(name), std::move(value), std::move(brief), {}};

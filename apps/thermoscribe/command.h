@@ -79,6 +79,9 @@ struct Command {
 /// The option that `target` learns of. It outlives the parsing, like all targets below.
 Option Flag(std::string name, bool& target, std::string brief);
 Option TextOption(std::string name, std::string value, std::string& target, std::string brief);
+/// The path of a file or folder; the empty text is none.
+Option PathOption(std::string name, std::string value, std::string& target, std::string brief,
+                  EOffer offer = EOffer::FILES);
 /// One of `words`, in letters of either case; `target` gets it as it stands in `words`.
 Option WordOption(std::string name, std::string value, std::vector<std::string> words,
                   std::string& target, std::string brief);

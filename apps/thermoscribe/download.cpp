@@ -6,10 +6,11 @@
 #include <utility>
 
 #include "adapters/files/field_reader.h"
-#include "adapters/files/whole_file.h"
+#include "adapters/files/replacing_file.h"
 #include "adapters/posix/links.h"
 #include "apps/thermoscribe/commands.h"
 #include "apps/thermoscribe/host.h"
+#include "apps/thermoscribe/line_output.h"
 #include "vane/support/paths.h"
 
 namespace vane {
@@ -20,7 +21,6 @@ constexpr std::int16_t kMaxResolution = 15;
 constexpr std::int32_t kFieldsOfReading = 3;
 constexpr mode_t kUsualMode = 0644;
 constexpr const char* kFileName = "download.txt";
-constexpr const char* kStandard = "-";
 
 struct DownloadOptions {
   std::string log = "history";
@@ -71,8 +71,11 @@ std::string CsvText(CFieldReader& fields) {
 bool IsSameFile(const std::filesystem::path& one, const std::filesystem::path& other) {
   std::error_code missing;
   if (std::filesystem::equivalent(one, other, missing)) return true;
+  // What isn't there yet. The name of an open pipe looks like a link that leads nowhere.
   const auto place = [](const std::filesystem::path& path) {
-    return std::filesystem::weakly_canonical(std::filesystem::absolute(FollowLinks(path)));
+    const std::filesystem::path file = FollowLinks(path);
+    return std::filesystem::weakly_canonical(std::filesystem::absolute(file).parent_path()) /
+           file.filename();
   };
   return place(one) == place(other);
 }
@@ -85,13 +88,15 @@ std::string Readings(std::int32_t count) {
 class CDownload {
  public:
   CDownload(CHost& host, const DownloadOptions& options)
-      : host_(host), options_(options), tostandard_(options.csv == kStandard) {}
+      : host_(host), options_(options), tostandard_(IsStandardOutput(options.csv)) {}
 
   EExitCode Run() {
-    if (const std::string problem = ProblemOfCsv(); !problem.empty()) {
+    if (const std::string problem = Problem(); !problem.empty()) {
       host_.Say(problem);
       return EExitCode::USAGE;
     }
+    CheckFolder(BuildFullPath(Folder(), kFileName));
+    if (!tostandard_ && !options_.csv.empty()) CheckFolder(options_.csv);
     if (const EExitCode code = host_.Connect(); code != EExitCode::DONE) return code;
     if (!Fetch()) {
       const EExitCode code = host_.CodeOfStoppedRun();
@@ -123,13 +128,18 @@ class CDownload {
   static std::string CurrentFolder() { return std::filesystem::current_path().string(); }
 
   // What is known before anything is sent.
-  std::string ProblemOfCsv() {
+  std::string Problem() {
+    const std::string file = BuildFullPath(Folder(), kFileName);
+    if (!options_.prompt && IsStandardOutput(file)) {
+      return "Standard output can't be \"" + file + "\", which is the download's own file.";
+    }
     if (options_.csv.empty()) return {};
     if (tostandard_) {
-      return host_.Output().IsJson() ? "--csv - and --json exclude each other." : std::string();
+      return host_.Output().IsJson()
+                 ? "--csv " + options_.csv + " is standard output, and so is the answer of --json."
+                 : std::string();
     }
-    const bool isknown = !options_.prompt;
-    return isknown && IsSameFile(options_.csv, BuildFullPath(Folder(), kFileName))
+    return !options_.prompt && IsSameFile(options_.csv, file)
                ? "--csv can't be \"" + options_.csv + "\", which is the download's own file."
                : std::string();
   }
@@ -165,16 +175,12 @@ class CDownload {
   // The download's file is there and stays, whatever becomes of the other one.
   EExitCode WriteCsv() {
     if (options_.csv.empty()) return EExitCode::DONE;
-    if (!tostandard_ && IsSameFile(options_.csv, host_.LatestFile().path)) {
+    if (IsSameFile(options_.csv, host_.LatestFile().path)) {
       host_.Say("--csv can't be the download's own file. " + Account());
       return EExitCode::USAGE;
     }
     try {
-      if (tostandard_) {
-        host_.Output().Plain(CsvText(fields_));
-      } else {
-        WriteWholeFile(options_.csv, CsvText(fields_), kUsualMode, host_.UsersPatience());
-      }
+      host_.Output().File(options_.csv, CsvText(fields_), kUsualMode);
       return EExitCode::DONE;
     } catch (...) {
       const EExitCode code = host_.ReportFailure("writing the CSV file");
@@ -206,20 +212,11 @@ class CDownload {
 
 Command DownloadCommand() {
   const auto options = std::make_shared<DownloadOptions>();
-  Option folder = TextOption("--folder", "DIR", options->folder, "folder of the file, see below");
-  folder.take = [options](const std::string& text) {
-    if (text.empty()) throw CUsageError("--folder can't be empty.");
-    options->folder = text;
-  };
-  folder.offer = EOffer::FOLDERS;
-  Option csv = TextOption("--csv", "FILE", options->csv,
+  Option folder = PathOption("--folder", "DIR", options->folder, "folder of the file, see below",
+                             EOffer::FOLDERS);
+  Option csv = PathOption("--csv", "FILE", options->csv,
                           "also write the readings as comma-separated\nvalues, as the readout sent "
                           "them;\n\"-\": standard output");
-  csv.take = [options](const std::string& text) {
-    if (text.empty()) throw CUsageError("--csv can't be empty.");
-    options->csv = text;
-  };
-  csv.offer = EOffer::FILES;
   return {
       .name = "download",
       .brief = "Write a log of the readout to a file",

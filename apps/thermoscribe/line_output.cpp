@@ -39,6 +39,14 @@ bool IsStream(const std::filesystem::path& path) {
 
 }  // namespace
 
+bool IsStandardOutput(const std::filesystem::path& path) {
+  struct stat named {};
+  struct stat output {};
+  return path == kStandard ||
+         (::stat(path.c_str(), &named) == 0 && ::fstat(STDOUT_FILENO, &output) == 0 &&
+          named.st_dev == output.st_dev && named.st_ino == output.st_ino);
+}
+
 CLineOutput::CLineOutput(Patience patience) : CLineOutput(kStandard, std::move(patience)) {}
 
 CLineOutput::CLineOutput(const std::filesystem::path& path, Patience patience) {

@@ -11,6 +11,10 @@
 
 namespace vane {
 
+/// Whether `path` names what standard output goes to: "-", "/dev/stdout", or a file or pipe by its
+/// own name. Nothing else may stand there then.
+bool IsStandardOutput(const std::filesystem::path& path);
+
 /// Each text is with the system when `Write` returns. A regular file holds either all of it then or
 /// nothing: what a full disk has taken of a line is taken back.
 ///

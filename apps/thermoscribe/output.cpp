@@ -7,6 +7,7 @@
 #include <cstdio>
 #include <utility>
 
+#include "adapters/files/whole_file.h"
 #include "adapters/terminal/terminal_output.h"
 #include "vane/support/number_text.h"
 
@@ -190,6 +191,13 @@ void COutput::Plain(std::string_view text) {
     if (IsReaderGone() && onreadergone_) onreadergone_();
     throw;
   }
+}
+
+void COutput::File(const std::string& path, std::string_view text, mode_t mode) {
+  std::error_code none;
+  // A regular file is replaced, also where the shell has opened it for the output.
+  if (IsStandardOutput(path) && !std::filesystem::is_regular_file(path, none)) return Plain(text);
+  WriteWholeFile(path, text, mode, patience_);
 }
 
 }  // namespace vane

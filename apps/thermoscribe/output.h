@@ -60,6 +60,9 @@ class COutput {
   /// `text` as it stands.
   void Plain(std::string_view text);
 
+  /// Writes or replaces the whole file `path`, which may be standard output by any name.
+  void File(const std::string& path, std::string_view text, mode_t mode);
+
  private:
   enum class EForm { TEXT, JSON, CSV };
 

@@ -1,28 +1,19 @@
 // thermoscribe settings save: everything that the readout keeps, into a file.
 
-#include <sys/stat.h>
-#include <unistd.h>
-
 #include <memory>
 #include <string>
 
+#include "adapters/files/replacing_file.h"
 #include "apps/thermoscribe/commands.h"
 #include "apps/thermoscribe/host.h"
+#include "apps/thermoscribe/line_output.h"
 #include "apps/thermoscribe/snapshot.h"
 
 namespace vane {
 namespace {
 
-// Under any of its names.
-bool IsStandardOutput(const std::string& path) {
-  struct stat named {};
-  struct stat output {};
-  return path == "-" ||
-         (::stat(path.c_str(), &named) == 0 && ::fstat(STDOUT_FILENO, &output) == 0 &&
-          named.st_dev == output.st_dev && named.st_ino == output.st_ino);
-}
-
 EExitCode RunSave(CHost& host, const std::string& path) {
+  CheckFolder(path);
   Json snapshot;
   if (const EExitCode code = TakeSnapshot(host, snapshot); code != EExitCode::DONE) return code;
   WriteSnapshotFile(host, path, snapshot);
@@ -37,9 +28,8 @@ EExitCode RunSave(CHost& host, const std::string& path) {
 
 Command SettingsSaveCommand() {
   const auto path = std::make_shared<std::string>();
-  Option file = TextOption("file", "FILE", *path, "file to be written; an older one is replaced");
+  Option file = PathOption("file", "FILE", *path, "file to be written; an older one is replaced");
   file.isrequired = true;
-  file.offer = EOffer::FILES;
   return {
       .name = "save",
       .brief = "Save all settings, channels and probes in a file",

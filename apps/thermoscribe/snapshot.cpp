@@ -217,8 +217,7 @@ Json ReadSnapshotFile(CHost& host, const std::string& path) {
 void WriteSnapshotFile(CHost& host, const std::string& path, const Json& snapshot) {
   // An instrument may send any byte; one that is no UTF-8 must not spoil the file.
   const std::string text = snapshot.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
-  if (path == "-") return host.Output().Plain(text);
-  WriteWholeFile(path, text, kPermissions, host.UsersPatience());
+  host.Output().File(path, text, kPermissions);
 }
 
 std::string Place::Text() const {
