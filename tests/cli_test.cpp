@@ -517,6 +517,7 @@ TEST_F(Cli, RefusesBadUsageBeforeItTouchesAnything) {
                                   "measure --start --count 2",
                                   "settings",
                                   "settings show --group all",
+                                  "settings diff - -",
                                   "scan nonsense",
                                   "settings set Interval=1",
                                   "settings set Foo=1",
@@ -539,6 +540,7 @@ TEST_F(Cli, RefusesBadUsageBeforeItTouchesAnything) {
 TEST_F(Cli, HelpNamesEveryCommandAndEachTellsItsOwn) {
   const Outcome help = Run({"--help"});
   EXPECT_EQ(help.exitcode, 0);
+  EXPECT_EQ(Run({"help"}).out, help.out);
   EXPECT_THAT(help.out, HasSubstr("  8  line damaged or lost"));
   for (const std::string command : {"ports", "identify", "channels", "measure"}) {
     EXPECT_THAT(help.out, HasSubstr("\n  " + command + " "));

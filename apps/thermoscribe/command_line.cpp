@@ -157,7 +157,7 @@ std::vector<const CParser::Node*> CParser::ChosenPath() const {
   return path;
 }
 
-// "help settings set": the page of that command.
+// "help settings set": the page of that command; "help": that of the program.
 std::string CParser::PageOf(const Node& help) const {
   const Node* node = &nodes_.front();
   std::string before;
@@ -169,7 +169,9 @@ std::string CParser::PageOf(const Node& help) const {
     before += (before.empty() ? "" : " ") + node->command->name;
     node = &*std::ranges::find(nodes_, &*member, &Node::command);
   }
-  return node->app->help(before);
+  // The program's own `help` would tell of the command that was given, which is this one.
+  const std::string name = (before.empty() ? "" : before + " ") + node->command->name;
+  return node->app->get_formatter()->make_help(node->app, name, CLI::AppFormatMode::Normal);
 }
 
 // `counts` has the options of the commands before, which can exclude each other with its own.

@@ -214,17 +214,6 @@ Option Channels(MeasureOptions& options) {
   return channels;
 }
 
-Option OutputFile(MeasureOptions& options) {
-  Option output = TextOption("--output", "FILE", options.output,
-                             "append the lines to FILE; \"-\": standard output");
-  output.take = [&options](const std::string& text) {
-    if (text.empty()) throw CUsageError("--output can't be empty.");
-    options.output = text;
-  };
-  output.offer = EOffer::FILES;
-  return output;
-}
-
 }  // namespace
 
 Command MeasureCommand() {
@@ -273,8 +262,10 @@ Examples:
                   WholeOption("--count", "N", options->count, 0, kMaxCount,
                               "take N rounds (1), each of one reading per channel;\n"
                               "0: go on until Ctrl-C"),
-                  std::move(every), std::move(csv), OutputFile(*options), std::move(start),
-                  std::move(stop)},
+                  std::move(every), std::move(csv),
+                  PathOption("--output", "FILE", options->output,
+                             "append the lines to FILE; \"-\": standard output"),
+                  std::move(start), std::move(stop)},
       .body = [options](CHost& host) { return RunMeasure(host, *options); }};
 }
 

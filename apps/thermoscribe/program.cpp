@@ -98,24 +98,14 @@ Option PasscodeFile(HostOptions& host) {
   return option;
 }
 
-Option Trace(HostOptions& host) {
-  Option option = TextOption("--trace", "FILE", host.tracefile,
-                             "append every line that goes over the port to FILE,\n"
-                             "with its time");
-  option.take = [&host](const std::string& text) {
-    if (text.empty()) throw CUsageError("--trace can't be empty.");
-    host.tracefile = text;
-  };
-  option.offer = EOffer::FILES;
-  return option;
-}
-
 // The parser itself answers it, out of the other commands.
 Command HelpCommand() {
-  Option path{"command", "COMMAND", "the command that is asked for", {}};
+  Option path{"command", "[COMMAND]", "the command that is asked for; without it, all", {}};
   path.takesmany = true;
   path.offer = EOffer::COMMANDS;
-  return {.name = "help", .brief = "Tell the options of a command", .options = {std::move(path)}};
+  return {.name = "help",
+          .brief = "Tell the commands, or the options of one",
+          .options = {std::move(path)}};
 }
 
 }  // namespace
@@ -134,7 +124,9 @@ Command Program(HostOptions& host) {
       LineOption(host, *FindLineOption("timeout"), "S",
                  "longest wait for one answer, in seconds (1); each\n"
                  "command is tried twice"),
-      Trace(host),
+      PathOption("--trace", "FILE", host.tracefile,
+                 "append every line that goes over the port to FILE,\n"
+                 "with its time; \"-\": standard output"),
       PasscodeFile(host),
       Flag("--progress", host.progress, "show how far a long read is, on a terminal"),
       Flag("-q,--quiet", host.quiet, "tell answers and errors only, no notes and hints"),

@@ -36,12 +36,10 @@ Command SettingsDiffCommand() {
     std::string other;
   };
   const auto paths = std::make_shared<Paths>();
-  Option file = TextOption("file", "FILE", paths->file, "file of \"settings save\"");
+  Option file = PathOption("file", "FILE", paths->file, "file of \"settings save\"");
   file.isrequired = true;
-  file.offer = EOffer::FILES;
   Option other =
-      TextOption("file2", "[FILE2]", paths->other, "another one; without it, the readout");
-  other.offer = EOffer::FILES;
+      PathOption("file2", "[FILE2]", paths->other, "another one; without it, the readout");
   return {
       .name = "diff",
       .brief = "Compare a file with the readout or with another file",
@@ -54,7 +52,13 @@ Examples:
   thermoscribe settings diff bath.json --port /dev/ttyUSB0
   thermoscribe settings diff bath.json bath-new.json)",
       .options = {std::move(file), std::move(other)},
-      .body = [paths](CHost& host) { return RunDiff(host, paths->file, paths->other); }};
+      .body = [paths](CHost& host) { return RunDiff(host, paths->file, paths->other); },
+      .check =
+          [paths] {
+            if (paths->file == "-" && paths->other == "-") {
+              throw CUsageError("Standard input can't be both files.");
+            }
+          }};
 }
 
 }  // namespace vane

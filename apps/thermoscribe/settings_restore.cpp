@@ -265,9 +265,8 @@ Command SettingsRestoreCommand() {
     bool dryrun = false;
   };
   const auto options = std::make_shared<Options>();
-  Option file = TextOption("file", "FILE", options->path, "file of \"settings save\"");
+  Option file = PathOption("file", "FILE", options->path, "file of \"settings save\"");
   file.isrequired = true;
-  file.offer = EOffer::FILES;
   return {
       .name = "restore",
       .brief = "Write what a file has and the readout has otherwise",
