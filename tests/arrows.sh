@@ -25,7 +25,7 @@ vane/dialogs/* vane/(components|support|channels|topology|instrument|dialogs)/
 vane/download/* vane/
 protocol/* protocol/ vane/components/commands.h
 adapters/posix/* vane/ adapters/posix/
-adapters/serial/* vane/ protocol/ adapters/serial/
+adapters/serial/* vane/ protocol/ adapters/posix/ adapters/serial/
 adapters/conversions/* vane/ adapters/conversions/
 adapters/files/* vane/ adapters/posix/ adapters/files/
 adapters/terminal/* vane/ adapters/posix/ adapters/terminal/

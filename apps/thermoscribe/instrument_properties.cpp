@@ -4,8 +4,8 @@
 #include <type_traits>
 
 #include "vane/support/display_texts.h"
-#include "vane/support/texts.h"
 #include "vane/support/numbering.h"
+#include "vane/support/texts.h"
 
 namespace vane {
 namespace {

@@ -1,8 +1,7 @@
 #include "vane/instrument/settings_table.h"
 
-#include "vane/support/words.h"
-
 #include "vane/support/text_table.h"
+#include "vane/support/words.h"
 
 namespace vane {
 namespace {
