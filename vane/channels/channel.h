@@ -132,11 +132,6 @@ class CVaneT312BPRTTHRMChannel {
   void InitializeProbe();
 
   bool UpdateProbeIndex();
-  bool UpdateProbeSerial(std::int16_t prbidx);
-  bool UpdateRefResistor(std::int16_t prbidx);
-  bool UpdateCurrent(std::int16_t prbidx);
-  bool Update3WireOffset(std::int16_t prbidx);
-  bool UpdateConversionType(std::int16_t prbidx);
 
   const Components& components_;
   std::shared_ptr<CVaneRegistry> registry_;  // outlives the probe

@@ -5,6 +5,7 @@
 #include "vane/instrument/operations.h"
 #include "vane/support/exchange.h"
 #include "vane/support/failure.h"
+#include "vane/support/numbering.h"
 #include "vane/support/texts.h"
 
 namespace vane {
@@ -15,6 +16,12 @@ CVaneCommunications& LineOf(const CVaneT312BPRTTHRMChannel& channel) {
     throw LibraryError(ERR_PLATFORM_CALL, {}, "The channel belongs to no instrument.");
   }
   return LineOf(*md->BaseUnit());
+}
+
+ChannelPlace PlaceOf(const CVaneT312BPRTTHRMChannel& channel) {
+  const std::int16_t number = channel.ActualChannel();
+  if (number <= kNumInputs) return {false, std::to_string(number), ECommand::READ_PROBE_INDEX};
+  return {true, std::to_string(ScannerChannel(number)), ECommand::READ_SCANNER_PROBE_INDEX};
 }
 
 bool QueryProbe(const CVaneT312BPRTTHRMChannel& channel, const ProbeCommand& command,

@@ -17,6 +17,15 @@ inline constexpr char kChannelClass[] = "CVaneT312BPRTTHRMChannel";
 /// The line of the channel's instrument; raises where the channel belongs to none.
 CVaneCommunications& LineOf(const CVaneT312BPRTTHRMChannel& channel);
 
+/// Where the line and the user find a channel: on the readout or on the scanner, under a number
+/// there.
+struct ChannelPlace {
+  bool scanner;
+  std::string number;
+  ECommand readprobeindex;
+};
+ChannelPlace PlaceOf(const CVaneT312BPRTTHRMChannel& channel);
+
 /// The command that reads a value, and so the one that writes it.
 struct ProbeCommand {
   std::string_view operation;  ///< its label is "Query" or "Update", and this

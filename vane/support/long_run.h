@@ -10,7 +10,6 @@
 #include <initializer_list>
 #include <memory>
 #include <optional>
-#include <span>
 #include <string>
 #include <utility>
 
@@ -140,10 +139,10 @@ class CLongRun {
   bool Steps(std::initializer_list<RunStep> steps);
   bool Step(const RunStep& step);
 
-  /// A step for each of `rows`, under its title: `work` is done with the row.
-  template <class Row, class Work>
-  bool Steps(std::span<const Row* const> rows, const Work& work) {
-    for (const Row* const row : rows) {
+  /// A step for each of `rows`, which are pointers, under its title: `work` is done with the row.
+  template <class Rows, class Work>
+  bool Steps(const Rows& rows, const Work& work) {
+    for (const auto* const row : rows) {
       if (!Step({TitleOf(*row), [&] { return work(*row); }})) return false;
     }
     return true;
