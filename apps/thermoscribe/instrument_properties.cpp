@@ -220,7 +220,7 @@ const PropertyRow kProperties[] = {
      .get = Value<&I::ScanChannels>,
      .set = Store<std::string, &I::SetScanChannels>,
      .rule = TextRule{[](std::string_view list) { return ScanSequence(list, kHighestChannel); },
-                      "a list of channels from 2 to 12, with \",\" between them"},
+                      "a list of up to 100 channels from 2 to 12, with \",\" between them"},
      .update = [](I& instrument) { return instrument.UpdateScanChannelList(); },
      .issequence = true},
 
