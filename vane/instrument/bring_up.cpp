@@ -5,6 +5,7 @@
 #include "vane/instrument/t312b.h"
 #include "vane/support/exchange.h"
 #include "vane/support/long_run.h"
+#include "vane/support/numbers.h"
 #include "vane/support/paths.h"
 #include "vane/support/text_table.h"
 #include "vane/support/texts.h"

@@ -157,8 +157,9 @@ std::int64_t CVaneT312B::NewDataLimit() const {
 }
 
 bool CVaneT312B::QueryWaitSettings() {
-  return Query(kInterval) && (!HasScanners() || (QueryChannelMode() && QueryScannerScanMode() &&
-                                                 Query(kScanSeqChannels) && Query(kScanSeqSteps)));
+  return Query(*this, kInterval) &&
+         (!HasScanners() || (QueryChannelMode() && QueryScannerScanMode() &&
+                             Query(*this, kScanSeqChannels) && Query(*this, kScanSeqSteps)));
 }
 
 }  // namespace vane

@@ -38,6 +38,11 @@ auto Exchange(const CVaneT312B& instrument, std::string_view operation, Body&& b
 /// been told.
 bool ProveInstrument(CVaneT312B& instrument, CLongRun& run, bool setprops);
 
+/// The scanner's stretches of the runs over all settings. False when the user has been told.
+bool QueryScannerSettings(CVaneT312B& instrument, const Components& components, CLongRun& run,
+                          ui::CWindow* frm);
+bool UpdateScannerSettings(CVaneT312B& instrument, CLongRun& run, ui::CWindow* frm);
+
 /// Which of the four groups of settings the instrument protects. True, or an error.
 bool QueryPasscodeProtectionSettings(CVaneT312B& instrument);
 

@@ -14,21 +14,21 @@ constexpr std::ptrdiff_t kHead = 1;
 
 }  // namespace
 
-bool CVaneT312B::Query(const SettingRow& row) {
-  return Exchange(*this, "Query" + std::string(row.name), [&] {
-    return row.store(*this,
-                     Read(LineOf(*this), row.readid, {{&CommandParams::Index, IndexText(row)}}));
+bool Query(CVaneT312B& instrument, const SettingRow& row) {
+  return Exchange(instrument, "Query" + std::string(row.name), [&] {
+    return row.store(instrument, Read(LineOf(instrument), row.readid,
+                                      {{&CommandParams::Index, IndexText(row)}}));
   });
 }
 
-bool CVaneT312B::QueryRows(CLongRun& run, std::span<const SettingRow* const> rows) {
-  return run.Steps(rows, [this](const SettingRow& row) { return Query(row); });
+bool QueryRows(CVaneT312B& instrument, CLongRun& run, std::span<const SettingRow* const> rows) {
+  return run.Steps(rows, [&](const SettingRow& row) { return Query(instrument, row); });
 }
 
-bool CVaneT312B::QueryUnits() { return Query(kUnits); }
-bool CVaneT312B::QuerySampleAction() { return Query(kSampleAction); }
-bool CVaneT312B::QueryChannelMode() { return Query(kChannelMode); }
-bool CVaneT312B::QueryScannerScanMode() { return Query(kScannerScanMode); }
+bool CVaneT312B::QueryUnits() { return Query(*this, kUnits); }
+bool CVaneT312B::QuerySampleAction() { return Query(*this, kSampleAction); }
+bool CVaneT312B::QueryChannelMode() { return Query(*this, kChannelMode); }
+bool CVaneT312B::QueryScannerScanMode() { return Query(*this, kScannerScanMode); }
 
 bool CVaneT312B::QueryInfo(ui::CWindow* frm, bool inclmodules, bool inclchannels) {
   return Exchange(*this, "QueryInfo", [&] {
@@ -44,12 +44,12 @@ bool CVaneT312B::QueryInfo(ui::CWindow* frm, bool inclmodules, bool inclchannels
                 PercentShare(kHead + std::ssize(layout) + std::ssize(kReadoutSettings) +
                              std::ssize(kCalibrationSettings)));
       run.Advance();
-      if (!run.Steps(layout) || !QueryRows(run, kReadoutSettings) ||
-          !QueryRows(run, kCalibrationSettings)) {
+      if (!run.Steps(layout) || !QueryRows(*this, run, kReadoutSettings) ||
+          !QueryRows(*this, run, kCalibrationSettings)) {
         return false;
       }
       run.Hide();
-      if (HasScanners() && !QueryScannerSettings(run, frm)) return false;
+      if (HasScanners() && !QueryScannerSettings(*this, components_, run, frm)) return false;
       if (inclmodules) {
         for (std::int16_t idx = 0; idx < NumModules(); ++idx) {
           ModuleOf(*this, idx).QueryInfo(frm, inclchannels);

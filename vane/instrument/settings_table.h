@@ -7,15 +7,19 @@
 #pragma once
 
 #include <cstdint>
+#include <span>
 #include <string>
 #include <string_view>
 
 #include "vane/instrument/t312b.h"
 #include "vane/support/number_text.h"
 #include "vane/support/numbers.h"
+#include "vane/support/text_table.h"
 #include "vane/support/texts.h"
 
 namespace vane {
+
+class CLongRun;
 
 struct SettingRow {
   std::string_view name;
@@ -34,6 +38,15 @@ std::string TitleOf(const SettingRow& row);
 inline std::string IndexText(const SettingRow& row) {
   return row.index < 0 ? std::string() : std::to_string(row.index);
 }
+
+/// One exchange. True, or an error; only of `kUnits` also false, for a reply that names no unit.
+bool Query(CVaneT312B& instrument, const SettingRow& row);
+bool Update(const CVaneT312B& instrument, const SettingRow& row);
+
+/// A step of `run` for each of `rows`.
+bool QueryRows(CVaneT312B& instrument, CLongRun& run, std::span<const SettingRow* const> rows);
+bool UpdateRows(const CVaneT312B& instrument, CLongRun& run,
+                std::span<const SettingRow* const> rows);
 
 // Rules that are numbers.
 

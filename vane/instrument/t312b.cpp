@@ -1,5 +1,6 @@
 #include "vane/instrument/t312b.h"
 
+#include "vane/support/numbers.h"
 #include "vane/support/text_table.h"
 
 namespace vane {

@@ -21,7 +21,6 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
-#include <span>
 #include <string>
 
 #include "vane/channels/module.h"
@@ -33,14 +32,10 @@
 #include "vane/support/enums.h"
 #include "vane/support/failure.h"
 #include "vane/support/messages.h"
-#include "vane/support/numbers.h"
 #include "vane/support/tracked.h"
 #include "vane/topology/topology.h"
 
 namespace vane {
-
-class CLongRun;
-struct SettingRow;
 
 enum class EMeasurementTrouble {
   TIMED_OUT,  ///< no new reading came within `NewDataLimit`
@@ -420,17 +415,6 @@ class CVaneT312B {
   };
 
   static constexpr std::size_t kCalParamPlaces = 6;
-
-  // One read and one write of a setting, and a step of a run for each of several.
-  bool Query(const SettingRow& row);
-  bool QueryRows(CLongRun& run, std::span<const SettingRow* const> rows);
-  bool Update(const SettingRow& row);
-  bool UpdateRows(CLongRun& run, std::span<const SettingRow* const> rows);
-
-  bool QueryScannerSettings(CLongRun& run, ui::CWindow* frm);
-  bool UpdateScannerSettings(CLongRun& run, ui::CWindow* frm);
-  bool QueryScanChannelList(ui::CWindow* frm);
-  bool UpdateScanScanMode(bool override, bool scmode);
 
   const Components& components_;
 

@@ -28,59 +28,74 @@ std::string CutItem(std::string& list) {
   return item;
 }
 
-}  // namespace
-
-bool CVaneT312B::UpdateChannelMode() { return Update(kChannelMode); }
-bool CVaneT312B::UpdateScannerScanMode() { return Update(kScannerScanMode); }
-bool CVaneT312B::UpdateScanChannel() { return Update(kScanChannel); }
-bool CVaneT312B::UpdateScanSeqChannels() { return Update(kScanSeqChannels); }
-bool CVaneT312B::UpdateScanSeqSteps() { return Update(kScanSeqSteps); }
-
-// The scanner's stretch of the read of all settings.
-bool CVaneT312B::QueryScannerSettings(CLongRun& run, ui::CWindow* frm) {
-  run.Finish();
-  run.Start(SubstituteParams(ResourceText(EText::READING_SETTINGS), ModuleOf(*this, 1).Model()),
-            PercentShare(std::ssize(kScannerReads)));
-  if (!QueryRows(run, kScannerReads)) return false;
-  run.Hide();  // the sequence has a reporter of its own
-  return run.Step({EText::SCANNER_SEQUENCE, [&] { return QueryScanChannelList(frm); }});
-}
-
-// The scanner's stretch of the write of all settings.
-bool CVaneT312B::UpdateScannerSettings(CLongRun& run, ui::CWindow* frm) {
-  run.Start(SubstituteParams(ResourceText(EText::UPDATING_SETTINGS), ModuleOf(*this, 1).Model()),
-            PercentShare(std::ssize(kScannerWrites)));
-  if (!UpdateRows(run, kScannerWrites)) return false;
-  run.Hide();  // the sequence has a reporter of its own
-  run.Finish();
-  if (!run.LastStep({EText::SCANNER_SEQUENCE, [&] { return UpdateScanChannelList(frm); }}))
-    return false;
-  run.Pause();
-  return true;
-}
-
-bool CVaneT312B::QueryScanChannelList(ui::CWindow* frm) {
-  return Exchange(*this, "QueryScanChannelList", [&] {
-    SetScanChannels({});
-    return RunLong(components_, kScanSequenceRun, frm, [&](CLongRun& run) {
-      const std::int32_t steps = ScanSeqSteps();
+bool QueryScanChannelList(CVaneT312B& instrument, const Components& components, ui::CWindow* frm) {
+  return Exchange(instrument, "QueryScanChannelList", [&] {
+    instrument.SetScanChannels({});
+    return RunLong(components, kScanSequenceRun, frm, [&](CLongRun& run) {
+      const std::int32_t steps = instrument.ScanSeqSteps();
       run.Start(ResourceText(EText::READING_SCAN_SEQUENCE_STEPS), PercentShare(steps));
-      CVaneCommunications& line = LineOf(*this);
+      CVaneCommunications& line = LineOf(instrument);
       line.params().ClearAll();
       for (std::int32_t step = 1; step <= steps; ++step) {
         line.params().Index = std::to_string(step);
         // A step that was never set answers nothing and counts as Input 2.
         const std::int16_t value = ToInteger(
             ToInteger(NumberFromText(line.ReadSetting(ECommand::READ_SCAN_STEP))) + kNumInputs);
-        SetScanChannels(ScanChannels() + std::to_string(value) + ",");
+        instrument.SetScanChannels(instrument.ScanChannels() + std::to_string(value) + ",");
         if (!run.Advance()) break;
       }
-      if (ScanChannels().size() > 1) {
-        SetScanChannels(ScanChannels().substr(0, ScanChannels().size() - 1));
+      if (instrument.ScanChannels().size() > 1) {
+        instrument.SetScanChannels(
+            instrument.ScanChannels().substr(0, instrument.ScanChannels().size() - 1));
       }
       return true;
     });
   });
+}
+
+bool UpdateScanScanMode(const CVaneT312B& instrument, bool override, bool scmode) {
+  return Exchange(instrument, "UpdateScanScanMode", [&] {
+    if (!instrument.HasScanners()) return false;
+    using enum ET312BScannerScanMode;
+    const std::string mode =
+        override ? CodeText(scmode ? SSM_USER_DEFINED : SSM_SCAN) : CodeText(instrument.ScanMode());
+    Write(LineOf(instrument), ECommand::WRITE_SCANNER_SCAN_MODE, {{&CommandParams::value, mode}});
+    return true;
+  });
+}
+
+}  // namespace
+
+bool CVaneT312B::UpdateChannelMode() { return Update(*this, kChannelMode); }
+bool CVaneT312B::UpdateScannerScanMode() { return Update(*this, kScannerScanMode); }
+bool CVaneT312B::UpdateScanChannel() { return Update(*this, kScanChannel); }
+bool CVaneT312B::UpdateScanSeqChannels() { return Update(*this, kScanSeqChannels); }
+bool CVaneT312B::UpdateScanSeqSteps() { return Update(*this, kScanSeqSteps); }
+
+bool QueryScannerSettings(CVaneT312B& instrument, const Components& components, CLongRun& run,
+                          ui::CWindow* frm) {
+  run.Finish();
+  run.Start(
+      SubstituteParams(ResourceText(EText::READING_SETTINGS), ModuleOf(instrument, 1).Model()),
+      PercentShare(std::ssize(kScannerReads)));
+  if (!QueryRows(instrument, run, kScannerReads)) return false;
+  run.Hide();  // the sequence has a reporter of its own
+  return run.Step(
+      {EText::SCANNER_SEQUENCE, [&] { return QueryScanChannelList(instrument, components, frm); }});
+}
+
+bool UpdateScannerSettings(CVaneT312B& instrument, CLongRun& run, ui::CWindow* frm) {
+  run.Start(
+      SubstituteParams(ResourceText(EText::UPDATING_SETTINGS), ModuleOf(instrument, 1).Model()),
+      PercentShare(std::ssize(kScannerWrites)));
+  if (!UpdateRows(instrument, run, kScannerWrites)) return false;
+  run.Hide();  // the sequence has a reporter of its own
+  run.Finish();
+  if (!run.LastStep(
+          {EText::SCANNER_SEQUENCE, [&] { return instrument.UpdateScanChannelList(frm); }}))
+    return false;
+  run.Pause();
+  return true;
 }
 
 bool CVaneT312B::UpdateScanChannelList(ui::CWindow* frm) {
@@ -123,23 +138,12 @@ bool CVaneT312B::UpdateScanMode(bool override, bool scmode) {
             {{&CommandParams::value, CodeText(ET312BChannelMode::CM_SCANNER_SEQUENCE)}});
       LineOf(*this).params().value = "1";
       LineOf(*this).WriteSetting(ECommand::WRITE_REPETITIONS);
-      return UpdateScanScanMode(override, scmode);
+      return UpdateScanScanMode(*this, override, scmode);
     }
     using enum ET312BChannelMode;
     const std::string mode =
         override ? CodeText(scmode ? CM_ALTERNATE : CM_INPUT_1) : CodeText(ScanMode());
     Write(LineOf(*this), ECommand::WRITE_CHANNEL_MODE, {{&CommandParams::value, mode}});
-    return true;
-  });
-}
-
-bool CVaneT312B::UpdateScanScanMode(bool override, bool scmode) {
-  return Exchange(*this, "UpdateScanScanMode", [&] {
-    if (!HasScanners()) return false;
-    using enum ET312BScannerScanMode;
-    const std::string mode =
-        override ? CodeText(scmode ? SSM_USER_DEFINED : SSM_SCAN) : CodeText(ScanMode());
-    Write(LineOf(*this), ECommand::WRITE_SCANNER_SCAN_MODE, {{&CommandParams::value, mode}});
     return true;
   });
 }

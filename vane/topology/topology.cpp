@@ -6,6 +6,7 @@
 #include "vane/instrument/operations.h"
 #include "vane/support/exchange.h"
 #include "vane/support/numbering.h"
+#include "vane/support/numbers.h"
 #include "vane/support/text_table.h"
 
 namespace vane {
