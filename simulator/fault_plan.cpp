@@ -12,26 +12,26 @@ namespace vane::simulator {
 namespace {
 
 // What may stand behind a kind's "=".
-enum class EValue { kNone, kSeconds, kNumber, kText };
+enum class EValue { NONE, SECONDS, NUMBER, TEXT };
 
 struct FaultKind {
   std::string_view name;
   EFault fault;
-  EValue value = EValue::kNone;
+  EValue value = EValue::NONE;
   double seconds = 0;  // when none are given
 };
 
 constexpr FaultKind kFaultKinds[] = {
-    {"drop", EFault::kDrop},
-    {"delay", EFault::kDelay, EValue::kSeconds, 0.3},
-    {"garble", EFault::kGarble},
-    {"split", EFault::kSplit, EValue::kSeconds, 0.05},
-    {"late", EFault::kLate, EValue::kSeconds, 1.5},
-    {"refuse", EFault::kRefuse, EValue::kNumber},
-    {"hangup", EFault::kHangup, EValue::kSeconds, 0.3},
-    {"identify", EFault::kIdentify},
-    {"answer", EFault::kAnswer, EValue::kText},
-    {"overlong", EFault::kOverlong},
+    {"drop", EFault::DROP},
+    {"delay", EFault::DELAY, EValue::SECONDS, 0.3},
+    {"garble", EFault::GARBLE},
+    {"split", EFault::SPLIT, EValue::SECONDS, 0.05},
+    {"late", EFault::LATE, EValue::SECONDS, 1.5},
+    {"refuse", EFault::REFUSE, EValue::NUMBER},
+    {"hangup", EFault::HANGUP, EValue::SECONDS, 0.3},
+    {"identify", EFault::IDENTIFY},
+    {"answer", EFault::ANSWER, EValue::TEXT},
+    {"overlong", EFault::OVERLONG},
 };
 
 constexpr double kMaxSeconds = 3600;
@@ -46,21 +46,21 @@ bool IsPrintable(char c) { return c >= ' ' && c <= '~'; }
 // `value` stands behind the "=" of a kind that takes `kind`.
 void TakeValue(FaultRule& rule, EValue kind, std::string_view value, std::string_view text) {
   switch (kind) {
-    case EValue::kNone:
+    case EValue::NONE:
       Fail(text, "nothing stands behind this kind");
-    case EValue::kSeconds: {
+    case EValue::SECONDS: {
       const auto seconds = ParseReal(value);
       if (!seconds || *seconds < 0 || *seconds > kMaxSeconds) Fail(text, "seconds are 0 to 3600");
       rule.seconds = *seconds;
       return;
     }
-    case EValue::kNumber: {
+    case EValue::NUMBER: {
       const auto number = ParseWhole(value);
       if (!number || *number == 0) Fail(text, "a refusal has a whole number other than 0");
       rule.refusal = *number;
       return;
     }
-    case EValue::kText:
+    case EValue::TEXT:
       if (value.size() > kMaxAnswerLength || !std::ranges::all_of(value, IsPrintable)) {
         Fail(text, "an answer is up to 400 printable characters");
       }
@@ -79,13 +79,13 @@ FaultRule ParseFaultRule(std::string_view text) {
   const std::string_view word = when.substr(0, equals);
   const std::string_view number = when.substr(std::min(equals + 1, when.size()));
   if (IsSameWord(word, "p")) {
-    rule.when = FaultRule::EWhen::kChance;
+    rule.when = FaultRule::EWhen::CHANCE;
     const auto chance = ParseReal(number);
     if (!chance || *chance < 0 || *chance > 1) Fail(text, "p is a probability from 0 to 1");
     rule.chance = *chance;
   } else if (IsSameWord(word, "at") || IsSameWord(word, "every") || IsSameWord(word, "write")) {
     using enum FaultRule::EWhen;
-    rule.when = IsSameWord(word, "at") ? kAt : IsSameWord(word, "every") ? kEvery : kWrite;
+    rule.when = IsSameWord(word, "at") ? AT : IsSameWord(word, "every") ? EVERY : WRITE;
     const auto exchange = ParseWhole(number);
     if (!exchange || *exchange < 1) Fail(text, "exchanges are counted from 1");
     rule.number = static_cast<std::uint64_t>(*exchange);
@@ -104,10 +104,10 @@ FaultRule ParseFaultRule(std::string_view text) {
   }
   rule.fault = kind->fault;
   rule.seconds = kind->seconds;
-  rule.refusal = static_cast<std::int32_t>(ERefusal::kBusy);
+  rule.refusal = static_cast<std::int32_t>(ERefusal::BUSY);
   if (value != what.npos) {
     TakeValue(rule, kind->value, what.substr(value + 1), text);
-  } else if (kind->value == EValue::kText) {
+  } else if (kind->value == EValue::TEXT) {
     Fail(text, "the answer stands behind a '=', and may be empty");
   }
   return rule;
@@ -118,16 +118,16 @@ const FaultRule* CFaultPlan::Strike(std::uint64_t exchange, std::uint64_t write)
     const FaultRule& rule = rules_[i];
     bool strikes = false;
     switch (rule.when) {
-      case FaultRule::EWhen::kAt:
+      case FaultRule::EWhen::AT:
         strikes = exchange == rule.number;
         break;
-      case FaultRule::EWhen::kEvery:
+      case FaultRule::EWhen::EVERY:
         strikes = exchange % rule.number == 0;
         break;
-      case FaultRule::EWhen::kWrite:
+      case FaultRule::EWhen::WRITE:
         strikes = write == rule.number;
         break;
-      case FaultRule::EWhen::kChance:
+      case FaultRule::EWhen::CHANCE:
         strikes = ScatterUnit({seed_, exchange, i}) < rule.chance;
         break;
     }

@@ -10,28 +10,28 @@
 namespace vane::simulator {
 
 enum class EFault {
-  kDrop,      ///< the command is obeyed, its answer is lost
-  kDelay,     ///< the answer comes after a while, still in time
-  kGarble,    ///< two bytes of the answer are changed
-  kSplit,     ///< the answer comes in two pieces with a pause between them
-  kLate,      ///< the answer comes when nobody waits for it any more
-  kRefuse,    ///< the command is refused, as busy or with a number of the plan, and not obeyed
-  kHangup,    ///< the line is lost, the command is not obeyed; a new line comes after a while
-  kIdentify,  ///< the answer is the identification, the command is not obeyed
-  kAnswer,    ///< the answer is a text of the plan, the command is not obeyed
-  kOverlong,  ///< the answer is longer than any line, the command is not obeyed
+  DROP,      ///< the command is obeyed, its answer is lost
+  DELAY,     ///< the answer comes after a while, still in time
+  GARBLE,    ///< two bytes of the answer are changed
+  SPLIT,     ///< the answer comes in two pieces with a pause between them
+  LATE,      ///< the answer comes when nobody waits for it any more
+  REFUSE,    ///< the command is refused, as busy or with a number of the plan, and not obeyed
+  HANGUP,    ///< the line is lost, the command is not obeyed; a new line comes after a while
+  IDENTIFY,  ///< the answer is the identification, the command is not obeyed
+  ANSWER,    ///< the answer is a text of the plan, the command is not obeyed
+  OVERLONG,  ///< the answer is longer than any line, the command is not obeyed
 };
 
 /// When a fault strikes, and which.
 struct FaultRule {
-  enum class EWhen { kAt, kEvery, kWrite, kChance };
+  enum class EWhen { AT, EVERY, WRITE, CHANCE };
 
-  EWhen when = EWhen::kAt;
+  EWhen when = EWhen::AT;
   /// `kAt`: that exchange, from 1; `kEvery`: each multiple of it; `kWrite`: that one of the
   /// commands that change something, from 1.
   std::uint64_t number = 1;
   double chance = 0;  ///< `kChance`: 0 to 1
-  EFault fault = EFault::kDrop;
+  EFault fault = EFault::DROP;
   double seconds = 0;        ///< how long, for the kinds that take time
   std::int32_t refusal = 0;  ///< the number of a refusal
   std::string answer;        ///< of `kAnswer`; may be empty

@@ -84,8 +84,8 @@ Reply AnswerNumber(const NumberSetting& setting, const protocol::ParsedCommand& 
   if (text.empty()) return Reply::Done();
   const std::optional<double> value =
       setting.whole ? std::optional<double>(ParseWhole(text)) : ParseReal(text);
-  if (!value) return ERefusal::kNotANumber;
-  if (*value < setting.lowest || *value > setting.highest) return ERefusal::kOutOfRange;
+  if (!value) return ERefusal::NOT_A_NUMBER;
+  if (*value < setting.lowest || *value > setting.highest) return ERefusal::OUT_OF_RANGE;
   stored = *value;
   return Reply::Done();
 }
@@ -96,7 +96,7 @@ Reply AnswerWord(const WordSetting& setting, const protocol::ParsedCommand& comm
   const std::string& code = command.fields.*setting.source;
   if (code.empty()) return Reply::Done();
   const auto place = FindCode(setting.words, code);
-  if (!place) return ERefusal::kUnknownCode;
+  if (!place) return ERefusal::UNKNOWN_CODE;
   stored = *place;
   return Reply::Done();
 }
@@ -117,7 +117,7 @@ std::optional<Reply> CInstrumentSettings::Answer(const protocol::ParsedCommand& 
     }
     other_index = true;
   }
-  if (other_index) return ERefusal::kOutOfRange;
+  if (other_index) return ERefusal::OUT_OF_RANGE;
   for (std::size_t i = 0; i < std::size(kWords); ++i) {
     if (IsAbout(command.row->id, kWords[i].read)) return AnswerWord(kWords[i], command, words_[i]);
   }
@@ -135,8 +135,8 @@ std::int32_t CInstrumentSettings::ReadingDigits() const {
   constexpr std::size_t kResistance = NumberPlace(READ_RESISTANCE_RESOLUTION);
   constexpr std::size_t kRatio = NumberPlace(READ_RATIO_RESOLUTION);
   std::size_t place = kTemperature;
-  if (Units() == EUnits::kOhms) place = kResistance;
-  if (Units() == EUnits::kRatio || Units() == EUnits::kW) place = kRatio;
+  if (Units() == EUnits::OHMS) place = kResistance;
+  if (Units() == EUnits::RATIO || Units() == EUnits::W) place = kRatio;
   return static_cast<std::int32_t>(numbers_[place]);
 }
 

@@ -12,7 +12,7 @@
 
 namespace vane::simulator {
 
-enum class EUnits { kCelsius, kFahrenheit, kKelvin, kOhms, kRatio, kW };
+enum class EUnits { CELSIUS, FAHRENHEIT, KELVIN, OHMS, RATIO, W };
 
 class CInstrumentSettings {
  public:

@@ -147,30 +147,30 @@ void CSimulatedLine::TakeLine(std::string_view line) {
   if (iswrite) ++writes_;
   const FaultRule* const rule = faults_.Strike(exchange, iswrite ? writes_ : 0);
   const auto strikes = [rule](EFault fault) { return rule != nullptr && rule->fault == fault; };
-  if (strikes(EFault::kHangup)) {
+  if (strikes(EFault::HANGUP)) {
     HangUp(rule->seconds);
     return;
   }
 
   std::optional<std::string> body;
-  if (strikes(EFault::kRefuse)) {
+  if (strikes(EFault::REFUSE)) {
     body = protocol::RefusalBody(rule->refusal, RefusalText(ERefusal{rule->refusal}));
-  } else if (strikes(EFault::kIdentify)) {
+  } else if (strikes(EFault::IDENTIFY)) {
     body = protocol::ValueBody(readout_.Identification());
-  } else if (strikes(EFault::kAnswer)) {
+  } else if (strikes(EFault::ANSWER)) {
     body = protocol::ValueBody(rule->answer);
-  } else if (strikes(EFault::kOverlong)) {
+  } else if (strikes(EFault::OVERLONG)) {
     body = protocol::ValueBody(std::string(protocol::kMaxLineLength, '9'));
   } else {
     body = Ask(command);
   }
-  if (!body || strikes(EFault::kDrop)) return;
+  if (!body || strikes(EFault::DROP)) return;
   std::string answer = tagged ? protocol::FrameLine(framed->tag, *body) : *body;
-  if (strikes(EFault::kGarble)) answer = faults_.Garble(std::move(answer), exchange);
+  if (strikes(EFault::GARBLE)) answer = faults_.Garble(std::move(answer), exchange);
   answer += protocol::kLineEnd;
-  const bool held = strikes(EFault::kDelay) || strikes(EFault::kLate);
+  const bool held = strikes(EFault::DELAY) || strikes(EFault::LATE);
   answers_.Add(std::move(answer), held ? arrived + Seconds(rule->seconds) : arrived,
-               strikes(EFault::kSplit) ? Seconds(rule->seconds) : CAnswerQueue::Duration::zero());
+               strikes(EFault::SPLIT) ? Seconds(rule->seconds) : CAnswerQueue::Duration::zero());
 }
 
 }  // namespace vane::simulator

@@ -14,12 +14,12 @@ constexpr std::int32_t kReadingsPerUnit = 60;
 }  // namespace
 
 std::string LogLine(ELog log, std::int32_t index, std::uint64_t seed) {
-  if (index > (log == ELog::kHistory ? kHistoryLength : kMemoryLength)) return {};
-  const std::int32_t channel = log == ELog::kHistory ? 1 : 2;
+  if (index > (log == ELog::HISTORY ? kHistoryLength : kMemoryLength)) return {};
+  const std::int32_t channel = log == ELog::HISTORY ? 1 : 2;
   const double celsius = BathTemperature(seed, channel, index);
   double value = celsius;
   std::string unit = "C";
-  if (log == ELog::kMemory) {
+  if (log == ELog::MEMORY) {
     switch ((index - 1) / kReadingsPerUnit) {
       case 0:
         break;
@@ -32,7 +32,7 @@ std::string LogLine(ELog log, std::int32_t index, std::uint64_t seed) {
         unit = "K";
         break;
       default:
-        value = SensorResistance({ESensor::kPlatinum, 25.5}, celsius);
+        value = SensorResistance({ESensor::PLATINUM, 25.5}, celsius);
         unit = "OHM";
         break;
     }

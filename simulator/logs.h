@@ -7,7 +7,7 @@
 
 namespace vane::simulator {
 
-enum class ELog { kHistory, kMemory };
+enum class ELog { HISTORY, MEMORY };
 
 inline constexpr std::int32_t kHistoryLength = 320;
 inline constexpr std::int32_t kMemoryLength = 240;

@@ -56,11 +56,11 @@ double BathTemperature(std::uint64_t seed, std::int32_t channel, std::int64_t sa
 
 double SensorResistance(const Sensor& sensor, double celsius) {
   switch (sensor.kind) {
-    case ESensor::kPlatinum:
+    case ESensor::PLATINUM:
       return sensor.nominal_ohms * PlatinumRatio(celsius);
-    case ESensor::kThermistor:
+    case ESensor::THERMISTOR:
       return sensor.nominal_ohms * ThermistorRatio(celsius);
-    case ESensor::kResistor:
+    case ESensor::RESISTOR:
       break;
   }
   return sensor.nominal_ohms;

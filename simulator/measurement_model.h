@@ -8,9 +8,9 @@
 namespace vane::simulator {
 
 enum class ESensor {
-  kPlatinum,    ///< nominal resistance at 0 °C
-  kThermistor,  ///< nominal resistance at 25 °C
-  kResistor,    ///< a standard resistor, the same at any temperature
+  PLATINUM,    ///< nominal resistance at 0 °C
+  THERMISTOR,  ///< nominal resistance at 25 °C
+  RESISTOR,    ///< a standard resistor, the same at any temperature
 };
 
 struct Sensor {

@@ -57,12 +57,12 @@ constexpr std::string_view kRangeTexts[] = {
 };
 
 // Which subrange a command about a coefficient has to name.
-enum class ERangeRule { kNone, kLow, kHigh, kFour };
+enum class ERangeRule { NONE, LOW, HIGH, FOUR };
 
 struct NumberSetting {
   ECommand read;
   std::size_t first;  // place in the record
-  ERangeRule range = ERangeRule::kNone;
+  ERangeRule range = ERangeRule::NONE;
   std::int32_t count = 1;  // more than one: picked by Index
   std::int32_t start = 0;
   double lowest = std::numeric_limits<double>::lowest();
@@ -73,22 +73,18 @@ constexpr NumberSetting kNumbers[] = {
     {.read = READ_PROBE_CURRENT, .first = kCurrent, .lowest = 0.0001, .highest = 21},
     {.read = READ_PROBE_3WIRE_OFFSET, .first = kOffset, .lowest = 0, .highest = 1e6},
     {.read = READ_ITS90_RTPW, .first = kRtpw},
-    {.read = READ_ITS90_LOW_A, .first = kLow, .range = ERangeRule::kLow},
-    {.read = READ_ITS90_LOW_B, .first = kLow + 1, .range = ERangeRule::kLow},
-    {.read = READ_ITS90_LOW_C,
-     .first = kLow + 2,
-     .range = ERangeRule::kLow,
-     .count = 5,
-     .start = 1},
-    {.read = READ_ITS90_HIGH_A, .first = kHigh, .range = ERangeRule::kHigh},
-    {.read = READ_ITS90_HIGH_B, .first = kHigh + 1, .range = ERangeRule::kHigh},
-    {.read = READ_ITS90_HIGH_C, .first = kHigh + 2, .range = ERangeRule::kHigh},
+    {.read = READ_ITS90_LOW_A, .first = kLow, .range = ERangeRule::LOW},
+    {.read = READ_ITS90_LOW_B, .first = kLow + 1, .range = ERangeRule::LOW},
+    {.read = READ_ITS90_LOW_C, .first = kLow + 2, .range = ERangeRule::LOW, .count = 5, .start = 1},
+    {.read = READ_ITS90_HIGH_A, .first = kHigh, .range = ERangeRule::HIGH},
+    {.read = READ_ITS90_HIGH_B, .first = kHigh + 1, .range = ERangeRule::HIGH},
+    {.read = READ_ITS90_HIGH_C, .first = kHigh + 2, .range = ERangeRule::HIGH},
     {.read = READ_ITS90_HIGH_D, .first = kHigh + 3},
     {.read = READ_IPTS68_R0, .first = kIpts},
     {.read = READ_IPTS68_ALPHA, .first = kIpts + 1},
     {.read = READ_IPTS68_DELTA, .first = kIpts + 2},
-    {.read = READ_IPTS68_A, .first = kIpts + 3, .range = ERangeRule::kFour},
-    {.read = READ_IPTS68_C, .first = kIpts + 4, .range = ERangeRule::kFour},
+    {.read = READ_IPTS68_A, .first = kIpts + 3, .range = ERangeRule::FOUR},
+    {.read = READ_IPTS68_C, .first = kIpts + 4, .range = ERangeRule::FOUR},
     {.read = READ_CVD_R0, .first = kCvd},
     {.read = READ_CVD_ALPHA, .first = kCvd + 1},
     {.read = READ_CVD_DELTA, .first = kCvd + 2},
@@ -108,11 +104,11 @@ const Row* FindRow(std::span<const Row> rows, ECommand command) {
 Reply AnswerSerial(const protocol::ParsedCommand& command, Probe& probe) {
   const std::string& text = command.fields.value;
   if (command.row->IsRead()) return probe.serial;
-  if (text.size() > kMaxSerialLength) return ERefusal::kTextTooLong;
+  if (text.size() > kMaxSerialLength) return ERefusal::TEXT_TOO_LONG;
   if (text.empty()) return Reply::Done();
   // What is taken in has to be an answer later.
   if (!protocol::FitsForm(protocol::FindCommand(READ_PROBE_SERIAL)->form, text)) {
-    return ERefusal::kNotASerialNumber;
+    return ERefusal::NOT_A_SERIAL_NUMBER;
   }
   probe.serial = text;
   return Reply::Done();
@@ -126,7 +122,7 @@ Reply AnswerWord(const WordSetting& setting, const protocol::ParsedCommand& comm
   }
   if (command.fields.value.empty()) return Reply::Done();
   const auto place = FindCode(setting.words, command.fields.value);
-  if (!place) return ERefusal::kUnknownCode;
+  if (!place) return ERefusal::UNKNOWN_CODE;
   stored = *place;
   return Reply::Done();
 }
@@ -141,24 +137,24 @@ Reply AnswerRange(const RangeSetting& setting, const protocol::ParsedCommand& co
   }
   if (command.fields.value.empty()) return Reply::Done();
   const auto value = ParseWhole(command.fields.value);
-  if (!value) return ERefusal::kNotANumber;
-  if (*value < setting.lowest || *value > setting.highest) return ERefusal::kOutOfRange;
+  if (!value) return ERefusal::NOT_A_NUMBER;
+  if (*value < setting.lowest || *value > setting.highest) return ERefusal::OUT_OF_RANGE;
   stored = *value;
   return Reply::Done();
 }
 
 std::optional<ERefusal> CheckRange(ERangeRule rule, const std::string& text, const Probe& probe) {
-  if (rule == ERangeRule::kNone) return std::nullopt;
+  if (rule == ERangeRule::NONE) return std::nullopt;
   const auto range = ParseWhole(text);
-  if (!range) return ERefusal::kNotANumber;
-  if (rule == ERangeRule::kFour) {
-    return *range == 4 ? std::nullopt : std::optional(ERefusal::kOutOfRange);
+  if (!range) return ERefusal::NOT_A_NUMBER;
+  if (rule == ERangeRule::FOUR) {
+    return *range == 4 ? std::nullopt : std::optional(ERefusal::OUT_OF_RANGE);
   }
-  const bool low = rule == ERangeRule::kLow;
+  const bool low = rule == ERangeRule::LOW;
   if (*range < 1 || *range > 11 || (*range <= kLowRange.highest) != low) {
-    return ERefusal::kOutOfRange;
+    return ERefusal::OUT_OF_RANGE;
   }
-  if (*range != (low ? probe.low_range : probe.high_range)) return ERefusal::kNotARangeOfProbe;
+  if (*range != (low ? probe.low_range : probe.high_range)) return ERefusal::NOT_A_RANGE_OF_PROBE;
   return std::nullopt;
 }
 
@@ -168,9 +164,9 @@ Reply AnswerNumber(const NumberSetting& setting, const protocol::ParsedCommand& 
   std::int32_t place = 0;
   if (setting.count > 1) {
     const auto index = ParseWhole(command.fields.Index);
-    if (!index) return ERefusal::kNotANumber;
+    if (!index) return ERefusal::NOT_A_NUMBER;
     if (*index < setting.start || *index >= setting.start + setting.count) {
-      return ERefusal::kOutOfRange;
+      return ERefusal::OUT_OF_RANGE;
     }
     place = *index - setting.start;
   }
@@ -178,8 +174,8 @@ Reply AnswerNumber(const NumberSetting& setting, const protocol::ParsedCommand& 
   if (command.row->IsRead()) return RealText(stored);
   if (command.fields.value.empty()) return Reply::Done();
   const auto value = ParseReal(command.fields.value);
-  if (!value) return ERefusal::kNotANumber;
-  if (*value < setting.lowest || *value > setting.highest) return ERefusal::kOutOfRange;
+  if (!value) return ERefusal::NOT_A_NUMBER;
+  if (*value < setting.lowest || *value > setting.highest) return ERefusal::OUT_OF_RANGE;
   stored = *value;
   return Reply::Done();
 }
@@ -195,7 +191,7 @@ std::optional<Reply> AnswerProbeCommand(const protocol::ParsedCommand& command,
                                         std::array<Probe, kProbeCount>& probes) {
   if (!command.row->text.starts_with("PROBE ")) return std::nullopt;
   const auto number = ParseProbeNumber(command.fields.Probe);
-  if (!number) return ERefusal::kOutOfRange;
+  if (!number) return ERefusal::OUT_OF_RANGE;
   Probe& probe = probes[static_cast<std::size_t>(*number - 1)];
 
   const ECommand id = command.row->id;

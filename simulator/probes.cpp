@@ -16,7 +16,7 @@ using Numbers = std::vector<NumberRun>;
 // A record as it leaves the works: the standard curves for a platinum sensor and a common 10 kilohm
 // thermistor. `special` overwrites what the probe's own calibration found.
 Probe MakeProbe(Probe probe, double current, const Numbers& special) {
-  const bool platinum = probe.sensor.kind == ESensor::kPlatinum;
+  const bool platinum = probe.sensor.kind == ESensor::PLATINUM;
   const double r0 = platinum ? probe.sensor.nominal_ohms : 100.0;
   const Numbers standard = {
       {kCurrent, {current}},
@@ -34,9 +34,9 @@ Probe MakeProbe(Probe probe, double current, const Numbers& special) {
   return probe;
 }
 
-Sensor Platinum(double ohms) { return {ESensor::kPlatinum, ohms}; }
-Sensor Thermistor(double ohms) { return {ESensor::kThermistor, ohms}; }
-Sensor Resistor(double ohms) { return {ESensor::kResistor, ohms}; }
+Sensor Platinum(double ohms) { return {ESensor::PLATINUM, ohms}; }
+Sensor Thermistor(double ohms) { return {ESensor::THERMISTOR, ohms}; }
+Sensor Resistor(double ohms) { return {ESensor::RESISTOR, ohms}; }
 
 Probe Its90(std::string serial, double ohms, std::size_t reference, std::int32_t low,
             std::int32_t high) {

@@ -54,13 +54,13 @@ CReadout::CReadout(ReadoutOptions options, Clock clock)
 std::optional<std::string> CReadout::Answer(std::string_view command) {
   if (command == protocol::kPasscodeCommand) return Reply(options_.passcode).Body();
   const auto parsed = protocol::ParseCommand(command);
-  if (!parsed) return Reply(ERefusal::kUnknownCommand).Body();
+  if (!parsed) return Reply(ERefusal::UNKNOWN_COMMAND).Body();
   const ECommand id = parsed->row->id;
   if (id == READ_SCANNER_MODULES || id == READ_CHANNEL_COUNT) {
-    if (IsOldFirmware()) return Reply(ERefusal::kUnknownCommand).Body();
+    if (IsOldFirmware()) return Reply(ERefusal::UNKNOWN_COMMAND).Body();
   } else if (!options_.scanner && parsed->row->text.starts_with("SCANNER:")) {
     if (IsOldFirmware()) return std::nullopt;
-    return Reply(ERefusal::kNoScanner).Body();
+    return Reply(ERefusal::NO_SCANNER).Body();
   }
   return Dispatch(*parsed).Body();
 }
@@ -104,7 +104,7 @@ Reply CReadout::Dispatch(const protocol::ParsedCommand& command) {
   const CommandParams& fields = command.fields;
   if (command.row->id == WRITE_CHANNEL_MODE && !options_.scanner &&
       WholeWithin(fields.value, kFirstScannerMode, kLastScannerMode)) {
-    return ERefusal::kNoScanner;
+    return ERefusal::NO_SCANNER;
   }
   // The samples up to now keep the interval that they were taken with.
   const std::int64_t sample = Sample();
@@ -115,7 +115,7 @@ Reply CReadout::Dispatch(const protocol::ParsedCommand& command) {
   }
   if (auto reply = AnswerProbeCommand(command, probes_)) return *std::move(reply);
   const auto* handler = std::ranges::find(kHandlers, command.row->id, &Handler::id);
-  if (handler == std::end(kHandlers)) return ERefusal::kUnknownCommand;
+  if (handler == std::end(kHandlers)) return ERefusal::UNKNOWN_COMMAND;
   return (this->*handler->answer)(fields);
 }
 
@@ -131,12 +131,12 @@ Reply CReadout::StopMeasure(const CommandParams&) {
 
 Reply CReadout::ReadMeasurement(const CommandParams& fields) {
   const auto channel = WholeWithin(fields.Channel, 1, kInputs);
-  return channel ? Reading(*channel) : ERefusal::kOutOfRange;
+  return channel ? Reading(*channel) : ERefusal::OUT_OF_RANGE;
 }
 
 Reply CReadout::ReadScannerMeasurement(const CommandParams& fields) {
   const auto channel = WholeWithin(fields.Channel, 1, kScannerChannels);
-  return channel ? Reading(kInputs + *channel) : ERefusal::kOutOfRange;
+  return channel ? Reading(kInputs + *channel) : ERefusal::OUT_OF_RANGE;
 }
 
 Reply CReadout::ReadNewData(const CommandParams&) {
@@ -153,7 +153,7 @@ Reply CReadout::ReadChannelCount(const CommandParams&) {
 
 Reply CReadout::ReadScanStep(const CommandParams& fields) {
   const auto step = WholeWithin(fields.Index, 1, kMaxScanSteps);
-  if (!step) return ERefusal::kOutOfRange;
+  if (!step) return ERefusal::OUT_OF_RANGE;
   const auto& channel = scan_steps_[static_cast<std::size_t>(*step - 1)];
   return channel ? std::to_string(*channel) : std::string();
 }
@@ -161,7 +161,7 @@ Reply CReadout::ReadScanStep(const CommandParams& fields) {
 Reply CReadout::WriteScanStep(const CommandParams& fields) {
   const auto step = WholeWithin(fields.Index, 1, kMaxScanSteps);
   const auto channel = WholeWithin(fields.Channel, 0, kScannerChannels);
-  if (!step || !channel) return ERefusal::kOutOfRange;
+  if (!step || !channel) return ERefusal::OUT_OF_RANGE;
   scan_steps_[static_cast<std::size_t>(*step - 1)] = channel;
   return Reply::Done();
 }
@@ -183,17 +183,15 @@ Reply CReadout::WriteScannerProbe(const CommandParams& fields) {
 }
 
 Reply CReadout::ReadHistoryLog(const CommandParams& fields) {
-  return ReadLog(ELog::kHistory, fields);
+  return ReadLog(ELog::HISTORY, fields);
 }
 
-Reply CReadout::ReadMemoryLog(const CommandParams& fields) {
-  return ReadLog(ELog::kMemory, fields);
-}
+Reply CReadout::ReadMemoryLog(const CommandParams& fields) { return ReadLog(ELog::MEMORY, fields); }
 
 Reply CReadout::WriteDate(const CommandParams& fields) {
   if (fields.value.empty()) return Reply::Done();
   const auto date = ParseDate(fields.value);
-  if (!date) return ERefusal::kNotADateOrTime;
+  if (!date) return ERefusal::NOT_A_DATE_OR_TIME;
   const auto now = ClockTime();
   SetClockTime(*date + (now - std::chrono::floor<std::chrono::days>(now)));
   return Reply::Done();
@@ -202,7 +200,7 @@ Reply CReadout::WriteDate(const CommandParams& fields) {
 Reply CReadout::WriteTime(const CommandParams& fields) {
   if (fields.value.empty()) return Reply::Done();
   const auto time = ParseTimeOfDay(fields.value);
-  if (!time) return ERefusal::kNotADateOrTime;
+  if (!time) return ERefusal::NOT_A_DATE_OR_TIME;
   SetClockTime(std::chrono::floor<std::chrono::days>(ClockTime()) + *time);
   return Reply::Done();
 }
@@ -215,21 +213,21 @@ Reply CReadout::Reading(std::int32_t channel) {
   const double ohms = SensorResistance(probe.sensor, celsius);
   double value = celsius;
   switch (settings_.Units()) {
-    case EUnits::kCelsius:
+    case EUnits::CELSIUS:
       break;
-    case EUnits::kFahrenheit:
+    case EUnits::FAHRENHEIT:
       value = celsius * 1.8 + 32;
       break;
-    case EUnits::kKelvin:
+    case EUnits::KELVIN:
       value = celsius + 273.15;
       break;
-    case EUnits::kOhms:
+    case EUnits::OHMS:
       value = ohms;
       break;
-    case EUnits::kRatio:
+    case EUnits::RATIO:
       value = ohms / settings_.ReferenceOhms(probe.reference);
       break;
-    case EUnits::kW:
+    case EUnits::W:
       constexpr double kTriplePoint = 0.01;
       value = ohms / SensorResistance(probe.sensor, kTriplePoint);
       break;
@@ -239,22 +237,22 @@ Reply CReadout::Reading(std::int32_t channel) {
 
 Reply CReadout::ReadProbeOf(std::int32_t first, std::int32_t count, const CommandParams& fields) {
   const auto channel = WholeWithin(fields.Channel, 1, count);
-  if (!channel) return ERefusal::kOutOfRange;
+  if (!channel) return ERefusal::OUT_OF_RANGE;
   return std::to_string(probe_of_channel_[static_cast<std::size_t>(first + *channel - 1)]);
 }
 
 Reply CReadout::WriteProbeOf(std::int32_t first, std::int32_t count, const CommandParams& fields) {
   const auto channel = WholeWithin(fields.Channel, 1, count);
   const auto probe = ParseProbeNumber(fields.Probe);
-  if (!channel || !probe) return ERefusal::kOutOfRange;
+  if (!channel || !probe) return ERefusal::OUT_OF_RANGE;
   probe_of_channel_[static_cast<std::size_t>(first + *channel - 1)] = *probe;
   return Reply::Done();
 }
 
 Reply CReadout::ReadLog(ELog log, const CommandParams& fields) const {
   const auto index = ParseWhole(fields.Index);
-  if (!index) return ERefusal::kNotANumber;
-  if (*index < 1) return ERefusal::kOutOfRange;
+  if (!index) return ERefusal::NOT_A_NUMBER;
+  if (*index < 1) return ERefusal::OUT_OF_RANGE;
   return LogLine(log, *index, options_.seed);
 }
 

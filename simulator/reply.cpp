@@ -6,25 +6,25 @@ namespace vane::simulator {
 
 std::string_view RefusalText(ERefusal refusal) {
   switch (refusal) {
-    case ERefusal::kUnknownCommand:
+    case ERefusal::UNKNOWN_COMMAND:
       return "unknown command";
-    case ERefusal::kNotANumber:
+    case ERefusal::NOT_A_NUMBER:
       return "not a number";
-    case ERefusal::kOutOfRange:
+    case ERefusal::OUT_OF_RANGE:
       return "out of range";
-    case ERefusal::kNoScanner:
+    case ERefusal::NO_SCANNER:
       return "no scanner attached";
-    case ERefusal::kUnknownCode:
+    case ERefusal::UNKNOWN_CODE:
       return "unknown code";
-    case ERefusal::kNotARangeOfProbe:
+    case ERefusal::NOT_A_RANGE_OF_PROBE:
       return "not a range of this probe";
-    case ERefusal::kTextTooLong:
+    case ERefusal::TEXT_TOO_LONG:
       return "text too long";
-    case ERefusal::kNotADateOrTime:
+    case ERefusal::NOT_A_DATE_OR_TIME:
       return "not a date or time";
-    case ERefusal::kNotASerialNumber:
+    case ERefusal::NOT_A_SERIAL_NUMBER:
       return "not a serial number";
-    case ERefusal::kBusy:
+    case ERefusal::BUSY:
       return "busy";
   }
   return "refused";

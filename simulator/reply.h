@@ -22,16 +22,16 @@ namespace vane::simulator {
 ///   9  not a serial number       it holds a comma, or is nothing but blanks
 ///  20  busy                      comes from a planned fault alone
 enum class ERefusal : std::int32_t {
-  kUnknownCommand = 1,
-  kNotANumber = 2,
-  kOutOfRange = 3,
-  kNoScanner = 4,
-  kUnknownCode = 5,
-  kNotARangeOfProbe = 6,
-  kTextTooLong = 7,
-  kNotADateOrTime = 8,
-  kNotASerialNumber = 9,
-  kBusy = 20,
+  UNKNOWN_COMMAND = 1,
+  NOT_A_NUMBER = 2,
+  OUT_OF_RANGE = 3,
+  NO_SCANNER = 4,
+  UNKNOWN_CODE = 5,
+  NOT_A_RANGE_OF_PROBE = 6,
+  TEXT_TOO_LONG = 7,
+  NOT_A_DATE_OR_TIME = 8,
+  NOT_A_SERIAL_NUMBER = 9,
+  BUSY = 20,
 };
 
 std::string_view RefusalText(ERefusal refusal);

@@ -312,20 +312,20 @@ TEST_F(Terminal, QuestionAsksUntilItIsAnswered) {
   const std::string head = "Corvane: Question\nWrite?\n";
   const std::string again = "Please answer yes or no: ";
   Type("\nmaybe\n Yes \nn\n");
-  EXPECT_EQ(ask(platform), EBoxButton::kYes);
-  EXPECT_EQ(ask(platform), EBoxButton::kNo);
+  EXPECT_EQ(ask(platform), EBoxButton::YES);
+  EXPECT_EQ(ask(platform), EBoxButton::NO);
   EXPECT_EQ(Screen(), head + "Yes or no? " + again + again + head + "Yes or no? ");
   Type("\x04");
-  EXPECT_EQ(ask(platform), EBoxButton::kNo);
+  EXPECT_EQ(ask(platform), EBoxButton::NO);
   EXPECT_THAT(Screen(), EndsWith("\nNo: the input has ended.\n"));
   std::jthread later([] {
     std::this_thread::sleep_for(30ms);
     kill(getpid(), SIGINT);
   });
-  EXPECT_EQ(ask(platform), EBoxButton::kNo);
+  EXPECT_EQ(ask(platform), EBoxButton::NO);
   EXPECT_THAT(Screen(), EndsWith("\nNo: interrupted.\n"));
   CTerminalPlatform piped(interrupts, line[0], line[1]);
-  EXPECT_EQ(ask(piped), EBoxButton::kNo);
+  EXPECT_EQ(ask(piped), EBoxButton::NO);
   EXPECT_EQ(Piped(), head + "No: there is no terminal to ask on.\n");
 }
 

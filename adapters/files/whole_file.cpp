@@ -33,11 +33,11 @@ std::string ReadWholeFile(const std::filesystem::path& path, std::size_t limit,
   for (;;) {
     std::size_t count = 0;
     switch (input.Read(block.data(), block.size(), count)) {
-      case EArrival::kEnd:
+      case EArrival::END:
         return text;
-      case EArrival::kInterrupted:
+      case EArrival::INTERRUPTED:
         RaiseFileError("interrupted", "Cannot read", NameOfInput(path));
-      case EArrival::kBytes:
+      case EArrival::BYTES:
         text.append(block, 0, count);
     }
     if (text.size() > limit) {

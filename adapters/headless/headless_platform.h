@@ -21,7 +21,7 @@ struct HeadlessMessage {
 class CHeadlessPlatform : public CMachinePlatform {
  public:
   /// `answer` is what every question gets.
-  explicit CHeadlessPlatform(EBoxButton answer = EBoxButton::kNo) : answer_(answer) {}
+  explicit CHeadlessPlatform(EBoxButton answer = EBoxButton::NO) : answer_(answer) {}
 
   /// What the library had to say, oldest first, and forgets it. A host that never takes its
   /// messages keeps them all.

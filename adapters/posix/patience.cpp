@@ -85,7 +85,7 @@ CPatientInput::CPatientInput(const std::filesystem::path& path, Patience patienc
 EArrival CPatientInput::Read(char* buffer, std::size_t size, std::size_t& count) {
   const Clock::time_point start = Clock::now();
   for (;;) {
-    if (IsInterrupted(patience_)) return EArrival::kInterrupted;
+    if (IsInterrupted(patience_)) return EArrival::INTERRUPTED;
     const bool isready = WaitFor(fd_, POLLIN);
     // What others share may be in blocking mode; an own pipe tells by this whether it has a writer.
     if (isready || owned_.IsOpen()) {
@@ -93,9 +93,9 @@ EArrival CPatientInput::Read(char* buffer, std::size_t size, std::size_t& count)
       if (got > 0) {
         met_ = true;
         count = static_cast<std::size_t>(got);
-        return EArrival::kBytes;
+        return EArrival::BYTES;
       }
-      if (got == 0 && (isready || met_)) return EArrival::kEnd;
+      if (got == 0 && (isready || met_)) return EArrival::END;
       if (got < 0 && errno == EAGAIN) met_ = true;
       if (got < 0 && errno != EAGAIN && errno != EINTR) RaiseFileError(errno, kCannotRead, name_);
     }

@@ -22,9 +22,9 @@ struct Patience {
 };
 
 enum class EArrival {
-  kBytes,
-  kEnd,
-  kInterrupted,  ///< `Patience::interrupted` has given true
+  BYTES,
+  END,
+  INTERRUPTED,  ///< `Patience::interrupted` has given true
 };
 
 class CPatientInput {

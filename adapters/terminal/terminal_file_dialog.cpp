@@ -47,13 +47,13 @@ std::string CTerminalFileDialog::Ask(const std::string& question) {
   Say(question);
   std::string line;
   switch (ReadLine(interrupts_, input_, line)) {
-    case ELineEnd::kInterrupted:
+    case ELineEnd::INTERRUPTED:
       Say("\n");
       Cancel("interrupted.");
-    case ELineEnd::kEndOfInput:
+    case ELineEnd::END_OF_INPUT:
       Say("\n");
       Cancel("the input has ended.");
-    case ELineEnd::kLine:
+    case ELineEnd::LINE:
       break;
   }
   return Trimmed(line);

@@ -100,7 +100,7 @@ void CTerminalForm::RunModal(ui::CWindow*) {
     if (!CanAsk(input_, output_)) return ClickDefault();
     WriteToTerminal(output_, Question());
     std::string line;
-    if (ReadLine(interrupts_, input_, line) != ELineEnd::kLine) {
+    if (ReadLine(interrupts_, input_, line) != ELineEnd::LINE) {
       WriteToTerminal(output_, "\n");
       return ClickDefault();
     }

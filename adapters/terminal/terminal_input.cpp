@@ -14,7 +14,7 @@ ELineEnd ReadLine(CInterrupts& interrupts, int input, std::string& line) {
     return end;
   };
   for (;;) {
-    if (interrupts.Pending()) return drop(ELineEnd::kInterrupted);
+    if (interrupts.Pending()) return drop(ELineEnd::INTERRUPTED);
     pollfd waiting[] = {{input, POLLIN, 0}, {interrupts.Descriptor(), POLLIN, 0}};
     if (::poll(waiting, 2, -1) < 0 || !waiting[0].revents) continue;
 
@@ -22,8 +22,8 @@ ELineEnd ReadLine(CInterrupts& interrupts, int input, std::string& line) {
     char c = 0;
     const ssize_t size = ::read(input, &c, 1);
     if (size < 0 && errno == EINTR) continue;
-    if (size <= 0) return drop(ELineEnd::kEndOfInput);
-    if (c == '\n') return ELineEnd::kLine;
+    if (size <= 0) return drop(ELineEnd::END_OF_INPUT);
+    if (c == '\n') return ELineEnd::LINE;
     line += c;
   }
 }

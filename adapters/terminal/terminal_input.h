@@ -8,9 +8,9 @@
 namespace vane {
 
 enum class ELineEnd {
-  kLine,         ///< the user has ended a line
-  kEndOfInput,   ///< there is no more input
-  kInterrupted,  ///< an interrupt is pending, and stays so
+  LINE,          ///< the user has ended a line
+  END_OF_INPUT,  ///< there is no more input
+  INTERRUPTED,   ///< an interrupt is pending, and stays so
 };
 
 /// Waits for one line on `input`; `line` gets it without its end, and is empty when no line came.

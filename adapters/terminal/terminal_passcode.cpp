@@ -74,11 +74,11 @@ EEnd ReadSecret(CPatientInput& input, CSecretLine& line) {
     char c = 0;
     std::size_t count = 0;
     switch (input.Read(&c, 1, count)) {
-      case EArrival::kInterrupted:
+      case EArrival::INTERRUPTED:
         return EEnd::INTERRUPT;
-      case EArrival::kEnd:
+      case EArrival::END:
         return EEnd::INPUT;
-      case EArrival::kBytes:
+      case EArrival::BYTES:
         break;
     }
     if (c == '\n') return EEnd::LINE;

@@ -47,13 +47,13 @@ EBoxButton CTerminalPlatform::MessageBox(const std::string& text, const std::str
   // A box may come up while a progress line stands on the screen.
   ClearOpenLine(output_);
   WriteToTerminal(output_, BoxText(text, title, flags, helpfile, helpcontext));
-  return flags & kBoxYesNo ? Ask() : EBoxButton::kOk;
+  return flags & kBoxYesNo ? Ask() : EBoxButton::OK;
 }
 
 EBoxButton CTerminalPlatform::Ask() {
   const auto no = [this](std::string_view why) {
     WriteToTerminal(output_, why);
-    return EBoxButton::kNo;
+    return EBoxButton::NO;
   };
   if (!CanAsk(input_, output_)) return no("No: there is no terminal to ask on.\n");
 
@@ -61,16 +61,16 @@ EBoxButton CTerminalPlatform::Ask() {
   for (;;) {
     std::string line;
     switch (ReadLine(interrupts_, input_, line)) {
-      case ELineEnd::kInterrupted:
+      case ELineEnd::INTERRUPTED:
         return no("\nNo: interrupted.\n");
-      case ELineEnd::kEndOfInput:
+      case ELineEnd::END_OF_INPUT:
         return no("\nNo: the input has ended.\n");
-      case ELineEnd::kLine:
+      case ELineEnd::LINE:
         break;
     }
     const std::string word = AnswerWord(line);
-    if (word == "y" || word == "yes") return EBoxButton::kYes;
-    if (word == "n" || word == "no") return EBoxButton::kNo;
+    if (word == "y" || word == "yes") return EBoxButton::YES;
+    if (word == "n" || word == "no") return EBoxButton::NO;
     WriteToTerminal(output_, "Please answer yes or no: ");
   }
 }

@@ -26,7 +26,7 @@ std::optional<std::string> ChoosePrinter(CInterrupts& interrupts,
   for (;;) {
     say("Printer (none: don't print): ");
     std::string answer;
-    if (ReadLine(interrupts, input, answer) != ELineEnd::kLine) say("\n");
+    if (ReadLine(interrupts, input, answer) != ELineEnd::LINE) say("\n");
     // Names that differ in the case of their letters alone are told apart.
     if (std::ranges::find(printers, Trimmed(answer)) != printers.end()) return Trimmed(answer);
     const std::string word = AnswerWord(answer);

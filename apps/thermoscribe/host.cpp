@@ -34,7 +34,7 @@ EBoxButton CHostPlatform::MessageBox(const std::string& text, const std::string&
                                      std::int32_t helpcontext) {
   if ((flags & kBoxYesNo) != 0) {
     return notices_.IsSilent()
-               ? EBoxButton::kNo
+               ? EBoxButton::NO
                : CTerminalPlatform::MessageBox(text, title, flags, helpfile, helpcontext);
   }
   ++boxes_;
@@ -44,7 +44,7 @@ EBoxButton CHostPlatform::MessageBox(const std::string& text, const std::string&
   std::ranges::replace(lines, '\r', '\n');
   notices_.TellBox(BoxText(text, title, flags, helpfile, helpcontext), lines, error.Number(),
                    error.Source());
-  return EBoxButton::kOk;
+  return EBoxButton::OK;
 }
 
 void CHostPlatform::RunMessageQueue(std::uint32_t longestwait) {

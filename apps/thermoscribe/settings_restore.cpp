@@ -92,7 +92,7 @@ EExitCode CRestore::AskUser() const {
       "Write these " + std::to_string(wanted_.size()) + " values of the file into the readout?";
   const EBoxButton answer = InstalledComponents().platform.MessageBox(
       question, kCompanyName, kBoxQuestion + kBoxYesNo, {}, 0);
-  if (answer == EBoxButton::kYes) return EExitCode::DONE;
+  if (answer == EBoxButton::YES) return EExitCode::DONE;
   host_.Say("Nothing was written.");
   return EExitCode::ABORTED;
 }

@@ -156,7 +156,7 @@ EBoxButton CRecordingPlatform::MessageBox(const std::string& text, const std::st
   std::string line = "box " + std::to_string(flags) + " " + title + ": " + OneLine(text);
   if (!helpfile.empty()) line += " help=" + helpfile + "#" + std::to_string(helpcontext);
   log_.Add(line);
-  return EBoxButton::kOk;
+  return EBoxButton::OK;
 }
 
 void CRecordingPlatform::RunMessageQueue(std::uint32_t longestwait) {

@@ -22,7 +22,7 @@ inline constexpr std::int32_t kBoxYesNo = 4;
 inline constexpr std::int32_t kBoxHelpButton = 16384;
 
 /// What the user pressed. A box without buttons of its own has OK.
-enum class EBoxButton : std::int32_t { kOk = 1, kYes = 6, kNo = 7 };
+enum class EBoxButton : std::int32_t { OK = 1, YES = 6, NO = 7 };
 
 class CPlatform {
  public:
