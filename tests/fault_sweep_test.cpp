@@ -296,7 +296,7 @@ TEST_F(FaultSweep, EveryFaultGivesTheRightAnswerOrAnErrorAndNoStrayValue) {
       "drop",         "late=0.08",   "delay=0.002", "split=0.002",       "garble",
       "refuse",       "hangup=0.01", "identify",    "answer=ERROR",      "answer=12.3.4",
       "answer=1e400", "answer=-0x5", "overlong",    "refuse=-2147220220"};
-  const std::uint64_t stride = FromEnvironment("FAULT_SWEEP_STRIDE", 97);
+  const std::uint64_t stride = FromEnvironment("FAULT_SWEEP_STRIDE", 149);
   std::uint64_t turn = 0;
   for (const Job& job : Jobs()) {
     int right = 0;
