@@ -12,11 +12,13 @@
 #include <cstdio>
 #include <cstdlib>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <system_error>
 
 #include "protocol/framing.h"
+#include "protocol/line_buffer.h"
 
 namespace vane::bench {
 namespace {
@@ -58,19 +60,13 @@ void Answer(int line, std::string_view text) {
 }
 
 [[noreturn]] void Serve(int line) {
-  std::array<char, 4096> bytes;
-  std::string text;
+  protocol::CLineBuffer lines;
   for (;;) {
-    const ssize_t count = read(line, bytes.data(), bytes.size());
+    while (const auto received = lines.NextLine()) Answer(line, received->text);
+    const std::span<char> room = lines.Free();
+    const ssize_t count = read(line, room.data(), room.size());
     if (count <= 0) _exit(0);
-    for (const char c : std::string_view(bytes.data(), static_cast<std::size_t>(count))) {
-      if (c == '\r' || c == '\n') {
-        Answer(line, text);
-        text.clear();
-      } else {
-        text += c;
-      }
-    }
+    lines.Filled(static_cast<std::size_t>(count));
   }
 }
 

@@ -8,6 +8,7 @@
 #include <array>
 #include <cerrno>
 #include <ctime>
+#include <span>
 #include <stdexcept>
 #include <system_error>
 #include <utility>
@@ -83,7 +84,7 @@ void CSimulatedLine::OpenDevice() {
 void CSimulatedLine::HangUp(double seconds) {
   link_.Remove();
   terminal_ = CPseudoTerminal();
-  line_.clear();
+  lines_.Clear();
   answers_.Clear();
   reopen_at_ = Now() + Seconds(seconds);
 }
@@ -115,27 +116,22 @@ void CSimulatedLine::Serve() {
   }
 }
 
-// Takes what has come in apart at CR and LF; what follows the last of them stays for later.
 void CSimulatedLine::ReadCommands() {
-  std::array<char, 4096> buffer;
-  std::string_view bytes(buffer.data(), terminal_.Read(buffer.data(), buffer.size()));
-  while (!bytes.empty() && terminal_.Get() >= 0) {
-    const std::size_t end = bytes.find_first_of("\r\n");
-    // One byte more than a line may have shows that it was too long.
-    const std::size_t room = protocol::kMaxLineLength + 1 - line_.size();
-    line_ += bytes.substr(0, std::min(end, room));
-    if (end == bytes.npos) return;
-    bytes.remove_prefix(end + 1);
-    const std::string line = std::exchange(line_, {});
-    if (!line.empty()) TakeLine(line);
+  const std::span<char> room = lines_.Free();
+  lines_.Filled(terminal_.Read(room.data(), room.size()));
+  while (terminal_.Get() >= 0) {
+    const auto line = lines_.NextLine();
+    if (!line) return;
+    TakeLine(*line);
   }
 }
 
-void CSimulatedLine::TakeLine(std::string_view line) {
+void CSimulatedLine::TakeLine(const protocol::ReceivedLine& received) {
+  const std::string_view line = received.text;
   // A line without a tag comes from somebody at a terminal program and is answered likewise.
   const bool tagged = line.front() == '#';
   const auto framed = protocol::ParseLine(line);
-  if (line.size() > protocol::kMaxLineLength || (tagged && !framed)) {
+  if (received.overlong || (tagged && !framed)) {
     ++ignored_lines_;
     return;
   }

@@ -14,6 +14,7 @@
 #include <string_view>
 #include <thread>
 
+#include "protocol/line_buffer.h"
 #include "simulator/answer_queue.h"
 #include "simulator/fault_plan.h"
 #include "simulator/options.h"
@@ -59,7 +60,7 @@ class CSimulatedLine {
   void Reopen();
   void Serve();
   void ReadCommands();
-  void TakeLine(std::string_view line);
+  void TakeLine(const protocol::ReceivedLine& received);
 
   const Options options_;
   const CFaultPlan faults_;
@@ -72,7 +73,7 @@ class CSimulatedLine {
   CFile stop_read_;
   CFile stop_write_;
   std::optional<Moment> reopen_at_;
-  std::string line_;
+  protocol::CLineBuffer lines_;
   std::uint64_t writes_ = 0;  // among the exchanges
   std::atomic<std::uint64_t> exchanges_ = 0;
   std::atomic<std::uint64_t> ignored_lines_ = 0;

@@ -257,7 +257,7 @@ CSerialCommunications::EOutcome CSerialCommunications::Try(const Command& comman
 }
 
 // SILENT for a line that belongs to an earlier sending.
-CSerialCommunications::EOutcome CSerialCommunications::Judge(const ReceivedLine& line,
+CSerialCommunications::EOutcome CSerialCommunications::Judge(const protocol::ReceivedLine& line,
                                                              const Command& command,
                                                              std::string& reply) {
   const auto frame = line.overlong ? std::nullopt : FindFrame(line.text);

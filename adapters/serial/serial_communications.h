@@ -14,9 +14,9 @@
 #include <string_view>
 
 #include "adapters/serial/com_port.h"
-#include "adapters/serial/line_buffer.h"
 #include "adapters/serial/line_trace.h"
 #include "adapters/serial/serial_port.h"
+#include "protocol/line_buffer.h"
 #include "protocol/reply_form.h"
 #include "vane/components/communications.h"
 
@@ -98,7 +98,7 @@ class CSerialCommunications final : public CVaneCommunications {
   void Open();
   std::string DevicePath() const;
   EOutcome Try(const Command& command, std::string& reply);
-  EOutcome Judge(const ReceivedLine& line, const Command& command, std::string& reply);
+  EOutcome Judge(const protocol::ReceivedLine& line, const Command& command, std::string& reply);
   EOutcome TakeAnswer(std::string_view body, const Command& command, std::string& reply);
   std::int32_t Tries() const;
   void Trace(ETraceMark mark, std::string_view text) const;
@@ -114,7 +114,7 @@ class CSerialCommunications final : public CVaneCommunications {
   std::int32_t instrumentkind_;
   const BaudRateRow* rate_ = nullptr;  // of the port that was opened last
   std::string device_;                 // what messages call it
-  CLineBuffer buffer_;
+  protocol::CLineBuffer buffer_;
   std::string unexpected_;       // as messages show it: the last answer of another form
   std::uint16_t tag_;            // of the last sending
   bool secretsoutside_ = false;  // a secret answer may still come in late

@@ -1,8 +1,8 @@
-#include "adapters/serial/line_buffer.h"
+#include "protocol/line_buffer.h"
 
 #include <cstring>
 
-namespace vane {
+namespace vane::protocol {
 
 std::optional<ReceivedLine> CLineBuffer::NextLine() {
   while (scan_ < end_) {
@@ -14,7 +14,7 @@ std::optional<ReceivedLine> CLineBuffer::NextLine() {
       continue;
     }
     const std::string_view text(bytes_.data() + begin_, scan_ - begin_ - (isend ? 1 : 0));
-    if (!isend && text.size() <= protocol::kMaxLineLength) continue;
+    if (!isend && text.size() <= kMaxLineLength) continue;
     begin_ = scan_;
     discarding_ = !isend;
     if (!text.empty()) return ReceivedLine{text, !isend};
@@ -35,4 +35,4 @@ void CLineBuffer::Clear() {
   discarding_ = false;
 }
 
-}  // namespace vane
+}  // namespace vane::protocol

@@ -1,4 +1,4 @@
-// Cuts what a line sends, in pieces of any size, into lines.
+// Cuts what comes over the line, in pieces of any size, into lines. Both ends use it.
 #pragma once
 
 #include <array>
@@ -9,7 +9,7 @@
 
 #include "protocol/framing.h"
 
-namespace vane {
+namespace vane::protocol {
 
 struct ReceivedLine {
   std::string_view text;  ///< refers into the buffer
@@ -32,11 +32,11 @@ class CLineBuffer {
   void Clear();
 
  private:
-  std::array<char, 2 * protocol::kMaxLineLength> bytes_;
+  std::array<char, 2 * kMaxLineLength> bytes_;
   std::size_t begin_ = 0;  // of the line that isn't complete
   std::size_t scan_ = 0;   // no line end before this
   std::size_t end_ = 0;
   bool discarding_ = false;  // inside the rest of an overlong line
 };
 
-}  // namespace vane
+}  // namespace vane::protocol
