@@ -53,6 +53,7 @@ std::string CTerminalFileDialog::Ask(const std::string& question) {
     case ELineEnd::END_OF_INPUT:
       Say("\n");
       Cancel("the input has ended.");
+    case ELineEnd::OVERLONG:
     case ELineEnd::LINE:
       break;
   }

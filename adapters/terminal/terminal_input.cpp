@@ -1,31 +1,45 @@
 #include "adapters/terminal/terminal_input.h"
 
-#include <poll.h>
 #include <unistd.h>
 
-#include <cerrno>
+#include <exception>
+#include <utility>
 
 namespace vane {
 
-ELineEnd ReadLine(CInterrupts& interrupts, int input, std::string& line) {
-  line.clear();
-  const auto drop = [&line](ELineEnd end) {
-    line.clear();
-    return end;
-  };
+ELineEnd ReadLine(CPatientInput& input, const std::function<bool(char)>& add) {
   for (;;) {
-    if (interrupts.Pending()) return drop(ELineEnd::INTERRUPTED);
-    pollfd waiting[] = {{input, POLLIN, 0}, {interrupts.Descriptor(), POLLIN, 0}};
-    if (::poll(waiting, 2, -1) < 0 || !waiting[0].revents) continue;
-
     // One character at a time: a block would take away what the next reader is to get.
     char c = 0;
-    const ssize_t size = ::read(input, &c, 1);
-    if (size < 0 && errno == EINTR) continue;
-    if (size <= 0) return drop(ELineEnd::END_OF_INPUT);
+    std::size_t count = 0;
+    switch (input.Read(&c, 1, count)) {
+      case EArrival::INTERRUPTED:
+        return ELineEnd::INTERRUPTED;
+      case EArrival::END:
+        return ELineEnd::END_OF_INPUT;
+      case EArrival::BYTES:
+        break;
+    }
     if (c == '\n') return ELineEnd::LINE;
-    line += c;
+    if (!add(c)) return ELineEnd::OVERLONG;
   }
+}
+
+ELineEnd ReadLine(CInterrupts& interrupts, int input, std::string& line) {
+  line.clear();
+  Patience patience;
+  patience.interrupted = [&interrupts] { return interrupts.Pending(); };
+  ELineEnd end = ELineEnd::END_OF_INPUT;
+  try {
+    CPatientInput terminal(input, "the terminal", std::move(patience));
+    end = ReadLine(terminal, [&line](char c) {
+      line += c;
+      return true;
+    });
+  } catch (const std::exception&) {
+  }
+  if (end != ELineEnd::LINE) line.clear();
+  return end;
 }
 
 bool CanAsk(int input, int output) { return ::isatty(input) && ::isatty(output); }

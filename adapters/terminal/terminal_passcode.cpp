@@ -12,6 +12,7 @@
 #include <system_error>
 #include <utility>
 
+#include "adapters/terminal/terminal_input.h"
 #include "adapters/terminal/terminal_output.h"
 
 namespace vane {
@@ -65,25 +66,8 @@ class CHiddenTyping {
   termios former_{};
 };
 
-enum class EEnd { LINE, INPUT, INTERRUPT, OVERLONG };
-
-// The first line of the input. One character at a time, so that what follows the line stays for
-// whoever reads next.
-EEnd ReadSecret(CPatientInput& input, CSecretLine& line) {
-  for (;;) {
-    char c = 0;
-    std::size_t count = 0;
-    switch (input.Read(&c, 1, count)) {
-      case EArrival::INTERRUPTED:
-        return EEnd::INTERRUPT;
-      case EArrival::END:
-        return EEnd::INPUT;
-      case EArrival::BYTES:
-        break;
-    }
-    if (c == '\n') return EEnd::LINE;
-    if (!line.Add(c)) return EEnd::OVERLONG;
-  }
+ELineEnd ReadSecret(CPatientInput& input, CSecretLine& line) {
+  return ReadLine(input, [&line](char c) { return line.Add(c); });
 }
 
 CPatientInput Open(const std::string& source, Patience patience) {
@@ -122,7 +106,7 @@ bool CTerminalPasscodeDialog::AskOnTerminal(std::string& entered) {
   ClearOpenLine(output_);
   if (!::isatty(input_) || !::isatty(output_)) return Cancel("there is no terminal to ask on");
   CSecretLine line;
-  EEnd end = EEnd::INTERRUPT;
+  ELineEnd end = ELineEnd::INTERRUPTED;
   {
     const CHiddenTyping hidden(input_);
     WriteToTerminal(output_, "Passcode (not shown; empty to give up): ");
@@ -130,9 +114,9 @@ bool CTerminalPasscodeDialog::AskOnTerminal(std::string& entered) {
     end = ReadSecret(input, line);
     WriteToTerminal(output_, "\n");
   }
-  if (end == EEnd::INTERRUPT) return Cancel("interrupted");
-  if (end == EEnd::INPUT) return Cancel("the input has ended");
-  if (end == EEnd::OVERLONG) return Cancel("the line is too long for one");
+  if (end == ELineEnd::INTERRUPTED) return Cancel("interrupted");
+  if (end == ELineEnd::END_OF_INPUT) return Cancel("the input has ended");
+  if (end == ELineEnd::OVERLONG) return Cancel("the line is too long for one");
   if (line.Text().empty()) return Cancel("none was typed");
   entered = line.Text();
   return true;
@@ -142,9 +126,9 @@ bool CTerminalPasscodeDialog::TakeFromSource(std::string& entered) {
   if (std::exchange(sourceused_, true)) return Cancel("a passcode file is read only once");
   CPatientInput input = Open(source_, patience_);
   CSecretLine line;
-  const EEnd end = ReadSecret(input, line);
-  if (end == EEnd::INTERRUPT) return Cancel("interrupted");
-  if (end == EEnd::OVERLONG) return Cancel("the first line of the passcode file is too long");
+  const ELineEnd end = ReadSecret(input, line);
+  if (end == ELineEnd::INTERRUPTED) return Cancel("interrupted");
+  if (end == ELineEnd::OVERLONG) return Cancel("the first line of the passcode file is too long");
   std::string_view text = line.Text();
   if (text.ends_with('\r')) text.remove_suffix(1);
   if (text.empty()) return Cancel("the first line of the passcode file is empty");

@@ -65,6 +65,7 @@ EBoxButton CTerminalPlatform::Ask() {
         return no("\nNo: interrupted.\n");
       case ELineEnd::END_OF_INPUT:
         return no("\nNo: the input has ended.\n");
+      case ELineEnd::OVERLONG:
       case ELineEnd::LINE:
         break;
     }
