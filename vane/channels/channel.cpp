@@ -16,9 +16,9 @@ CVaneT312BPRTTHRMChannel::CVaneT312BPRTTHRMChannel(const Components& components)
     : components_(components) {
   Labelled(kChannelClass, "Class_Initialize", [&] {
     SetEnabled(true);
-    SetProbe(components.factory.MakeProbe());
+    probe_ = components.factory.MakeProbe();
     probe_->SetHelpFile(LibraryHelpFile());
-    InitializeProbe();
+    probe_->SetInputKind(kResistanceInput);
     // Both differ from the zero that the fields start with, so a new channel counts as changed.
     SetProbeIndex(-1);
     SetProbeRefResistor(ET312BProbeRefResistor::PRR_NONE);
@@ -29,8 +29,6 @@ CVaneT312BPRTTHRMChannel::CVaneT312BPRTTHRMChannel(const Components& components)
 }
 
 CVaneT312BPRTTHRMChannel::~CVaneT312BPRTTHRMChannel() = default;
-
-void CVaneT312BPRTTHRMChannel::InitializeProbe() { probe_->SetInputKind(kResistanceInput); }
 
 void CVaneT312BPRTTHRMChannel::SetFilePath(const std::string& value) {
   filepath_ = value;

@@ -13,7 +13,6 @@
 #include <functional>
 #include <memory>
 #include <string>
-#include <utility>
 
 #include "vane/components/components.h"
 #include "vane/components/registry.h"
@@ -127,11 +126,6 @@ class CVaneT312BPRTTHRMChannel {
  private:
   template <class T, class Differs = std::not_equal_to<T>>
   using Tracked = CTracked<T, CVaneT312BPRTTHRMChannel, Differs>;
-
-  void SetProbe(std::unique_ptr<CVaneProbe> probe) { probe_ = std::move(probe); }
-  void InitializeProbe();
-
-  bool UpdateProbeIndex();
 
   const Components& components_;
   std::shared_ptr<CVaneRegistry> registry_;  // outlives the probe

@@ -15,6 +15,19 @@
 #include "vane/support/text_table.h"
 
 namespace vane {
+namespace {
+
+bool UpdateProbeIndex(const CVaneT312BPRTTHRMChannel& channel) {
+  return Labelled(kChannelClass, "UpdateProbeIndex", [&] {
+    const ChannelPlace place = PlaceOf(channel);
+    Write(LineOf(channel), WriteOf(place.readprobeindex),
+          {{&CommandParams::Probe, std::to_string(channel.ProbeIndex())},
+           {&CommandParams::Channel, place.number}});
+    return true;
+  });
+}
+
+}  // namespace
 
 bool CVaneT312BPRTTHRMChannel::UpdateInfo(ui::CWindow* frm) {
   return Labelled(kChannelClass, "UpdateInfo", [&] {
@@ -27,7 +40,7 @@ bool CVaneT312BPRTTHRMChannel::UpdateInfo(ui::CWindow* frm) {
           100);
       const std::string name =
           std::to_string(ActualChannel()) + " " + ResourceText(EText::PROBE_INDEX);
-      if (!run.Step({name, [&] { return UpdateProbeIndex(); }})) return false;
+      if (!run.Step({name, [&] { return UpdateProbeIndex(*this); }})) return false;
       run.Hide();  // the probe's record has a reporter of its own
       return run.LastStep({name, [&] { return UpdateProbeInfo(ProbeIndex(), frm); }});
     });
@@ -53,16 +66,6 @@ bool CVaneT312BPRTTHRMChannel::UpdateProbeInfo(std::int16_t prbidx, ui::CWindow*
           {TitleOf(kConversionType),
            [&] { return RunConversion(*this, components_, kConversionWrite, prbidx, frm); }});
     });
-  });
-}
-
-bool CVaneT312BPRTTHRMChannel::UpdateProbeIndex() {
-  return Labelled(kChannelClass, "UpdateProbeIndex", [&] {
-    const ChannelPlace place = PlaceOf(*this);
-    Write(LineOf(*this), WriteOf(place.readprobeindex),
-          {{&CommandParams::Probe, std::to_string(ProbeIndex())},
-           {&CommandParams::Channel, place.number}});
-    return true;
   });
 }
 
