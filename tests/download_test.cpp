@@ -170,12 +170,12 @@ class Download : public testing::Test {
 
   // The user looks at the list and goes on.
   void ExpectList() {
-    host_.forms.Expect("frmShowFiles", [this](ui::CForm& form) {
-      const auto& list = form.Find<ui::CListBox>("lstFiles");
+    host_.forms.Expect("frmShowFiles", [this](ui::CUser& user) {
+      const auto& list = user.Find<ui::CListBox>("lstFiles");
       for (std::int32_t i = 0; i < list.ListCount(); ++i) {
         host_.log.Add("list " + list.ItemText(i) + " #" + std::to_string(list.ItemData(i)));
       }
-      form.Find<ui::CButton>("cmdOK").Click();
+      EXPECT_TRUE(user.Return());
     });
   }
 
@@ -382,7 +382,7 @@ TEST_F(Download, FailuresEndInOneBoxAndLeaveNoHalfFile) {
 
   // The file that can't be made is told of; the run then still reaches its list.
   host_.registry->texts["DownloadFolder"] = out_ / "missing";
-  host_.forms.Expect("frmShowFiles", [](ui::CForm& form) { form.Hide(); });
+  host_.forms.Expect("frmShowFiles", [](ui::CUser& user) { user.CloseBox(); });
   EXPECT_TRUE(Run());
   EXPECT_NE(
       Boxes().find("attempting to create download file.//Error: 5 - Cannot write to the folder"),
@@ -467,14 +467,13 @@ TEST_F(Download, TheFileIsPreparedInItsOrder) {
 TEST_F(Download, TheListOpensOrPrintsAndItsFailureLeavesTheResult) {
   host_.recordsfile = true;
   const auto opened = [&](bool print) {
-    host_.forms.Expect("frmShowFiles", [&, print](ui::CForm& form) {
-      EXPECT_EQ(form.Caption(), "Downloaded files");
-      EXPECT_TRUE(form.Find<ui::CButton>("cmdOK").IsDefault());
-      auto& box = form.Find<ui::CCheckBox>("chkPrint");
+    host_.forms.Expect("frmShowFiles", [&, print](ui::CUser& user) {
+      EXPECT_EQ(user.Form().Caption(), "Downloaded files");
+      auto& box = user.Find<ui::CCheckBox>("chkPrint");
       EXPECT_FALSE(box.Checked());
-      if (print) box.Click();
-      form.Find<ui::CListBox>("lstFiles").DoubleClick(0);
-      form.Hide();
+      if (print) user.Click(box);
+      user.DoubleClick(user.Find<ui::CListBox>("lstFiles"), 0);
+      user.CloseBox();
     });
     EXPECT_TRUE(Run());
     return host_.log.Lines()[host_.log.Lines().size() - 4];

@@ -19,12 +19,14 @@
 #include "adapters/files/atomic_file.h"
 #include "adapters/posix/links.h"
 #include "adapters/posix/posix_file.h"
+#include "vane/components/form.h"
 #include "vane/components/library_error.h"
 
 namespace vane {
 namespace {
 
 constexpr const char* kValues = "values";
+constexpr const char* kWindows = "Windows";
 constexpr char kSubkeySeparator = '\\';
 constexpr mode_t kPrivateFile = S_IRUSR | S_IWUSR;
 constexpr std::size_t kMaxFile = 4 << 20;  // more than any settings
@@ -218,6 +220,31 @@ void CConfigRegistry::Remove(const std::string& name, const std::string& subkey)
   std::ostringstream text;
   text << *content.table << '\n';
   WriteFileAtomically(file, text.str(), kPrivateFile);
+}
+
+void CConfigRegistry::RestoreFormPlacement(ui::CForm& form, std::int32_t, bool) {
+  const std::string text = ReadText(form.Name(), {}, kCurrentUserRoot, kWindows);
+  std::array<std::int32_t, 4> numbers;
+  const char* next = text.data();
+  const char* const end = next + text.size();
+  for (std::int32_t& number : numbers) {
+    const auto [stop, error] = std::from_chars(next, end, number);
+    const bool islast = &number == &numbers.back();
+    if (error != std::errc() || (islast ? stop != end : stop == end || *stop != ',')) return;
+    next = stop + 1;
+  }
+  const auto [left, top, width, height] = numbers;
+  if (width > 0 && height > 0) form.SetPlace({left, top, width, height});
+}
+
+void CConfigRegistry::SaveFormPlacement(ui::CForm& form, std::int32_t, bool) {
+  if (!form.Place()) return;
+  const auto [left, top, width, height] = *form.Place();
+  std::string text;
+  for (const std::int32_t number : {left, top, width, height}) {
+    text += (text.empty() ? "" : ",") + std::to_string(number);
+  }
+  WriteText(form.Name(), text, kWindows);
 }
 
 template <class T>

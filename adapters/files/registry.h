@@ -55,11 +55,10 @@ class CConfigRegistry : public CVaneRegistry {
   /// can't be understood is left alone too, and raises `std::runtime_error`.
   void Remove(const std::string& name, const std::string& subkey = {});
 
-  // A window has no place and size that could be asked or set, so there is nothing to keep and
-  // nothing to give back: it opens where its own back end puts it.
+  // Places of windows: the text "left,top,width,height" under the window's name in "Windows".
 
-  void RestoreFormPlacement(ui::CWindow&, std::int32_t, bool) override {}
-  void SaveFormPlacement(ui::CWindow&, std::int32_t, bool) override {}
+  void RestoreFormPlacement(ui::CForm& form, std::int32_t variant, bool flag) override;
+  void SaveFormPlacement(ui::CForm& form, std::int32_t variant, bool flag) override;
 
  private:
   template <class T>

@@ -3,6 +3,7 @@
 #include "adapters/conversions/probe.h"
 #include "adapters/files/column_file.h"
 #include "adapters/files/private_text_file.h"
+#include "vane/components/memory_forms.h"
 
 namespace vane {
 namespace {
@@ -15,17 +16,6 @@ class CHeadlessProgress final : public CVaneProgress {
   void Start(const std::string&, double) override {}
   bool Step(std::int32_t, std::int32_t, std::int32_t) override { return true; }
   void Finish() override {}
-};
-
-class CHeadlessForm final : public ui::CForm {
- public:
-  using ui::CForm::CForm;
-
- private:
-  void RunModal(ui::CWindow*) override {
-    Paint();
-    Hide();
-  }
 };
 
 }  // namespace
@@ -51,7 +41,7 @@ std::unique_ptr<CVaneTextFile> CHeadlessFactory::CreateTextFile(const std::strin
 }
 
 std::unique_ptr<ui::CForm> CHeadlessFactory::MakeForm(const std::string& name) {
-  return std::make_unique<CHeadlessForm>(name);
+  return std::make_unique<ui::CForm>(name, std::make_unique<CUnseenView>());
 }
 
 }  // namespace vane

@@ -40,8 +40,8 @@ class CEmptyRegistry final : public CVaneRegistry {
                        const std::string&) override {
     return fallback;
   }
-  void RestoreFormPlacement(ui::CWindow&, std::int32_t, bool) override {}
-  void SaveFormPlacement(ui::CWindow&, std::int32_t, bool) override {}
+  void RestoreFormPlacement(ui::CForm&, std::int32_t, bool) override {}
+  void SaveFormPlacement(ui::CForm&, std::int32_t, bool) override {}
 };
 
 }  // namespace vane

@@ -6,18 +6,10 @@
 
 #include "adapters/terminal/terminal_input.h"
 #include "adapters/terminal/terminal_output.h"
+#include "vane/components/library_error.h"
 
 namespace vane {
 namespace {
-
-// Without the mark of an access key, which a terminal has none of.
-std::string CaptionText(const ui::CControl& control) {
-  std::string text;
-  for (const char c : control.Caption()) {
-    if (c != '&') text += c;
-  }
-  return text;
-}
 
 // The visible controls of one kind.
 template <class Control>
@@ -33,51 +25,77 @@ std::vector<Control*> VisibleOf(const ui::CForm& form) {
 // Check boxes are called by letters, since entries have the numbers.
 char LetterOf(std::size_t place) { return static_cast<char>('a' + place); }
 
-}  // namespace
-
-std::string CTerminalForm::Text() const {
-  std::string text = Caption() + "\n";
-  for (const ui::CLabel* label : VisibleOf<ui::CLabel>(*this)) text += CaptionText(*label) + "\n";
+std::string TextOf(const ui::CForm& form) {
+  std::string text = form.Caption() + "\n";
+  for (const ui::CLabel* label : VisibleOf<ui::CLabel>(form))
+    text += ui::PlainCaption(label->Caption()) + "\n";
   std::int32_t number = 0;
-  for (const ui::CListBox* list : VisibleOf<ui::CListBox>(*this)) {
+  for (const ui::CListBox* list : VisibleOf<ui::CListBox>(form)) {
     for (std::int32_t i = 0; i < list->ListCount(); ++i) {
       text += "  " + std::to_string(++number) + "  " + list->ItemText(i) + "\n";
     }
   }
-  const auto boxes = VisibleOf<ui::CCheckBox>(*this);
+  const auto boxes = VisibleOf<ui::CCheckBox>(form);
   for (std::size_t i = 0; i < boxes.size(); ++i) {
     text += std::string("  ") + LetterOf(i) + "  [" + (boxes[i]->Checked() ? 'x' : ' ') + "] " +
-            CaptionText(*boxes[i]) + "\n";
+            ui::PlainCaption(boxes[i]->Caption()) + "\n";
   }
   return text;
 }
 
-std::string CTerminalForm::Question() const {
-  const auto boxes = VisibleOf<ui::CCheckBox>(*this);
+std::string QuestionOf(const ui::CForm& form) {
+  const auto boxes = VisibleOf<ui::CCheckBox>(form);
   std::string question = "A number opens that entry";
   if (!boxes.empty()) question += ", a letter turns its box over";
   return question + ", Enter goes on: ";
 }
 
-bool CTerminalForm::Obey(const std::string& line) {
+// As the Enter key does; a window without a default button closes too.
+void PressDefault(ui::CUser& user) {
+  for (ui::CButton* button : VisibleOf<ui::CButton>(user.Form())) {
+    if (button->Role() == ui::EButtonRole::DEFAULT) user.Click(*button);
+  }
+  user.Form().Hide();
+}
+
+}  // namespace
+
+void CTerminalView::Load(ui::CForm& form) {
+  for (const auto& control : form.Controls()) {
+    switch (control->Kind()) {
+      case ui::EKind::LABEL:
+      case ui::EKind::LIST_BOX:
+      case ui::EKind::CHECK_BOX:
+      case ui::EKind::BUTTON:
+        break;
+      default:
+        throw LibraryError(ERR_PLATFORM_CALL, "CTerminalView - Load",
+                           "A terminal can't show the window " + form.Name() + ": it has " +
+                               control->Name() + ", which is no label, list, check box or button.");
+    }
+  }
+}
+
+bool CTerminalView::Obey(ui::CUser& user, const std::string& line) {
+  ui::CForm& form = user.Form();
   if (line.empty()) {
-    ClickDefault();
+    PressDefault(user);
     return true;
   }
-  const auto boxes = VisibleOf<ui::CCheckBox>(*this);
+  const auto boxes = VisibleOf<ui::CCheckBox>(form);
   const std::string word = AnswerWord(line);
   for (std::size_t i = 0; i < boxes.size(); ++i) {
     if (word != std::string(1, LetterOf(i))) continue;
-    boxes[i]->Click();
-    WriteToTerminal(output_, PrintableText(Text()));
+    user.Click(*boxes[i]);
+    WriteToTerminal(output_, PrintableText(TextOf(form)));
     return true;
   }
   std::int32_t number = 0;
   const auto [end, error] = std::from_chars(line.data(), line.data() + line.size(), number);
   if (error != std::errc() || end != line.data() + line.size() || number < 1) return false;
-  for (ui::CListBox* list : VisibleOf<ui::CListBox>(*this)) {
+  for (ui::CListBox* list : VisibleOf<ui::CListBox>(form)) {
     if (number <= list->ListCount()) {
-      list->DoubleClick(number - 1);
+      user.DoubleClick(*list, number - 1);
       return true;
     }
     number -= list->ListCount();
@@ -85,26 +103,21 @@ bool CTerminalForm::Obey(const std::string& line) {
   return false;
 }
 
-void CTerminalForm::ClickDefault() {
-  for (ui::CButton* button : VisibleOf<ui::CButton>(*this)) {
-    if (button->IsDefault()) button->Click();
-  }
-  Hide();
-}
-
-void CTerminalForm::RunModal(ui::CWindow*) {
-  Paint();
+void CTerminalView::RunModal(ui::CForm& form, ui::CWindow*) {
+  ui::CUser user(form);
+  form.Paint();
+  if (!form.Shown()) return;
   ClearOpenLine(output_);
-  WriteToTerminal(output_, PrintableText(Text()));
-  while (Shown()) {
-    if (!CanAsk(input_, output_)) return ClickDefault();
-    WriteToTerminal(output_, Question());
+  WriteToTerminal(output_, PrintableText(TextOf(form)));
+  while (form.Shown()) {
+    if (!CanAsk(input_, output_)) return PressDefault(user);
+    WriteToTerminal(output_, QuestionOf(form));
     std::string line;
     if (ReadLine(interrupts_, input_, line) != ELineEnd::LINE) {
       WriteToTerminal(output_, "\n");
-      return ClickDefault();
+      return PressDefault(user);
     }
-    if (!Obey(Trimmed(line))) WriteToTerminal(output_, "There is no such choice.\n");
+    if (!Obey(user, Trimmed(line))) WriteToTerminal(output_, "There is no such choice.\n");
   }
 }
 

@@ -46,11 +46,11 @@ class CFolderRegistry final : public CVaneRegistry {
     if (name == "DownloadFolder") return folder_;
     return registry_->ReadText(name, fallback, root, subkey);
   }
-  void RestoreFormPlacement(ui::CWindow& window, std::int32_t variant, bool flag) override {
-    registry_->RestoreFormPlacement(window, variant, flag);
+  void RestoreFormPlacement(ui::CForm& form, std::int32_t variant, bool flag) override {
+    registry_->RestoreFormPlacement(form, variant, flag);
   }
-  void SaveFormPlacement(ui::CWindow& window, std::int32_t variant, bool flag) override {
-    registry_->SaveFormPlacement(window, variant, flag);
+  void SaveFormPlacement(ui::CForm& form, std::int32_t variant, bool flag) override {
+    registry_->SaveFormPlacement(form, variant, flag);
   }
 
  private:

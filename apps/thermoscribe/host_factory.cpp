@@ -10,6 +10,7 @@
 #include "adapters/terminal/terminal_passcode.h"
 #include "adapters/terminal/terminal_printer_choice.h"
 #include "adapters/terminal/terminal_progress.h"
+#include "vane/components/memory_forms.h"
 #include "vane/support/paths.h"
 
 namespace vane {
@@ -52,18 +53,6 @@ class CNotedDialog final : public CTerminalFileDialog {
   WrittenFile& note_;
 };
 
-// A window for a reader who is no person.
-class CUnseenForm final : public ui::CForm {
- public:
-  using CForm::CForm;
-
- private:
-  void RunModal(ui::CWindow*) override {
-    Paint();
-    Hide();
-  }
-};
-
 }  // namespace
 
 std::unique_ptr<CVaneCommunications> CHostFactory::MakeCommunications() {
@@ -101,8 +90,13 @@ std::unique_ptr<CVaneTextFile> CHostFactory::CreateTextFile(const std::string& p
 }
 
 std::unique_ptr<ui::CForm> CHostFactory::MakeForm(const std::string& name) {
-  if (!showsforms_) return std::make_unique<CUnseenForm>(name);
-  return std::make_unique<CTerminalForm>(interrupts_, name);
+  std::unique_ptr<ui::CFormView> view;
+  if (showsforms_) {
+    view = std::make_unique<CTerminalView>(interrupts_);
+  } else {
+    view = std::make_unique<CUnseenView>();
+  }
+  return std::make_unique<ui::CForm>(name, std::move(view));
 }
 
 }  // namespace vane

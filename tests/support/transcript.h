@@ -104,7 +104,6 @@ class CRecordingPlatform : public CPlatform {
   std::chrono::local_seconds LocalTime() override { return now; }
   std::string DecimalSeparator() override { return separator; }
   std::string LongTimeText(std::chrono::local_seconds) override { return longtime; }
-  ui::CTextField* FocusedField() override { return focused; }
   std::string FolderOfLibrary() override { return folderoflibrary; }
   std::string SystemFolder() override { return systemfolder; }
   std::string TemporaryFolder() override { return temporaryfolder; }
@@ -112,7 +111,6 @@ class CRecordingPlatform : public CPlatform {
   std::chrono::local_seconds now{};
   std::string longtime;
   std::string separator = ".";
-  ui::CTextField* focused = nullptr;
   std::uint32_t ticks = 1000;
   std::uint32_t passlength = 0;   ///< what one pass takes at most, 0 for all that it may
   std::function<void()> onqueue;  ///< an event that comes up in the queue
@@ -134,8 +132,8 @@ class CFakeRegistry : public CVaneRegistry {
     const auto text = texts.find(name);
     return text != texts.end() ? text->second : fallback;
   }
-  void RestoreFormPlacement(ui::CWindow&, std::int32_t, bool) override {}
-  void SaveFormPlacement(ui::CWindow&, std::int32_t, bool) override {}
+  void RestoreFormPlacement(ui::CForm&, std::int32_t, bool) override {}
+  void SaveFormPlacement(ui::CForm&, std::int32_t, bool) override {}
 
   std::map<std::string, std::int32_t> values;
   std::map<std::string, std::string> texts;

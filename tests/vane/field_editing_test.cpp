@@ -201,25 +201,12 @@ TEST(KeyFilters, ASeparatorThatNobodyTellsIsAPoint) {
   EXPECT_EQ(key, ',');
 }
 
-TEST_F(FieldEditing, LimitsSelectionsAndTheFocusedField) {
+TEST_F(FieldEditing, LimitsAndSelections) {
   EXPECT_EQ(Clamp(5, 5, 9), 5);
   EXPECT_EQ(Clamp(9.5, 1.0, 9.5), 9.5);
   EXPECT_EQ(Clamp(-1, 0, 9), 0);
   EXPECT_EQ(Clamp(10, 0, 9), 9);
   EXPECT_EQ(Clamp(3, 9, 5), 9);
-
-  struct CField : ui::CTextField {
-    std::int32_t TextLength() const override { return 7; }
-    void SetSelection(std::int32_t start, std::int32_t length) override {
-      selected = {start, length};
-      throw LibraryError(test::kLineError, {}, {});
-    }
-    std::pair<std::int32_t, std::int32_t> selected;
-  } field;
-  SelectActiveText();
-  host_.platform.focused = &field;
-  SelectActiveText();
-  EXPECT_EQ(field.selected, std::pair(0, 7));
 
   struct CList : ui::CListControl {
     void Clear() override {}

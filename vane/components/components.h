@@ -16,7 +16,7 @@
 #include "vane/components/platform.h"
 #include "vane/components/progress.h"
 #include "vane/components/text_file.h"
-#include "vane/components/ui.h"
+#include "vane/components/form.h"
 
 namespace vane {
 

@@ -9,10 +9,6 @@
 
 namespace vane {
 
-namespace ui {
-class CTextField;
-}
-
 /// Flag values of a message box: the icon, the buttons, and the Help button as one sum.
 inline constexpr std::int32_t kBoxStop = 16;
 inline constexpr std::int32_t kBoxQuestion = 32;
@@ -42,10 +38,6 @@ class CPlatform {
   /// the pass may sleep up to `longestwait` milliseconds for one. Returning early is always
   /// allowed.
   virtual void RunMessageQueue(std::uint32_t longestwait) = 0;
-
-  /// The text field that has the focus; null when another control has it. A platform without
-  /// windows has none.
-  virtual ui::CTextField* FocusedField() { return nullptr; }
 
   /// Opens the help viewer; the result is the viewer's, 0 for failure.
   virtual std::int32_t OpenHelp(const std::string& helpfile, std::int32_t command,

@@ -1,7 +1,7 @@
 // The registry component: values and window places that outlive the program, per user.
 //
 // Made by the host, which shares it with the instrument object; that passes it on to modules,
-// channels and probes. The library only reads values. Lives on the user-interface thread.
+// channels and probes. The library reads values, and keeps the places of its windows. Lives on the user-interface thread.
 #pragma once
 
 #include <cstdint>
@@ -10,7 +10,7 @@
 namespace vane {
 
 namespace ui {
-class CWindow;
+class CForm;
 }
 
 /// The root under which the current user's values lie; the only one that the library names.
@@ -28,10 +28,11 @@ class CVaneRegistry {
   virtual std::string ReadText(const std::string& name, const std::string& fallback,
                                std::uint32_t root, const std::string& subkey) = 0;
 
-  /// Gives `window` the place that it had when `SaveFormPlacement` last saw it. The two further
-  /// arguments are always 0 and true.
-  virtual void RestoreFormPlacement(ui::CWindow& window, std::int32_t variant, bool flag) = 0;
-  virtual void SaveFormPlacement(ui::CWindow& window, std::int32_t variant, bool flag) = 0;
+  /// Keeps where the window is, and gives it that place again when it comes up another time. A
+  /// window that has never been anywhere is left alone. The two further arguments are always 0 and
+  /// true.
+  virtual void RestoreFormPlacement(ui::CForm& form, std::int32_t variant, bool flag) = 0;
+  virtual void SaveFormPlacement(ui::CForm& form, std::int32_t variant, bool flag) = 0;
 };
 
 }  // namespace vane

@@ -1,95 +1,144 @@
 #include "vane/components/ui.h"
 
-#include <stdexcept>
+#include <algorithm>
+
+#include "vane/components/form.h"
 
 namespace vane::ui {
 namespace {
 
-void Run(const Handler& handler) {
-  if (handler) handler();
+bool IsLetterOrDigit(char c) {
+  return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9');
 }
 
 }  // namespace
 
-void CButton::Click() {
-  if (Enabled()) Run(click_);
+void CControl::Tell(EAspect aspect) {
+  if (form_.loaded_) form_.view_->Changed(*this, aspect);
 }
 
-void CCheckBox::Click() {
-  if (!Enabled()) return;
-  SetChecked(!Checked());
-  Run(click_);
+bool CControl::IsOpen() const {
+  if (!enabled_ || !visible_) return false;
+  return frame_ == nullptr || frame_->IsOpen();
 }
 
-const CListBox::Item& CListBox::At(std::int32_t index) const {
-  return items_.at(static_cast<std::size_t>(index));
+bool CControl::TakesFocus() const {
+  switch (kind_) {
+    case EKind::FORM:
+    case EKind::FRAME:
+    case EKind::LABEL:
+    case EKind::UP_DOWN:  // its field takes it
+      return false;
+    default:
+      return true;
+  }
 }
 
-void CListBox::Clear() {
+void CTextField::SetText(const std::string& text) {
+  if (text_ == text) return;
+  selection_ = {0, 0};
+  Change(text_, text, EAspect::TEXT);
+  Run(change_);
+}
+
+std::int32_t CTextField::TextLength() const {
+  return static_cast<std::int32_t>(Characters(text_).size());
+}
+
+void CTextField::SetSelection(std::int32_t start, std::int32_t length) {
+  const std::int32_t end = TextLength();
+  start = std::clamp(start, 0, end);
+  Change(selection_, {start, std::clamp(length, 0, end - start)}, EAspect::SELECTION);
+}
+
+void CUpDown::SetRange(std::int32_t min, std::int32_t max, std::int32_t increment) {
+  min_ = min;
+  max_ = max;
+  increment_ = increment;
+  Tell(EAspect::RANGE);
+}
+
+void CItemList::Clear() {
   items_.clear();
   newindex_ = -1;
-  Change(listindex_, -1);
+  Tell(EAspect::ITEMS);
+  Change(listindex_, -1, EAspect::SELECTION);
 }
 
-void CListBox::AddItem(const std::string& text) {
+void CItemList::AddItem(const std::string& text) {
   items_.push_back({text});
-  Change(newindex_, ListCount() - 1);
+  newindex_ = ListCount() - 1;
+  Tell(EAspect::ITEMS);
 }
 
-void CListBox::SetItemData(std::int32_t index, std::int32_t value) {
-  items_.at(static_cast<std::size_t>(index)).data = value;
+void CItemList::SetItemData(std::int32_t index, std::int32_t value) {
+  Change(At(index).data, value, EAspect::ITEMS);
 }
 
-void CListBox::SetListIndex(std::int32_t index) {
+void CItemList::SetItemText(std::int32_t index, const std::string& text) {
+  Change(At(index).text, text, EAspect::ITEMS);
+}
+
+void CItemList::SetListIndex(std::int32_t index) {
   if (index != -1) At(index);
-  Change(listindex_, index);
-  Run(click_);
+  if (Change(listindex_, index, EAspect::SELECTION)) Run(click_);
 }
 
-void CListBox::DoubleClick(std::int32_t index) {
-  if (!Enabled()) return;
-  SetListIndex(index);
-  Run(doubleclick_);
+void CItemList::RemoveItem(std::int32_t index) {
+  At(index);
+  items_.erase(items_.begin() + index);
+  newindex_ = -1;
+  Tell(EAspect::ITEMS);
+  if (listindex_ < index) return;
+  Change(listindex_, listindex_ == index ? -1 : listindex_ - 1, EAspect::SELECTION);
 }
 
-CLabel& CForm::AddLabel(const std::string& name) { return Keep(std::make_unique<CLabel>(name)); }
-
-CListBox& CForm::AddListBox(const std::string& name) {
-  return Keep(std::make_unique<CListBox>(name));
+void COptionGroup::Select(std::int32_t index) {
+  if (index != -1) OptionCaption(index);
+  if (Change(selected_, index, EAspect::SELECTION)) Run(click_);
 }
 
-CCheckBox& CForm::AddCheckBox(const std::string& name) {
-  return Keep(std::make_unique<CCheckBox>(name));
+void CTabStrip::AddTab(std::int32_t tag) {
+  tabs_.push_back({{}, tag});
+  Tell(EAspect::ITEMS);
 }
 
-CButton& CForm::AddButton(const std::string& name) { return Keep(std::make_unique<CButton>(name)); }
+void CTabStrip::SetTabText(std::int32_t index, const std::string& text) {
+  Change(tabs_.at(static_cast<std::size_t>(index)).text, text, EAspect::ITEMS);
+}
 
-CControl& CForm::FindControl(const std::string& name) const {
-  for (const auto& control : controls_) {
-    if (control->Name() == name) return *control;
+void CTabStrip::Select(std::int32_t index) {
+  At(index);
+  if (Change(selected_, index, EAspect::TAB)) Run(click_);
+}
+
+std::vector<std::string> Characters(const std::string& text) {
+  std::vector<std::string> characters;
+  for (const char byte : text) {
+    const bool continues = (static_cast<unsigned char>(byte) & 0xC0u) == 0x80u;
+    if (!continues || characters.empty()) characters.emplace_back();
+    characters.back() += byte;
   }
-  throw std::invalid_argument("The window " + Name() + " has no control " + name + ".");
+  return characters;
 }
 
-void CForm::ShowModal(CWindow* owner) {
-  if (!loaded_) {
-    loaded_ = true;
-    painted_ = false;
-    Run(load_);
+std::string PlainCaption(const std::string& caption) {
+  std::string plain;
+  for (std::size_t i = 0; i < caption.size(); ++i) {
+    if (caption[i] == '&' && ++i == caption.size()) break;
+    plain += caption[i];
   }
-  Change(shown_, true);
-  RunModal(owner);
+  return plain;
 }
 
-void CForm::Paint() {
-  if (std::exchange(painted_, true)) return;
-  Run(firstpaint_);
-}
-
-void CForm::Unload() {
-  if (!std::exchange(loaded_, false)) return;
-  shown_ = false;
-  Run(unload_);
+char AccessKey(const std::string& caption) {
+  for (std::size_t i = 0; i + 1 < caption.size(); ++i) {
+    if (caption[i] != '&') continue;
+    const char key = caption[++i];
+    if (!IsLetterOrDigit(key)) continue;
+    return key >= 'A' && key <= 'Z' ? static_cast<char>(key - 'A' + 'a') : key;
+  }
+  return 0;
 }
 
 }  // namespace vane::ui

@@ -9,16 +9,15 @@ namespace vane {
 
 frmShowFiles::frmShowFiles(const Components& components)
     : form_(components.factory.MakeForm("frmShowFiles")),
-      instructions_(form_->AddLabel("lblInstructions")),
-      list_(form_->AddListBox("lstFiles")),
-      print_(form_->AddCheckBox("chkPrint")),
-      ok_(form_->AddButton("cmdOK")) {
+      instructions_(form_->Add<ui::CLabel>("lblInstructions")),
+      list_(form_->Add<ui::CListBox>("lstFiles")),
+      print_(form_->Add<ui::CCheckBox>("chkPrint")),
+      ok_(form_->Add<ui::CButton>("cmdOK", nullptr, ui::EButtonRole::DEFAULT)) {
   form_->OnLoad([this] {
     form_->SetCaption(ResourceText(EText::DOWNLOADED_FILES));
     instructions_.SetCaption(ResourceText(EText::DATA_WAS_WRITTEN_TO_FILES));
     print_.SetCaption(ResourceText(EText::SEND_TO_PRINTER));
     ok_.SetCaption(ResourceText(EText::OK));
-    ok_.SetDefault(true);
   });
   form_->OnFirstPaint([this] {
     FillList();

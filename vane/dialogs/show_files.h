@@ -6,8 +6,8 @@
 #include <vector>
 
 #include "vane/components/components.h"
+#include "vane/components/form.h"
 #include "vane/components/output_file.h"
-#include "vane/components/ui.h"
 
 namespace vane {
 

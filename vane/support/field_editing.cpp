@@ -75,9 +75,9 @@ void SelectItemByData(ui::CListControl& list, std::int32_t value) {
 void SelectActiveText() noexcept {
   CPendingFailure ignored;
   ignored.Try([] {
-    if (ui::CTextField* const field = InstalledComponents().platform.FocusedField()) {
-      field->SetSelection(0, field->TextLength());
-    }
+    ui::CForm* const form = ui::CForm::Active();
+    auto* const field = dynamic_cast<ui::CTextField*>(form ? form->Focused() : nullptr);
+    if (field) field->SetSelection(0, field->TextLength());
   });
 }
 
