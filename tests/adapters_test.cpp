@@ -19,11 +19,13 @@
 #include "adapters/files/atomic_file.h"
 #include "adapters/files/registry.h"
 #include "adapters/posix/clock_text.h"
+#include "adapters/terminal/terminal_form.h"
 #include "adapters/terminal/terminal_passcode.h"
 #include "adapters/terminal/terminal_platform.h"
 #include "adapters/terminal/terminal_progress.h"
 #include "tests/support/host_machine.h"
 #include "vane/components/library_error.h"
+#include "vane/components/memory_forms.h"
 
 namespace vane {
 namespace {
@@ -144,6 +146,46 @@ TEST_F(UserFiles, RegistryGivesTheValueOrTheFallback) {
   EXPECT_EQ(registry.ReadText("x", "", kCurrentUserRoot, "a\\b"), "deep");
   EXPECT_EQ(registry.ReadText("x", "none", kCurrentUserRoot, "a"), "none");
   EXPECT_THAT(reports, ElementsAre());
+}
+
+TEST_F(UserFiles, RegistryKeepsThePlacesOfWindows) {
+  CConfigRegistry registry(report, path);
+  const auto restored = [&](const char* name) {
+    ui::CForm window(name, std::make_unique<CUnseenView>());
+    registry.RestoreFormPlacement(window, 0, true);
+    return window.Place();
+  };
+  ui::CForm window("frmT312BSettings", std::make_unique<CUnseenView>());
+  registry.SaveFormPlacement(window, 0, true);
+  EXPECT_FALSE(fs::exists(path));
+  ui::CUser(window).Move({-5, 20, 300, 200});
+  registry.SaveFormPlacement(window, 0, true);
+  EXPECT_EQ(restored("frmT312BSettings"), (ui::Placement{-5, 20, 300, 200}));
+  EXPECT_EQ(restored("frmOther"), std::nullopt);
+  for (const char* text : {"", "1,2,3", "1,2,3,4,", "1,2,3,0", "1,2,3,-4", "1;2;3;4", "a,2,3,4",
+                           "1,2,3,99999999999"}) {
+    registry.WriteText("frmOther", text, "Windows");
+    EXPECT_EQ(restored("frmOther"), std::nullopt) << text;
+  }
+}
+
+TEST(TerminalView, RefusesAWindowThatItCannotDraw) {
+  CInterrupts interrupts;
+  ui::CForm form("frmFields", std::make_unique<CTerminalView>(interrupts));
+  form.Add<ui::CLabel>("lblName");
+  form.Add<ui::CTextField>("txtName");
+  bool loaded = false;
+  form.OnLoad([&] { loaded = true; });
+  try {
+    form.ShowModal(nullptr);
+    ADD_FAILURE();
+  } catch (const LibraryError& error) {
+    EXPECT_EQ(
+        error.Description(),
+        "A terminal can't show the window frmFields: it has txtName, which is no label, list, "
+        "check box or button.");
+  }
+  EXPECT_FALSE(loaded || form.Shown());
 }
 
 TEST_F(UserFiles, RegistryKeepsWhatItDoesNotKnow) {

@@ -138,13 +138,11 @@ class CDownloadHost : public CTestHost {
     if (recordstrace) return std::make_unique<CRecordingTrace>(log);
     return std::make_unique<CPrivateTextFile>(path);
   }
-  std::unique_ptr<ui::CForm> MakeForm(const std::string& name) override { return forms.Make(name); }
 
   bool recordsfile = false;
   bool recordstrace = false;
   bool creates = true;
   std::string chosen;  // by the user in the save dialog; empty: he cancels
-  CMemoryForms forms;
 };
 
 class Download : public testing::Test {

@@ -156,13 +156,14 @@ EBoxButton CRecordingPlatform::MessageBox(const std::string& text, const std::st
   std::string line = "box " + std::to_string(flags) + " " + title + ": " + OneLine(text);
   if (!helpfile.empty()) line += " help=" + helpfile + "#" + std::to_string(helpcontext);
   log_.Add(line);
-  return EBoxButton::OK;
+  return asksforms ? forms_.MessageBox(text, flags) : EBoxButton::OK;
 }
 
 void CRecordingPlatform::RunMessageQueue(std::uint32_t longestwait) {
   log_.Add("queue " + std::to_string(longestwait));
   ticks += passlength == 0 ? longestwait : std::min(passlength, longestwait);
   if (onqueue) onqueue();
+  forms_.RunMessageQueue();
 }
 
 std::int32_t CRecordingPlatform::OpenHelp(const std::string& helpfile, std::int32_t command,

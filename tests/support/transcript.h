@@ -14,7 +14,7 @@
 #include <vector>
 
 #include "vane/components/components.h"
-#include "vane/components/ui.h"
+#include "vane/components/memory_forms.h"
 #include "vane/instrument/t312b.h"
 
 namespace vane::test {
@@ -92,7 +92,7 @@ class CScriptedCommunications : public CVaneCommunications, private CVaneCOMPort
 
 class CRecordingPlatform : public CPlatform {
  public:
-  explicit CRecordingPlatform(CTranscript& log) : log_(log) {}
+  CRecordingPlatform(CTranscript& log, CMemoryForms& forms) : log_(log), forms_(forms) {}
 
   EBoxButton MessageBox(const std::string& text, const std::string& title, std::int32_t flags,
                         const std::string& helpfile, std::int32_t helpcontext) override;
@@ -117,9 +117,11 @@ class CRecordingPlatform : public CPlatform {
   std::string folderoflibrary = "/opt/vane/lib";
   std::string systemfolder = "/usr/lib";
   std::string temporaryfolder = "/tmp";
+  bool asksforms = false;
 
  private:
   CTranscript& log_;
+  CMemoryForms& forms_;
 };
 
 /// Fails with the words of what was asked of it at the events named in `failing`.
@@ -150,6 +152,7 @@ class CTestHost : public CComponentFactory {
   std::unique_ptr<CVaneProbe> MakeProbe() override;
   std::unique_ptr<CVaneProgress> MakeProgress() override;
   std::unique_ptr<CVanePasscodeDialog> MakePasscodeDialog() override;
+  std::unique_ptr<ui::CForm> MakeForm(const std::string& name) override { return forms.Make(name); }
 
   /// Gives the instrument a registry and a line, with nothing of it in the log.
   void Connect();
@@ -161,7 +164,8 @@ class CTestHost : public CComponentFactory {
 
   CTranscript log;
   Script script;
-  CRecordingPlatform platform{log};
+  CMemoryForms forms;
+  CRecordingPlatform platform{log, forms};
   Components components{platform, *this};
   CInstalledComponents installed{components};
   std::shared_ptr<CFakeRegistry> registry = std::make_shared<CFakeRegistry>();

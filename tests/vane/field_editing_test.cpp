@@ -189,7 +189,7 @@ TEST(KeyFilters, ASeparatorThatNobodyTellsIsAPoint) {
   };
   CTestHost host;
   host.platform.separator = ",";
-  CMutePlatform platform(host.log);
+  CMutePlatform platform(host.log, host.forms);
   const Components components{platform, host};
   {
     const CInstalledComponents installed(components);

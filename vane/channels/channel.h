@@ -94,6 +94,11 @@ class CVaneT312BPRTTHRMChannel {
   /// its values. Always true; raises on failure.
   bool SetConversionType(EVaneConversionType ct);
 
+  /// Shows the dialog in which the user edits this channel; it reads the instrument, and writes
+  /// what the user applies. False when he has left it with Cancel; what was read or chosen until
+  /// then stays in this copy.
+  bool Edit();
+
   // Reads. A single one gives true or raises. `prbidx` is a probe's number on the instrument and
   // need not be `ProbeIndex`. A composite one runs under a reporter that belongs to `frm`, and
   // gives false when the user has been told of a failure or an abort; what it has read by then
@@ -122,6 +127,11 @@ class CVaneT312BPRTTHRMChannel {
   /// The record of a probe; its conversion only when the instrument's `ConvPasscodeState` says that
   /// editing conversions is open.
   bool UpdateProbeInfo(std::int16_t prbidx, ui::CWindow* frm = nullptr);
+
+  // Fill a list control, a host's too, with the choices of a setting, each with its code; nothing
+  // is selected then. Entries before a failure stay.
+  void FillRefResistorList(ui::CListControl& lst) const;
+  void FillConversionTypeList(ui::CListControl& lst, bool keepexisting = false) const;
 
  private:
   template <class T, class Differs = std::not_equal_to<T>>

@@ -10,12 +10,16 @@
 
 namespace vane {
 
-CVaneCommunications& LineOf(const CVaneT312BPRTTHRMChannel& channel) {
+CVaneT312B& InstrumentOf(const CVaneT312BPRTTHRMChannel& channel) {
   const CModule* const md = channel.Module();
   if (md == nullptr || md->BaseUnit() == nullptr) {
     throw LibraryError(ERR_PLATFORM_CALL, {}, "The channel belongs to no instrument.");
   }
-  return LineOf(*md->BaseUnit());
+  return *md->BaseUnit();
+}
+
+CVaneCommunications& LineOf(const CVaneT312BPRTTHRMChannel& channel) {
+  return LineOf(InstrumentOf(channel));
 }
 
 ChannelPlace PlaceOf(const CVaneT312BPRTTHRMChannel& channel) {

@@ -10,11 +10,15 @@
 
 namespace vane {
 
+class CVaneT312B;
 class CVaneT312BPRTTHRMChannel;
 
 inline constexpr char kChannelClass[] = "CVaneT312BPRTTHRMChannel";
 
-/// The line of the channel's instrument; raises where the channel belongs to none.
+/// Raises where the channel belongs to no instrument.
+CVaneT312B& InstrumentOf(const CVaneT312BPRTTHRMChannel& channel);
+
+/// The line of the channel's instrument.
 CVaneCommunications& LineOf(const CVaneT312BPRTTHRMChannel& channel);
 
 /// Where the line and the user find a channel: on the readout or on the scanner, under a number

@@ -356,6 +356,32 @@ class CVaneT312B {
   void SetFilterType(ET312BFilterType value) { filtertype_.Set(value); }
   ET312BFilterType FilterType() const { return filtertype_.Get(); }
 
+  // Fill a list control, a host's own too, with the choices of a setting: the text of each, and its
+  // code as its number. The list is emptied first, and nothing is selected then. What fails has the
+  // label of the filler, and the entries before it stay.
+
+  void FillFilterTypeList(ui::CListControl& lst) const;
+  /// `FillUnitsList` with the units of temperature alone.
+  void FillRTLSUnitsList(ui::CListControl& lst, bool keepexisting = false) const;
+  /// `keepexisting` puts "<keep existing>" before, `inclnontemp` the units that are none of a
+  /// temperature behind.
+  void FillUnitsList(ui::CListControl& lst, bool keepexisting = false,
+                     bool inclnontemp = true) const;
+  void FillSampleActionList(ui::CListControl& lst) const;
+  void FillOvenList(ui::CListControl& lst) const;
+  void FillChannelModeList(ui::CListControl& lst) const;
+  void FillScannerScanModeList(ui::CListControl& lst) const;
+  /// By the numbers on the scanner; empty without one.
+  void FillScanChannelList(ui::CListControl& lst) const;
+  /// The steps of `ScanChannels`, `ScanSeqSteps` of them; one that has no number there is of
+  /// channel 0.
+  void FillScanSeqList(ui::CListControl& lst) const;
+  /// The channels that a step of a scan sequence can take.
+  void FillChannelNameList(ui::CListControl& lst) const;
+  /// The channels with their probes.
+  void FillChannelList(ui::CListControl& lst) const;
+  void FillProbeNameList(ui::CListControl& lst) const;
+
   /// A channel's name for people: "Input 2", "Scanner 10". No range check.
   std::string GetScanSeqChannelName(std::int16_t chn) const;
 
