@@ -4,11 +4,15 @@
 #include <poll.h>
 #include <pty.h>
 #include <sys/ioctl.h>
+#include <sys/mman.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <termios.h>
 #include <unistd.h>
 
 #include <algorithm>
+#include <atomic>
+#include <ctime>
 #include <filesystem>
 #include <fstream>
 #include <functional>
@@ -17,6 +21,7 @@
 #include <thread>
 #include <vector>
 
+#include "adapters/files/private_text_file.h"
 #include "adapters/serial/line_errors.h"
 #include "adapters/serial/serial_communications.h"
 #include "adapters/serial/serial_ports.h"
@@ -507,7 +512,12 @@ TEST(LineTrace, WritesToFilesAndPipesAndTellsOfWhatIsLost) {
   }
   const std::string written = test::FileText(file);
   ASSERT_EQ(std::count(written.begin(), written.end(), '\n'), 2);
-  EXPECT_NE(written.find("Z - a\\x09b\n"), written.npos) << written;
+  std::tm parts{};
+  const char* const rest = strptime(written.c_str(), "%Y-%m-%d %H:%M:%S.", &parts);
+  EXPECT_TRUE(rest == written.c_str() + 20 &&
+              std::string_view(rest).substr(3, 11) == "Z - a\\x09b\n")
+      << written;
+  EXPECT_NEAR(static_cast<double>(timegm(&parts)), static_cast<double>(std::time(nullptr)), 60);
   EXPECT_TRUE(written.ends_with("Z - c\n"));
 
   // What others have written to an open file of the process stays.
@@ -522,13 +532,16 @@ TEST(LineTrace, WritesToFilesAndPipesAndTellsOfWhatIsLost) {
 
   const std::string pipe = folder / "pipe";
   ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
-  for (const std::string& path : {pipe, (folder / "none/trace").string(), folder.Path().string()}) {
+  for (const auto& [path, why] : {std::pair(pipe, "(it is a pipe that nobody reads, or a socket)"),
+                                  {folder / "none/trace", "(No such file or directory)"},
+                                  {folder.Path(), "(Is a directory)"}}) {
     try {
       CFileTrace trace(path);
       ADD_FAILURE() << path;
     } catch (const LibraryError& error) {
       EXPECT_EQ(error.Number(), ERR_LINE_TRACE_FILE);
-      EXPECT_NE(error.Description().find(path), std::string::npos);
+      EXPECT_EQ(error.Description(),
+                "The trace file " + path + " can't be opened for writing " + why + ".");
     }
   }
 
@@ -553,6 +566,43 @@ TEST(LineTrace, WritesToFilesAndPipesAndTellsOfWhatIsLost) {
   close(reader);
   left.Record(mark, "lost");  // the signal would end this process
   EXPECT_NE(left.Trouble().find("Broken pipe"), std::string::npos);
+}
+
+// What is in the file may break off in the line that was being written, and nowhere before it.
+TEST(LineTrace, AProcessThatIsKilledLeavesEveryLineThatItHasWritten) {
+  test::CTemporaryFolder folder;
+  const std::string file = folder / "trace";
+  void* const shared = mmap(nullptr, sizeof(std::atomic<int>), PROT_READ | PROT_WRITE,
+                            MAP_SHARED | MAP_ANONYMOUS, -1, 0);
+  ASSERT_NE(shared, MAP_FAILED);
+  std::atomic<int>& count = *new (shared) std::atomic<int>;
+  const std::function<void()> writers[] = {[&] {
+                                             CFileTrace trace(file);
+                                             for (;; ++count)
+                                               trace.Record(ETraceMark::NOTE,
+                                                            "- " + std::to_string(count));
+                                           },
+                                           [&] {
+                                             CPrivateTextFile trace(file);
+                                             for (;; ++count)
+                                               trace.WriteLine("- " + std::to_string(count));
+                                           }};
+  for (int kill = 0; kill < 20; ++kill) {
+    fs::remove(file);
+    count = 0;
+    const pid_t child = fork();
+    if (child == 0) writers[kill % 2]();
+    while (count == 0 && waitpid(child, nullptr, WNOHANG) == 0) std::this_thread::yield();
+    std::this_thread::sleep_for(std::chrono::microseconds(kill * 197));
+    ::kill(child, SIGKILL);
+    ASSERT_EQ(waitpid(child, nullptr, 0), child);
+    std::ifstream lines(file);
+    int found = 0;
+    for (std::string line; std::getline(lines, line) && !lines.eof(); ++found) {
+      ASSERT_TRUE(line.ends_with("- " + std::to_string(found))) << line;
+    }
+    EXPECT_GE(found, count);
+  }
 }
 
 TEST(SerialPorts, ListHasWhatIsThereInNaturalOrder) {

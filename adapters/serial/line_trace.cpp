@@ -6,11 +6,10 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <array>
 #include <cerrno>
 #include <chrono>
-#include <cstdio>
 #include <ctime>
+#include <optional>
 #include <system_error>
 
 #include "adapters/posix/links.h"
@@ -49,51 +48,72 @@ class CHeldPipeSignal {
   bool waspending_;
 };
 
+bool IsRegular(int file) {
+  struct stat status {};
+  return fstat(file, &status) == 0 && S_ISREG(status.st_mode);
+}
+
 // A regular file that this process has open, under a name such as "/dev/stdout": opened anew, it
 // would be written at a place of its own, over what others write to it. -1 for any other.
 int SharedFile(const std::string& path) {
   try {
-    struct stat status {};
     const auto number = OwnDescriptor(FollowLinks(path));
-    if (!number || fstat(*number, &status) != 0 || !S_ISREG(status.st_mode)) return -1;
+    if (!number || !IsRegular(*number)) return -1;
     return fcntl(*number, F_DUPFD_CLOEXEC, 0);
   } catch (const std::system_error&) {
     return -1;  // opening it tells why
   }
 }
 
-std::string TimeStamp() {
-  using std::chrono::system_clock;
-  const auto now = std::chrono::floor<std::chrono::milliseconds>(system_clock::now());
-  const std::time_t seconds = system_clock::to_time_t(now);
-  std::tm parts{};
-  gmtime_r(&seconds, &parts);
-  std::array<char, 24> day{};
-  std::strftime(day.data(), day.size(), "%Y-%m-%d %H:%M:%S", &parts);
-  std::array<char, 32> stamp{};
-  std::snprintf(stamp.data(), stamp.size(), "%s.%03dZ", day.data(),
-                static_cast<int>(now.time_since_epoch().count() % 1000));
-  return stamp.data();
+// In UTC, such as "2026-03-01 09:30:00.125Z".
+void AppendTime(std::string& line) {
+  using namespace std::chrono;
+  const auto now = floor<milliseconds>(system_clock::now());
+  const auto today = floor<days>(now);
+  const year_month_day date(today);
+  const hh_mm_ss time(now - today);
+  struct Part {
+    std::int64_t value;
+    int digits;
+    char behind;
+  };
+  for (const Part& part : {Part{static_cast<int>(date.year()), 4, '-'},
+                           {static_cast<unsigned>(date.month()), 2, '-'},
+                           {static_cast<unsigned>(date.day()), 2, ' '},
+                           {time.hours().count(), 2, ':'},
+                           {time.minutes().count(), 2, ':'},
+                           {time.seconds().count(), 2, '.'},
+                           {time.subseconds().count(), 3, 'Z'}}) {
+    line.resize(line.size() + static_cast<std::size_t>(part.digits));
+    std::int64_t left = part.value;
+    for (auto digit = line.rbegin(); digit != line.rbegin() + part.digits; ++digit, left /= 10) {
+      *digit = static_cast<char>('0' + left % 10);
+    }
+    line += part.behind;
+  }
+}
+
+void AppendEscaped(std::string& line, std::string_view text) {
+  constexpr char kDigits[] = "0123456789ABCDEF";
+  for (const char c : text) {
+    const auto byte = static_cast<unsigned char>(c);
+    if (c == '\\') {
+      line += "\\\\";
+    } else if (byte >= ' ' && byte <= '~') {
+      line += c;
+    } else {
+      line += "\\x";
+      line += kDigits[byte >> 4];
+      line += kDigits[byte & 0xF];
+    }
+  }
 }
 
 }  // namespace
 
 std::string EscapedText(std::string_view text) {
-  constexpr char kDigits[] = "0123456789ABCDEF";
   std::string escaped;
-  escaped.reserve(text.size());
-  for (const char c : text) {
-    const auto byte = static_cast<unsigned char>(c);
-    if (c == '\\') {
-      escaped += "\\\\";
-    } else if (byte >= ' ' && byte <= '~') {
-      escaped += c;
-    } else {
-      escaped += "\\x";
-      escaped += kDigits[byte >> 4];
-      escaped += kDigits[byte & 0xF];
-    }
-  }
+  AppendEscaped(escaped, text);
   return escaped;
 }
 
@@ -112,16 +132,21 @@ CFileTrace::CFileTrace(const std::string& path)
     throw LibraryError(ERR_LINE_TRACE_FILE, "CFileTrace - Open",
                        "The trace file " + path + " can't be opened for writing (" + reason + ").");
   }
+  isregular_ = IsRegular(file_);
 }
 
 CFileTrace::~CFileTrace() { close(file_); }
 
 void CFileTrace::Record(ETraceMark mark, std::string_view text) {
   constexpr char kMarks[] = {'>', '<', '-'};
-  std::string record = isbroken_ ? "\n" : "";
-  record += TimeStamp() + ' ' + kMarks[static_cast<int>(mark)] + ' ' + EscapedText(text) + '\n';
-  const CHeldPipeSignal held;
-  for (std::string_view left = record; !left.empty();) {
+  record_ = isbroken_ ? "\n" : "";
+  AppendTime(record_);
+  record_ += {' ', kMarks[static_cast<int>(mark)], ' '};
+  AppendEscaped(record_, text);
+  record_ += '\n';
+  std::optional<CHeldPipeSignal> held;
+  if (!isregular_) held.emplace();
+  for (std::string_view left = record_; !left.empty();) {
     const ssize_t written = write(file_, left.data(), left.size());
     if (written >= 0) {
       left.remove_prefix(static_cast<std::size_t>(written));

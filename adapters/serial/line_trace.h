@@ -50,7 +50,9 @@ class CFileTrace final : public CLineTrace {
 
   const std::string path_;
   int file_;
-  bool isbroken_ = false;  // a record ended before its line did
+  bool isregular_ = false;  // no write raises a signal for want of a reader
+  std::string record_;      // keeps its room from record to record
+  bool isbroken_ = false;   // a record ended before its line did
   std::string trouble_;
 };
 
