@@ -42,7 +42,10 @@ std::string CMachinePlatform::LongTimeText(std::chrono::local_seconds moment) {
 }
 
 std::string CMachinePlatform::FolderOfLibrary() {
-  return std::filesystem::read_symlink("/proc/self/exe").parent_path().string();
+  // Every channel asks, at each read of all settings.
+  static const std::string folder =
+      std::filesystem::read_symlink("/proc/self/exe").parent_path().string();
+  return folder;
 }
 
 std::string CMachinePlatform::SystemFolder() { return "/usr/lib"; }
