@@ -1,5 +1,6 @@
 // What an exchange costs through the whole library, alone and within a read of all settings, beside
 // the bare calls of the operating system on the same line; and what a pause costs.
+#include <poll.h>
 #include <sys/resource.h>
 #include <unistd.h>
 
@@ -62,13 +63,18 @@ double RatePerSecond(std::int32_t exchanges, const std::function<void()>& body) 
   return times * exchanges / SecondsSince(start);
 }
 
-// The same bytes on the same line, by calls that wait, until the line end is there.
-void BareExchange(int line, std::string_view command) {
+enum class EWait { ENDLESS, BOUNDED };
+
+// The same bytes on the same line, by calls that wait, until the line end is there. A wait that is
+// to end some time needs a call of its own.
+void BareExchange(int line, std::string_view command, EWait wait) {
   std::array<char, protocol::kMaxLineLength> answer;
   if (write(line, command.data(), command.size()) != static_cast<ssize_t>(command.size())) {
     throw std::runtime_error("The line takes no bytes.");
   }
   for (char last = 0; last != '\n';) {
+    pollfd wanted{line, POLLIN, 0};
+    if (wait == EWait::BOUNDED) poll(&wanted, 1, 1000);
     const ssize_t count = read(line, answer.data(), answer.size());
     if (count <= 0) throw std::runtime_error("The line is lost.");
     last = answer[static_cast<std::size_t>(count) - 1];
@@ -108,20 +114,27 @@ void MeasureExchanges(CVaneT312B& readout, LineSettings& settings, const CTimedP
       std::string(protocol::kLineEnd);
   const std::int32_t exchanges = ExchangesOfQueryInfo(readout, settings);
   Rates bare;
+  Rates bounded;
   Rates single;
   Rates all;
   const double pausedbefore = platform.PausedSeconds();
   // In turns, so that a machine that slows down or speeds up meanwhile does it to all.
   for (std::int32_t round = 0; round < kRounds; ++round) {
-    bare.rounds.push_back(RatePerSecond(1, [&] { BareExchange(line, command); }));
+    const auto exchange = [&](EWait wait) {
+      return RatePerSecond(1, [&, wait] { BareExchange(line, command, wait); });
+    };
+    bare.rounds.push_back(exchange(EWait::ENDLESS));
+    bounded.rounds.push_back(exchange(EWait::BOUNDED));
     single.rounds.push_back(RatePerSecond(1, [&] { readout.QueryMeasurement(kInput); }));
     all.rounds.push_back(RatePerSecond(exchanges, [&] { ReadSettings(readout); }));
   }
   std::printf("%d rounds of %d exchanges each, in turns; medians:\n", kRounds, kExchanges);
   bare.Print("bare write and read");
+  bounded.Print("bare write, poll and read");
   single.Print("CVaneT312B::QueryMeasurement");
   all.Print("CVaneT312B::QueryInfo");
-  std::printf("QueryMeasurement: ratio %.2f, aim: at most 1.3\n", Ratio(bare, single));
+  std::printf("QueryMeasurement: ratio %.2f, aim: at most 1.3; a wait that ends alone: %.2f\n",
+              Ratio(bare, single), Ratio(bare, bounded));
   std::printf("QueryInfo with a scanner: ratio of each of its %d exchanges %.2f; %.2f ms the run\n",
               exchanges, Ratio(bare, all), exchanges * 1e3 / MedianOf(all.rounds));
   std::printf("Pauses within the runs of QueryInfo: %.3f s\n",
