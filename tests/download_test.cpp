@@ -364,11 +364,17 @@ TEST_F(Download, OldFirmwareAndASilentInstrumentEndItBeforeAnyReading) {
 }
 
 TEST_F(Download, FailuresEndInOneBoxAndLeaveNoHalfFile) {
-  host_.script.silent.insert("read 275 Index=3");
-  EXPECT_FALSE(Run());
-  EXPECT_NE(Boxes().find("attempting to download log data.//Error: 4711 - No answer/(line)"),
-            std::string::npos);
-  EXPECT_TRUE(Trace().ends_with("Error: 4711 - No answer[Source: line]\nDownload finished...\n"));
+  for (const auto& [at, kept] : {std::pair(3, "25.0012 C 1\r\n77 F 2\r\n"), std::pair(1, "")}) {
+    host_.script.silent = {"read 275 Index=" + std::to_string(at)};
+    EXPECT_FALSE(Run());
+    EXPECT_EQ(Boxes(),
+              "box 16 Corvane: An error occurred while attempting to download log data.//Error: "
+              "4711 - No answer/(line)\n");
+    EXPECT_TRUE(Trace().ends_with(
+        "Writing downloaded data to temp file...\nError: 4711 - No answer[Source: line]\n"
+        "Download finished...\n"));
+    EXPECT_EQ(Raw(), kept);
+  }
   host_.script.silent.clear();
 
   CFailingParser parser;
@@ -414,6 +420,7 @@ TEST_F(Download, AFullDiskIsAnErrorAndLeavesTheOlderFile) {
   };
   SetLog(std::vector<std::string>(400, "1 C 1"));
   std::ofstream(out_ / "download.txt") << "old";
+  std::ofstream(temp_ / "TMPDWNLD.LOG") << "of an earlier run";
   for (const bool recordstrace : {true, false}) {
     host_.recordstrace = recordstrace;
     bool done = true;
@@ -429,6 +436,7 @@ TEST_F(Download, AFullDiskIsAnErrorAndLeavesTheOlderFile) {
     EXPECT_EQ(File(), "old");
     EXPECT_EQ(FilesIn(out_), 1u);
   }
+  EXPECT_TRUE(Raw().starts_with("1 C 1\r\n")) << "of a run whose trace was full before its end";
 }
 
 TEST_F(Download, TheFileIsPreparedInItsOrder) {

@@ -28,9 +28,8 @@ class CLogDownload {
   enum class EEnd { SILENT, STOPPED, DONE };
 
   EEnd Transfer(ET312BDownloadLogOption log, std::int16_t numreadings);
-  // False when the reading stays bad.
-  bool FetchReading(ECommand id, std::int32_t reading, const std::string& total,
-                    std::string& reply);
+  void FetchReadings(ECommand id, std::int16_t count);
+  std::string FetchReading(ECommand id, std::int32_t reading, const std::string& total);
   bool WriteTempFile();
   void Parse(AwkOne& awkParser, bool prompt);
   bool PrepareFile(CVaneOutputFile& file, bool prompt, std::int16_t chn);

@@ -102,8 +102,7 @@ CLogDownload::EEnd CLogDownload::Transfer(ET312BDownloadLogOption log, std::int1
     return EEnd::STOPPED;
   }
   const std::int16_t count = numreadings == 0 ? kUsualReadings : numreadings;
-  const std::string total = std::to_string(count);
-  trace_->WriteLine("Count: " + total);
+  trace_->WriteLine("Count: " + std::to_string(count));
   trace_->WriteLine("Downloading data...");
   LineOf(instrument_).params().ClearAll();
   progress_ = components_.factory.MakeProgress();
@@ -111,30 +110,18 @@ CLogDownload::EEnd CLogDownload::Transfer(ET312BDownloadLogOption log, std::int1
   const ECommand id = log == ET312BDownloadLogOption::DOWNLOAD_HISTORY_LOG
                           ? ECommand::READ_HISTORY_LOG
                           : ECommand::READ_MEMORY_LOG;
-  std::int32_t bad = 0;
-  for (std::int32_t reading = 1; reading <= count; ++reading) {
-    LineOf(instrument_).params().Index = std::to_string(reading);
-    std::string reply;
-    if (!FetchReading(id, reading, total, reply)) {
-      bad = reading;
-      break;
-    }
-    if (!progress_->Step(count, reading, kNoPosition)) {
-      aborted_ = true;
-      break;
-    }
-    if (reply.empty()) break;
-    rawtext_ += reply;
-    rawtext_ += "\r\n";
+  constexpr char kWriting[] = "Writing downloaded data to temp file...";
+  try {
+    FetchReadings(id, count);
+  } catch (...) {
+    // The readings so far are kept, and those of an earlier run don't pass for them.
+    CPendingFailure ignored;
+    ignored.Try([&] { trace_->WriteLine(kWriting); });
+    WriteTempFile();
+    throw;
   }
-  trace_->WriteLine("Writing downloaded data to temp file...");
+  trace_->WriteLine(kWriting);
   WriteTempFile();
-  if (bad != 0) {
-    throw LibraryError(ERR_BAD_READING, InstrumentLabel("DownloadLog"),
-                       "Reading " + std::to_string(bad) +
-                           " of the log could not be fetched: the instrument answers with its "
-                           "identification.");
-  }
   progress_->Finish();
   progress_.reset();
   if (!aborted_) return EEnd::DONE;
@@ -143,16 +130,34 @@ CLogDownload::EEnd CLogDownload::Transfer(ET312BDownloadLogOption log, std::int1
   return EEnd::STOPPED;
 }
 
-bool CLogDownload::FetchReading(ECommand id, std::int32_t reading, const std::string& total,
-                                std::string& reply) {
-  for (int repeats = 0;; ++repeats) {
-    trace_->WriteLine("Querying value " + std::to_string(reading) + " of " + total + "...");
-    reply = LineOf(instrument_).ReadSetting(id);
-    trace_->WriteLine("Result: " + reply);
-    if (!Contains(reply, kIdentificationMark)) return true;
-    if (repeats == kMaxRepeats) return false;
-    trace_->WriteLine("Bad result - retry...");
+void CLogDownload::FetchReadings(ECommand id, std::int16_t count) {
+  const std::string total = std::to_string(count);
+  for (std::int32_t reading = 1; reading <= count; ++reading) {
+    LineOf(instrument_).params().Index = std::to_string(reading);
+    const std::string reply = FetchReading(id, reading, total);
+    if (!progress_->Step(count, reading, kNoPosition)) {
+      aborted_ = true;
+      return;
+    }
+    if (reply.empty()) return;
+    rawtext_ += reply;
+    rawtext_ += "\r\n";
   }
+}
+
+std::string CLogDownload::FetchReading(ECommand id, std::int32_t reading,
+                                       const std::string& total) {
+  for (int repeats = 0; repeats <= kMaxRepeats; ++repeats) {
+    if (repeats > 0) trace_->WriteLine("Bad result - retry...");
+    trace_->WriteLine("Querying value " + std::to_string(reading) + " of " + total + "...");
+    std::string reply = LineOf(instrument_).ReadSetting(id);
+    trace_->WriteLine("Result: " + reply);
+    if (!Contains(reply, kIdentificationMark)) return reply;
+  }
+  throw LibraryError(ERR_BAD_READING, InstrumentLabel("DownloadLog"),
+                     "Reading " + std::to_string(reading) +
+                         " of the log could not be fetched: the instrument answers with its "
+                         "identification.");
 }
 
 bool CLogDownload::WriteTempFile() {

@@ -316,8 +316,8 @@ class CVaneT312B {
   /// failure, has stopped the run, or when the instrument stays silent. A stop during the parsing
   /// leaves the rows so far in the file. In the temporary folder stay DNLDT312B.LOG, the trace of
   /// the run, and TMPDWNLD.LOG, the readings as the instrument has sent them, up to the log's end,
-  /// a stop, or a reading that stays bad. A failure of the line writes none, so what lies there
-  /// then is an earlier run's.
+  /// a stop, a reading that stays bad, or a failure of the line. A run that ends before it asks for
+  /// the first reading leaves an earlier run's there.
   bool DownloadLog(AwkOne& awkParser,
                    ET312BDownloadLogOption log = ET312BDownloadLogOption::DOWNLOAD_HISTORY_LOG,
                    ET312BDownloadOption opt = ET312BDownloadOption::DOWNLOAD_SINGLE_FILE,
