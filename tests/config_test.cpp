@@ -4,7 +4,7 @@
 #include "apps/thermoscribe/port_choice.h"
 #include "tests/support/cli.h"
 
-namespace vane {
+namespace vane::thermoscribe {
 namespace {
 
 using testing::HasSubstr;
@@ -146,4 +146,4 @@ TEST(PortChoice, TakesALoneUsbAdapterAndNothingElseUnasked) {
 }
 
 }  // namespace
-}  // namespace vane
+}  // namespace vane::thermoscribe

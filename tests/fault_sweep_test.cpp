@@ -27,7 +27,7 @@
 #include "protocol/command_table.h"
 #include "simulator/line_server.h"
 
-namespace vane {
+namespace vane::thermoscribe {
 namespace {
 
 namespace fs = std::filesystem;
@@ -390,4 +390,4 @@ TEST_F(FaultSweep, ASignalAtAnyMomentStopsAWriteAndIsToldOf) {
 }
 
 }  // namespace
-}  // namespace vane
+}  // namespace vane::thermoscribe

@@ -15,7 +15,7 @@
 #include "apps/thermoscribe/command_line.h"
 #include "apps/thermoscribe/line_options.h"
 
-namespace vane {
+namespace vane::thermoscribe {
 namespace {
 
 using testing::HasSubstr;
@@ -118,4 +118,4 @@ TEST(Manual, TellsOfEveryCommandOptionVariableAndExitCodeAndOfNoOther) {
 }
 
 }  // namespace
-}  // namespace vane
+}  // namespace vane::thermoscribe

@@ -9,10 +9,10 @@
 #include "adapters/headless/headless_factory.h"
 #include "adapters/headless/headless_platform.h"
 #include "apps/thermoscribe/instrument_properties.h"
-#include "apps/thermoscribe/probe_record.h"
+#include "apps/thermoscribe/shown_record.h"
 #include "simulator/line_server.h"
 
-namespace vane {
+namespace vane::thermoscribe {
 namespace {
 
 class Sweep : public testing::Test {
@@ -132,4 +132,4 @@ TEST_F(Sweep, EveryChannelAndProbeComesBackAsItWasWritten) {
 }
 
 }  // namespace
-}  // namespace vane
+}  // namespace vane::thermoscribe

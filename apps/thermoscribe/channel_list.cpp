@@ -5,10 +5,10 @@
 #include <string_view>
 
 #include "apps/thermoscribe/command.h"
-#include "apps/thermoscribe/settings_write.h"
+#include "apps/thermoscribe/property_write.h"
 #include "vane/support/texts.h"
 
-namespace vane {
+namespace vane::thermoscribe {
 namespace {
 
 // 0 for what is no channel.
@@ -46,4 +46,4 @@ std::vector<std::int16_t> ChannelList(const std::string& option, const std::stri
   return channels;
 }
 
-}  // namespace vane
+}  // namespace vane::thermoscribe

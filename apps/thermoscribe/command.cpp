@@ -6,7 +6,7 @@
 
 #include "apps/thermoscribe/value_rule.h"
 
-namespace vane {
+namespace vane::thermoscribe {
 
 Option Flag(std::string name, bool& target, std::string brief) {
   return {std::move(name), {}, std::move(brief), [&target](const std::string&) { target = true; }};
@@ -92,4 +92,4 @@ std::string Listed(const std::vector<std::string>& words, std::string_view last)
   return text;
 }
 
-}  // namespace vane
+}  // namespace vane::thermoscribe

@@ -13,7 +13,7 @@
 
 #include "apps/thermoscribe/exit_codes.h"
 
-namespace vane {
+namespace vane::thermoscribe {
 
 class CHost;
 
@@ -113,4 +113,4 @@ Option DryRun(bool& target);
 /// "a", "a and b", "a, b and c".
 std::string Listed(const std::vector<std::string>& words, std::string_view last = "and");
 
-}  // namespace vane
+}  // namespace vane::thermoscribe

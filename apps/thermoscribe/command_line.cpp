@@ -11,7 +11,7 @@
 
 #include "apps/thermoscribe/value_rule.h"
 
-namespace vane {
+namespace vane::thermoscribe {
 namespace {
 
 constexpr const char* kHelp = "help";
@@ -259,4 +259,4 @@ ParsedLine ParseCommandLine(const Command& program, int argc, char** argv, std::
   return CParser(program).Parse(argc, argv, command);
 }
 
-}  // namespace vane
+}  // namespace vane::thermoscribe

@@ -6,7 +6,7 @@
 
 #include "apps/thermoscribe/command.h"
 
-namespace vane {
+namespace vane::thermoscribe {
 
 /// Every command takes it, and the parser itself answers it.
 Option HelpFlag();
@@ -21,4 +21,4 @@ struct ParsedLine {
 /// name of the command as far as it is known, "settings set", also when this raises `CUsageError`.
 ParsedLine ParseCommandLine(const Command& program, int argc, char** argv, std::string& command);
 
-}  // namespace vane
+}  // namespace vane::thermoscribe

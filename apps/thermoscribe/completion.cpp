@@ -7,7 +7,7 @@
 #include "apps/thermoscribe/command_line.h"
 #include "apps/thermoscribe/value_rule.h"
 
-namespace vane {
+namespace vane::thermoscribe {
 namespace {
 
 constexpr std::string_view kWords = "words\n";
@@ -215,4 +215,4 @@ std::string CompletionText(const Command& program, std::span<const std::string> 
   return line.Offers(words.back());
 }
 
-}  // namespace vane
+}  // namespace vane::thermoscribe

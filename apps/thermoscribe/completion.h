@@ -11,7 +11,7 @@
 
 #include "apps/thermoscribe/command.h"
 
-namespace vane {
+namespace vane::thermoscribe {
 
 /// The word behind which the words of the line follow, none of them to be taken as this program's.
 inline constexpr const char* kCompleteWord = "__complete";
@@ -21,4 +21,4 @@ inline constexpr const char* kCompleteWord = "__complete";
 /// a tab what it means. A candidate that ends with "=" goes on.
 std::string CompletionText(const Command& program, std::span<const std::string> words);
 
-}  // namespace vane
+}  // namespace vane::thermoscribe

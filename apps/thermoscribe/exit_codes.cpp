@@ -6,7 +6,7 @@
 
 #include "adapters/serial/line_errors.h"
 
-namespace vane {
+namespace vane::thermoscribe {
 namespace {
 
 constexpr std::array kRows = {
@@ -84,4 +84,4 @@ EExitCode ExitCodeOfLine(std::int32_t number) {
   }
 }
 
-}  // namespace vane
+}  // namespace vane::thermoscribe

@@ -6,7 +6,7 @@
 #include <span>
 #include <string>
 
-namespace vane {
+namespace vane::thermoscribe {
 
 enum class EExitCode : std::int32_t {
   DONE = 0,
@@ -40,4 +40,4 @@ const char* MeaningOf(EExitCode code);
 /// The code of an exchange that failed with the error `number`; `FAILED` for 0.
 EExitCode ExitCodeOfLine(std::int32_t number);
 
-}  // namespace vane
+}  // namespace vane::thermoscribe

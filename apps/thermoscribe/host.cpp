@@ -13,7 +13,7 @@
 #include "vane/support/text_table.h"
 #include "vane/support/texts.h"
 
-namespace vane {
+namespace vane::thermoscribe {
 namespace {
 
 class CMomentTrace final : public CLineTrace {
@@ -286,4 +286,4 @@ EExitCode CHost::Close(EExitCode code, const std::string& command) {
   return code;
 }
 
-}  // namespace vane
+}  // namespace vane::thermoscribe

@@ -26,7 +26,7 @@
 #include "vane/components/ui.h"
 #include "vane/instrument/t312b.h"
 
-namespace vane {
+namespace vane::thermoscribe {
 
 /// The terminal, or what stands for it in a program's own form.
 class CHostPlatform final : public CTerminalPlatform {
@@ -158,4 +158,4 @@ class CHost {
   std::optional<EExitCode> errorcode_;  // of the first error that was told
 };
 
-}  // namespace vane
+}  // namespace vane::thermoscribe

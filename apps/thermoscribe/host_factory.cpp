@@ -13,7 +13,7 @@
 #include "vane/components/memory_forms.h"
 #include "vane/support/paths.h"
 
-namespace vane {
+namespace vane::thermoscribe {
 namespace {
 
 constexpr const char* kOpener = "xdg-open";
@@ -99,4 +99,4 @@ std::unique_ptr<ui::CForm> CHostFactory::MakeForm(const std::string& name) {
   return std::make_unique<ui::CForm>(name, std::move(view));
 }
 
-}  // namespace vane
+}  // namespace vane::thermoscribe

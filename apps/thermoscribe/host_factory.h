@@ -10,7 +10,7 @@
 #include "adapters/terminal/interrupts.h"
 #include "vane/components/components.h"
 
-namespace vane {
+namespace vane::thermoscribe {
 
 /// The latest text file of columns.
 struct WrittenFile {
@@ -53,4 +53,4 @@ class CHostFactory final : public CComponentFactory {
   WrittenFile latestfile_;
 };
 
-}  // namespace vane
+}  // namespace vane::thermoscribe

@@ -10,7 +10,7 @@
 #include "simulator/options.h"
 #include "vane/components/communications.h"
 
-namespace vane {
+namespace vane::thermoscribe {
 
 /// What a test that runs the program in its own process puts in the place of time and chance.
 struct RunSeams {
@@ -33,4 +33,4 @@ struct HostOptions {
   bool version = false;  ///< print the version, do nothing
 };
 
-}  // namespace vane
+}  // namespace vane::thermoscribe

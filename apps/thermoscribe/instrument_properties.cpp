@@ -7,7 +7,7 @@
 #include "vane/support/numbering.h"
 #include "vane/support/texts.h"
 
-namespace vane {
+namespace vane::thermoscribe {
 namespace {
 
 using enum EPropertyGroup;
@@ -300,4 +300,4 @@ std::string PropertyText(const PropertyRow& row, const Json& value) {
   return text;
 }
 
-}  // namespace vane
+}  // namespace vane::thermoscribe

@@ -15,7 +15,7 @@
 #include "vane/instrument/t312b.h"
 #include "vane/support/numbering.h"
 
-namespace vane {
+namespace vane::thermoscribe {
 
 enum class EPropertyGroup : std::int32_t {
   READOUT,
@@ -91,4 +91,4 @@ Json PropertyValue(const PropertyRow& row, const CVaneT312B& instrument);
 /// A value of `row` for people, with its unit.
 std::string PropertyText(const PropertyRow& row, const Json& value);
 
-}  // namespace vane
+}  // namespace vane::thermoscribe

@@ -13,7 +13,7 @@
 #include "apps/thermoscribe/port_choice.h"
 #include "apps/thermoscribe/value_rule.h"
 
-namespace vane {
+namespace vane::thermoscribe {
 namespace {
 
 using Seconds = std::chrono::duration<double>;
@@ -105,4 +105,4 @@ void TakeDefaults(HostOptions& options, const CConfigRegistry& registry) {
   if (options.port.empty() && !options.simulated) options.port = LoneAdapter(ListSerialPorts());
 }
 
-}  // namespace vane
+}  // namespace vane::thermoscribe

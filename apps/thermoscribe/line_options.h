@@ -12,8 +12,10 @@
 #include "apps/thermoscribe/output.h"
 
 namespace vane {
-
 class CConfigRegistry;
+}
+
+namespace vane::thermoscribe {
 
 /// The sub key of the user's registry that holds the program's own entries.
 inline constexpr const char* kProgramSubkey = "thermoscribe";
@@ -51,4 +53,4 @@ EValueSource TakeDefault(const LineOptionRow& row, HostOptions& options,
 /// readout has no port. Raises `CUsageError`.
 void TakeDefaults(HostOptions& options, const CConfigRegistry& registry);
 
-}  // namespace vane
+}  // namespace vane::thermoscribe

@@ -12,7 +12,7 @@
 #include "adapters/files/whole_file.h"
 #include "adapters/posix/links.h"
 
-namespace vane {
+namespace vane::thermoscribe {
 namespace {
 
 constexpr const char* kStandard = "-";
@@ -131,4 +131,4 @@ void CLineOutput::WriteWhole(std::string_view text) {
   }
 }
 
-}  // namespace vane
+}  // namespace vane::thermoscribe

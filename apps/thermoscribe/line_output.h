@@ -9,7 +9,7 @@
 #include "adapters/posix/patience.h"
 #include "adapters/posix/posix_file.h"
 
-namespace vane {
+namespace vane::thermoscribe {
 
 /// Whether `path` names what standard output goes to: "-", "/dev/stdout", or a file or pipe by its
 /// own name. Nothing else may stand there then.
@@ -58,4 +58,4 @@ class CLineOutput {
   std::optional<std::string> firstline_;
 };
 
-}  // namespace vane
+}  // namespace vane::thermoscribe

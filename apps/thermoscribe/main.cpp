@@ -9,9 +9,9 @@
 int main(int argc, char** argv) {
   vane::PrepareProcess();
   try {
-    return static_cast<int>(vane::RunThermoscribe(argc, argv));
+    return static_cast<int>(vane::thermoscribe::RunThermoscribe(argc, argv));
   } catch (const std::exception& error) {
-    vane::CNotices(false, false).Tell(error.what());
-    return static_cast<int>(vane::EExitCode::FAILED);
+    vane::thermoscribe::CNotices(false, false).Tell(error.what());
+    return static_cast<int>(vane::thermoscribe::EExitCode::FAILED);
   }
 }

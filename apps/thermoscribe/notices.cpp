@@ -5,7 +5,7 @@
 #include "adapters/terminal/terminal_output.h"
 #include "apps/thermoscribe/output.h"
 
-namespace vane {
+namespace vane::thermoscribe {
 namespace {
 
 constexpr int kStandardError = 2;
@@ -74,4 +74,4 @@ void CNotices::Close(EExitCode code, const std::string& hint, std::int32_t numbe
         "\n");
 }
 
-}  // namespace vane
+}  // namespace vane::thermoscribe

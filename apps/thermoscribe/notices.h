@@ -6,7 +6,7 @@
 
 #include "apps/thermoscribe/exit_codes.h"
 
-namespace vane {
+namespace vane::thermoscribe {
 
 class CNotices {
  public:
@@ -50,4 +50,4 @@ class CNotices {
   std::int32_t number_ = 0;
 };
 
-}  // namespace vane
+}  // namespace vane::thermoscribe

@@ -11,7 +11,7 @@
 #include "adapters/terminal/terminal_output.h"
 #include "vane/support/number_text.h"
 
-namespace vane {
+namespace vane::thermoscribe {
 namespace {
 
 constexpr int kVersion = 1;
@@ -200,4 +200,4 @@ void COutput::File(const std::string& path, std::string_view text, mode_t mode) 
   WriteWholeFile(path, text, mode, patience_);
 }
 
-}  // namespace vane
+}  // namespace vane::thermoscribe

@@ -14,7 +14,7 @@
 
 #include "apps/thermoscribe/line_output.h"
 
-namespace vane {
+namespace vane::thermoscribe {
 
 /// Keeps its members in the order in which they were given.
 using Json = nlohmann::ordered_json;
@@ -98,4 +98,4 @@ std::string MomentText(std::chrono::local_seconds moment);
 /// `text` with blanks up to `columns` characters.
 std::string Padded(const std::string& text, std::size_t columns);
 
-}  // namespace vane
+}  // namespace vane::thermoscribe

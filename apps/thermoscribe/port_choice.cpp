@@ -5,7 +5,7 @@
 
 #include "apps/thermoscribe/command.h"
 
-namespace vane {
+namespace vane::thermoscribe {
 namespace {
 
 Json Known(const std::string& text) { return text.empty() ? Json() : Json(text); }
@@ -45,4 +45,4 @@ std::string LoneAdapter(const std::vector<SerialPortRecord>& ports) {
       ". Choose one by --port:\n" + text);
 }
 
-}  // namespace vane
+}  // namespace vane::thermoscribe

@@ -7,7 +7,7 @@
 #include "adapters/serial/serial_ports.h"
 #include "apps/thermoscribe/output.h"
 
-namespace vane {
+namespace vane::thermoscribe {
 
 /// One object per port, or a table.
 void ShowPorts(COutput& output, const std::vector<SerialPortRecord>& ports);
@@ -17,4 +17,4 @@ void ShowPorts(COutput& output, const std::vector<SerialPortRecord>& ports);
 /// there is none or a choice.
 std::string LoneAdapter(const std::vector<SerialPortRecord>& ports);
 
-}  // namespace vane
+}  // namespace vane::thermoscribe

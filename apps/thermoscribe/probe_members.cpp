@@ -7,14 +7,14 @@
 #include <stdexcept>
 
 #include "apps/thermoscribe/command.h"
-#include "apps/thermoscribe/probe_record.h"
+#include "apps/thermoscribe/shown_record.h"
 #include "apps/thermoscribe/value_rule.h"
 #include "vane/components/components.h"
 #include "vane/support/display_texts.h"
 #include "vane/support/field_editing.h"
 #include "vane/support/texts.h"
 
-namespace vane {
+namespace vane::thermoscribe {
 namespace {
 
 using Channel = CVaneT312BPRTTHRMChannel;
@@ -192,4 +192,4 @@ std::string ProblemOfRecord(const Json& record) {
   return {};
 }
 
-}  // namespace vane
+}  // namespace vane::thermoscribe

@@ -10,7 +10,7 @@
 #include "apps/thermoscribe/output.h"
 #include "apps/thermoscribe/value_rule.h"
 
-namespace vane {
+namespace vane::thermoscribe {
 
 /// A member of a probe's record other than its coefficients.
 struct ProbeMemberRow {
@@ -43,4 +43,4 @@ bool HoldsConversion(const Json& values);
 /// it can be stored.
 std::string ProblemOfRecord(const Json& record);
 
-}  // namespace vane
+}  // namespace vane::thermoscribe

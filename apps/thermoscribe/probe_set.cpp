@@ -5,14 +5,14 @@
 #include "apps/thermoscribe/command.h"
 #include "apps/thermoscribe/host.h"
 #include "apps/thermoscribe/probe_members.h"
-#include "apps/thermoscribe/probe_record.h"
-#include "apps/thermoscribe/settings_write.h"
+#include "apps/thermoscribe/property_write.h"
+#include "apps/thermoscribe/shown_record.h"
 #include "apps/thermoscribe/stages.h"
 #include "apps/thermoscribe/value_check.h"
 #include "apps/thermoscribe/value_rule.h"
 #include "vane/support/display_texts.h"
 
-namespace vane {
+namespace vane::thermoscribe {
 namespace {
 
 // With the coefficients beside the other members.
@@ -190,4 +190,4 @@ EExitCode WriteChannel(CHost& host, std::int16_t number, const Json& values, boo
   return Write(host, {*channel, 0, true}, values, dryrun);
 }
 
-}  // namespace vane
+}  // namespace vane::thermoscribe

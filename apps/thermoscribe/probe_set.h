@@ -8,7 +8,7 @@
 #include "apps/thermoscribe/exit_codes.h"
 #include "apps/thermoscribe/output.h"
 
-namespace vane {
+namespace vane::thermoscribe {
 
 class CHost;
 
@@ -26,4 +26,4 @@ EExitCode WriteProbe(CHost& host, std::int16_t number, const Json& values, bool 
 /// The same with the probe of a channel; `values` may assign another.
 EExitCode WriteChannel(CHost& host, std::int16_t number, const Json& values, bool dryrun);
 
-}  // namespace vane
+}  // namespace vane::thermoscribe

@@ -5,10 +5,10 @@
 #include <utility>
 
 #include "adapters/terminal/terminal_passcode.h"
-#include "apps/thermoscribe/commands.h"
 #include "apps/thermoscribe/line_options.h"
+#include "apps/thermoscribe/program_commands.h"
 
-namespace vane {
+namespace vane::thermoscribe {
 namespace {
 
 constexpr const char* kDescription =
@@ -139,4 +139,4 @@ Command Program(HostOptions& host) {
   return program;
 }
 
-}  // namespace vane
+}  // namespace vane::thermoscribe

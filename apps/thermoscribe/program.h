@@ -4,7 +4,7 @@
 #include "apps/thermoscribe/command.h"
 #include "apps/thermoscribe/host_options.h"
 
-namespace vane {
+namespace vane::thermoscribe {
 
 /// The program with its global options, which put what they are given into `host`, and all
 /// commands. `host` outlives the parsing.
@@ -13,4 +13,4 @@ Command Program(HostOptions& host);
 /// "thermoscribe 1.2.3", one line.
 std::string VersionText();
 
-}  // namespace vane
+}  // namespace vane::thermoscribe

@@ -14,7 +14,7 @@
 #include "apps/thermoscribe/notices.h"
 #include "apps/thermoscribe/program.h"
 
-namespace vane {
+namespace vane::thermoscribe {
 namespace {
 
 EExitCode PrintPage(const std::string& page, CNotices& notices) {
@@ -78,4 +78,4 @@ EExitCode RunThermoscribe(int argc, char** argv, const RunSeams& seams) {
   return RunCommand(host, line.body, command);
 }
 
-}  // namespace vane
+}  // namespace vane::thermoscribe

@@ -5,10 +5,10 @@
 #include "apps/thermoscribe/exit_codes.h"
 #include "apps/thermoscribe/host_options.h"
 
-namespace vane {
+namespace vane::thermoscribe {
 
 /// Does what the command line asks for. Answers go to descriptor 1, all else to descriptor 2.
 /// `PrepareProcess` has been called before. One run at a time.
 EExitCode RunThermoscribe(int argc, char** argv, const RunSeams& seams = {});
 
-}  // namespace vane
+}  // namespace vane::thermoscribe

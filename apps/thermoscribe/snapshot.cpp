@@ -10,11 +10,11 @@
 #include "apps/thermoscribe/host.h"
 #include "apps/thermoscribe/instrument_properties.h"
 #include "apps/thermoscribe/probe_members.h"
-#include "apps/thermoscribe/probe_record.h"
-#include "apps/thermoscribe/settings_write.h"
+#include "apps/thermoscribe/property_write.h"
+#include "apps/thermoscribe/shown_record.h"
 #include "vane/support/texts.h"
 
-namespace vane {
+namespace vane::thermoscribe {
 namespace {
 
 constexpr const char* kFormat = "thermoscribe settings";
@@ -268,4 +268,4 @@ void ShowDifferences(CHost& host, const std::vector<Difference>& differences, co
                       "Nothing differs.");
 }
 
-}  // namespace vane
+}  // namespace vane::thermoscribe

@@ -10,7 +10,7 @@
 #include "apps/thermoscribe/output.h"
 #include "apps/thermoscribe/probe_members.h"
 
-namespace vane {
+namespace vane::thermoscribe {
 
 class CHost;
 
@@ -61,4 +61,4 @@ std::vector<Difference> Differences(const Json& left, const Json& right);
 void ShowDifferences(CHost& host, const std::vector<Difference>& differences, const char* lefttitle,
                      const char* righttitle);
 
-}  // namespace vane
+}  // namespace vane::thermoscribe

@@ -2,7 +2,7 @@
 
 #include "apps/thermoscribe/host.h"
 
-namespace vane {
+namespace vane::thermoscribe {
 namespace {
 
 std::string Names(const std::vector<Stage>& stages, std::size_t first, std::size_t last) {
@@ -57,4 +57,4 @@ EExitCode NotReadBack(CHost& host, EExitCode code) {
   return code;
 }
 
-}  // namespace vane
+}  // namespace vane::thermoscribe

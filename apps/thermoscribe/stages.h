@@ -8,7 +8,7 @@
 
 #include "apps/thermoscribe/exit_codes.h"
 
-namespace vane {
+namespace vane::thermoscribe {
 
 class CHost;
 
@@ -30,4 +30,4 @@ EExitCode NothingWritten(CHost& host, EExitCode code);
 /// For a write that is done and can't be read again to be seen: says so and gives `code` back.
 EExitCode NotReadBack(CHost& host, EExitCode code);
 
-}  // namespace vane
+}  // namespace vane::thermoscribe

@@ -4,7 +4,7 @@
 #include <cstdio>
 #include <cstdlib>
 
-namespace vane {
+namespace vane::thermoscribe {
 namespace {
 
 // Fewer than two digits or decimals are no way to keep a value.
@@ -44,4 +44,4 @@ std::string WrongValueText(const std::string& name, const CheckedValue& value,
          text(value.after) + ": " + WhyWrong(value) + ".";
 }
 
-}  // namespace vane
+}  // namespace vane::thermoscribe

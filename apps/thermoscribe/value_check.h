@@ -6,7 +6,7 @@
 
 #include "apps/thermoscribe/output.h"
 
-namespace vane {
+namespace vane::thermoscribe {
 
 struct CheckedValue {
   Json before;
@@ -21,4 +21,4 @@ std::string WhyWrong(const CheckedValue& value);
 std::string WrongValueText(const std::string& name, const CheckedValue& value,
                            const std::function<std::string(const Json&)>& text);
 
-}  // namespace vane
+}  // namespace vane::thermoscribe

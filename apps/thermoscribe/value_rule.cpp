@@ -8,7 +8,7 @@
 #include <system_error>
 #include <utility>
 
-namespace vane {
+namespace vane::thermoscribe {
 namespace {
 
 bool IsWithin(const NumberRule& rule, double number) {
@@ -104,4 +104,4 @@ std::string ExpectedText(const ValueRule& rule) {
          LimitText(limits.maximum);
 }
 
-}  // namespace vane
+}  // namespace vane::thermoscribe

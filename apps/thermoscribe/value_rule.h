@@ -10,7 +10,7 @@
 
 #include "apps/thermoscribe/output.h"
 
-namespace vane {
+namespace vane::thermoscribe {
 
 /// A number from `minimum` to `maximum`.
 struct NumberRule {
@@ -61,4 +61,4 @@ std::string AllowedText(const ValueRule& rule);
 /// decimal point is ".", as on the command line and in files; nobody is asked for the user's.
 std::string ExpectedText(const ValueRule& rule);
 
-}  // namespace vane
+}  // namespace vane::thermoscribe

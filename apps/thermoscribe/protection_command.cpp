@@ -4,11 +4,11 @@
 #include <string>
 #include <utility>
 
-#include "apps/thermoscribe/commands.h"
 #include "apps/thermoscribe/host.h"
 #include "apps/thermoscribe/instrument_properties.h"
+#include "apps/thermoscribe/program_commands.h"
 
-namespace vane {
+namespace vane::thermoscribe {
 namespace {
 
 constexpr std::size_t kNameColumns = 16;
@@ -71,4 +71,4 @@ Examples:
           .members = {std::move(show), std::move(unlock)}};
 }
 
-}  // namespace vane
+}  // namespace vane::thermoscribe

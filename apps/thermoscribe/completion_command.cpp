@@ -5,11 +5,11 @@
 #include <string>
 #include <utility>
 
-#include "apps/thermoscribe/commands.h"
 #include "apps/thermoscribe/completion.h"
 #include "apps/thermoscribe/host.h"
+#include "apps/thermoscribe/program_commands.h"
 
-namespace vane {
+namespace vane::thermoscribe {
 namespace {
 
 constexpr const char* kBash =
@@ -157,4 +157,4 @@ reads one when it starts:
       }};
 }
 
-}  // namespace vane
+}  // namespace vane::thermoscribe

@@ -1,11 +1,11 @@
 // thermoscribe ports: what serial ports there are.
 
 #include "adapters/serial/serial_ports.h"
-#include "apps/thermoscribe/commands.h"
 #include "apps/thermoscribe/host.h"
 #include "apps/thermoscribe/port_choice.h"
+#include "apps/thermoscribe/program_commands.h"
 
-namespace vane {
+namespace vane::thermoscribe {
 namespace {
 
 EExitCode RunPorts(CHost& host) {
@@ -29,4 +29,4 @@ Example:
       .body = RunPorts};
 }
 
-}  // namespace vane
+}  // namespace vane::thermoscribe

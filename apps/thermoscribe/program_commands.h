@@ -5,7 +5,7 @@
 #include "apps/thermoscribe/command.h"
 #include "apps/thermoscribe/host_options.h"
 
-namespace vane {
+namespace vane::thermoscribe {
 
 Command PortsCommand();
 Command IdentifyCommand();
@@ -30,4 +30,4 @@ Command SettingsSaveCommand();
 Command SettingsRestoreCommand();
 Command SettingsDiffCommand();
 
-}  // namespace vane
+}  // namespace vane::thermoscribe

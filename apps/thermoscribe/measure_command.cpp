@@ -12,15 +12,15 @@
 #include <vector>
 
 #include "apps/thermoscribe/channel_list.h"
-#include "apps/thermoscribe/commands.h"
 #include "apps/thermoscribe/host.h"
+#include "apps/thermoscribe/program_commands.h"
 #include "apps/thermoscribe/value_rule.h"
 #include "vane/channels/channel.h"
 #include "vane/components/library_error.h"
 #include "vane/support/display_texts.h"
 #include "vane/support/timing.h"
 
-namespace vane {
+namespace vane::thermoscribe {
 namespace {
 
 using Milliseconds = std::chrono::milliseconds;
@@ -269,4 +269,4 @@ Examples:
       .body = [options](CHost& host) { return RunMeasure(host, *options); }};
 }
 
-}  // namespace vane
+}  // namespace vane::thermoscribe

@@ -3,11 +3,11 @@
 #include <memory>
 #include <string>
 
-#include "apps/thermoscribe/commands.h"
 #include "apps/thermoscribe/host.h"
+#include "apps/thermoscribe/program_commands.h"
 #include "apps/thermoscribe/snapshot.h"
 
-namespace vane {
+namespace vane::thermoscribe {
 namespace {
 
 EExitCode RunDiff(CHost& host, const std::string& path, const std::string& otherpath) {
@@ -61,4 +61,4 @@ Examples:
           }};
 }
 
-}  // namespace vane
+}  // namespace vane::thermoscribe

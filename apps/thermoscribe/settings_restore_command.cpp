@@ -8,18 +8,18 @@
 #include <string>
 #include <vector>
 
-#include "apps/thermoscribe/commands.h"
 #include "apps/thermoscribe/host.h"
 #include "apps/thermoscribe/probe_members.h"
-#include "apps/thermoscribe/probe_record.h"
-#include "apps/thermoscribe/settings_write.h"
+#include "apps/thermoscribe/program_commands.h"
+#include "apps/thermoscribe/property_write.h"
+#include "apps/thermoscribe/shown_record.h"
 #include "apps/thermoscribe/snapshot.h"
 #include "apps/thermoscribe/stages.h"
 #include "apps/thermoscribe/value_check.h"
 #include "vane/components/components.h"
 #include "vane/support/texts.h"
 
-namespace vane {
+namespace vane::thermoscribe {
 namespace {
 
 using enum Place::EPart;
@@ -288,4 +288,4 @@ Examples:
       }};
 }
 
-}  // namespace vane
+}  // namespace vane::thermoscribe

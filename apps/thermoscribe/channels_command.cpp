@@ -3,13 +3,13 @@
 #include <cstdint>
 #include <vector>
 
-#include "apps/thermoscribe/commands.h"
 #include "apps/thermoscribe/host.h"
+#include "apps/thermoscribe/program_commands.h"
 #include "vane/channels/channel.h"
 #include "vane/channels/module.h"
 #include "vane/support/numbering.h"
 
-namespace vane {
+namespace vane::thermoscribe {
 namespace {
 
 // Input 1 carries the scanner, so that no step of a scan can name it.
@@ -66,4 +66,4 @@ Example:
       .body = RunChannels};
 }
 
-}  // namespace vane
+}  // namespace vane::thermoscribe

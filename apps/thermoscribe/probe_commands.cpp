@@ -6,15 +6,15 @@
 #include <string>
 #include <utility>
 
-#include "apps/thermoscribe/commands.h"
 #include "apps/thermoscribe/host.h"
 #include "apps/thermoscribe/probe_members.h"
-#include "apps/thermoscribe/probe_record.h"
 #include "apps/thermoscribe/probe_set.h"
+#include "apps/thermoscribe/program_commands.h"
+#include "apps/thermoscribe/shown_record.h"
 #include "vane/support/failure.h"
 #include "vane/support/numbering.h"
 
-namespace vane {
+namespace vane::thermoscribe {
 namespace {
 
 EExitCode RunChannel(CHost& host, std::int16_t number) {
@@ -160,4 +160,4 @@ Examples:
        .takesprobe = false});
 }
 
-}  // namespace vane
+}  // namespace vane::thermoscribe

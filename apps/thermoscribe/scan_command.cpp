@@ -7,13 +7,13 @@
 #include <utility>
 #include <vector>
 
-#include "apps/thermoscribe/commands.h"
 #include "apps/thermoscribe/host.h"
-#include "apps/thermoscribe/settings_write.h"
+#include "apps/thermoscribe/program_commands.h"
+#include "apps/thermoscribe/property_write.h"
 #include "vane/support/display_texts.h"
 #include "vane/support/numbering.h"
 
-namespace vane {
+namespace vane::thermoscribe {
 namespace {
 
 constexpr std::size_t kNameColumns = 24;
@@ -139,4 +139,4 @@ Examples:
           .members = {std::move(show), ScanSetCommand()}};
 }
 
-}  // namespace vane
+}  // namespace vane::thermoscribe

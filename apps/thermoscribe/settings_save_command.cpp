@@ -4,12 +4,12 @@
 #include <string>
 
 #include "adapters/files/replacing_file.h"
-#include "apps/thermoscribe/commands.h"
 #include "apps/thermoscribe/host.h"
 #include "apps/thermoscribe/line_output.h"
+#include "apps/thermoscribe/program_commands.h"
 #include "apps/thermoscribe/snapshot.h"
 
-namespace vane {
+namespace vane::thermoscribe {
 namespace {
 
 EExitCode RunSave(CHost& host, const std::string& path) {
@@ -45,4 +45,4 @@ Examples:
       .body = [path](CHost& host) { return RunSave(host, *path); }};
 }
 
-}  // namespace vane
+}  // namespace vane::thermoscribe

@@ -3,11 +3,11 @@
 #include <cstdint>
 #include <string>
 
-#include "apps/thermoscribe/commands.h"
 #include "apps/thermoscribe/host.h"
+#include "apps/thermoscribe/program_commands.h"
 #include "vane/channels/module.h"
 
-namespace vane {
+namespace vane::thermoscribe {
 namespace {
 
 constexpr char kBehindModel = ',';
@@ -97,4 +97,4 @@ Example:
           .body = RunIdentify};
 }
 
-}  // namespace vane
+}  // namespace vane::thermoscribe

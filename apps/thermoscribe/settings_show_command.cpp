@@ -6,11 +6,11 @@
 #include <string>
 #include <vector>
 
-#include "apps/thermoscribe/commands.h"
 #include "apps/thermoscribe/host.h"
 #include "apps/thermoscribe/instrument_properties.h"
+#include "apps/thermoscribe/program_commands.h"
 
-namespace vane {
+namespace vane::thermoscribe {
 namespace {
 
 constexpr std::size_t kTitleColumns = 26;
@@ -95,4 +95,4 @@ Examples:
       }};
 }
 
-}  // namespace vane
+}  // namespace vane::thermoscribe

@@ -8,12 +8,12 @@
 #include <vector>
 
 #include "adapters/files/registry.h"
-#include "apps/thermoscribe/commands.h"
 #include "apps/thermoscribe/host.h"
 #include "apps/thermoscribe/line_options.h"
-#include "apps/thermoscribe/settings_write.h"
+#include "apps/thermoscribe/program_commands.h"
+#include "apps/thermoscribe/property_write.h"
 
-namespace vane {
+namespace vane::thermoscribe {
 namespace {
 
 constexpr std::size_t kNameColumns = 9;
@@ -174,4 +174,4 @@ Examples:
       .body = [&options](CHost& host) { return ShowConfig(host, options); }};
 }
 
-}  // namespace vane
+}  // namespace vane::thermoscribe

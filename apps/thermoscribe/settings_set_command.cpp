@@ -7,10 +7,10 @@
 #include <utility>
 #include <vector>
 
-#include "apps/thermoscribe/commands.h"
-#include "apps/thermoscribe/settings_write.h"
+#include "apps/thermoscribe/program_commands.h"
+#include "apps/thermoscribe/property_write.h"
 
-namespace vane {
+namespace vane::thermoscribe {
 
 Command SettingsSetCommand() {
   struct Options {
@@ -53,4 +53,4 @@ Examples:
       }};
 }
 
-}  // namespace vane
+}  // namespace vane::thermoscribe

@@ -12,7 +12,7 @@
 #include "apps/thermoscribe/instrument_properties.h"
 #include "vane/support/numbering.h"
 
-namespace vane {
+namespace vane::thermoscribe {
 
 class CHost;
 
@@ -35,4 +35,4 @@ void AddAssignment(std::vector<Assignment>& assignments, std::string_view name,
 /// that has changed and should not have. Nothing is written unless everything was read well.
 EExitCode WriteSettings(CHost& host, const std::vector<Assignment>& assignments, bool dryrun);
 
-}  // namespace vane
+}  // namespace vane::thermoscribe

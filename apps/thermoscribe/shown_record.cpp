@@ -1,4 +1,4 @@
-#include "apps/thermoscribe/probe_record.h"
+#include "apps/thermoscribe/shown_record.h"
 
 #include <array>
 #include <functional>
@@ -10,7 +10,7 @@
 #include "vane/components/conversion.h"
 #include "vane/support/display_texts.h"
 
-namespace vane {
+namespace vane::thermoscribe {
 namespace {
 
 using enum ET312BProbeRefResistor;
@@ -263,4 +263,4 @@ std::string ProbeRecordText(const Json& record) {
   return text;
 }
 
-}  // namespace vane
+}  // namespace vane::thermoscribe

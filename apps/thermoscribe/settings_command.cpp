@@ -1,8 +1,8 @@
 // thermoscribe settings: the commands on the instrument's settings.
 
-#include "apps/thermoscribe/commands.h"
+#include "apps/thermoscribe/program_commands.h"
 
-namespace vane {
+namespace vane::thermoscribe {
 
 Command SettingsCommand() {
   return {.name = "settings",
@@ -11,4 +11,4 @@ Command SettingsCommand() {
                       SettingsRestoreCommand(), SettingsDiffCommand()}};
 }
 
-}  // namespace vane
+}  // namespace vane::thermoscribe

@@ -8,7 +8,7 @@
 #include "apps/thermoscribe/output.h"
 #include "vane/channels/channel.h"
 
-namespace vane {
+namespace vane::thermoscribe {
 
 /// The record that `channel` holds, as that of probe `number`: serial number, reference resistor,
 /// current, 3-wire offset, conversion, and under "coefficients" the values of the conversion by
@@ -30,4 +30,4 @@ std::vector<std::string> ConversionWords();
 /// A record for people, one line per value.
 std::string ProbeRecordText(const Json& record);
 
-}  // namespace vane
+}  // namespace vane::thermoscribe

@@ -1,4 +1,4 @@
-#include "apps/thermoscribe/settings_write.h"
+#include "apps/thermoscribe/property_write.h"
 
 #include <algorithm>
 #include <optional>
@@ -9,7 +9,7 @@
 #include "apps/thermoscribe/value_check.h"
 #include "vane/support/texts.h"
 
-namespace vane {
+namespace vane::thermoscribe {
 namespace {
 
 // What can only be judged once the instrument is known. Empty: nothing is wrong.
@@ -158,4 +158,4 @@ EExitCode WriteSettings(CHost& host, const std::vector<Assignment>& assignments,
   return ShowChanges(host, before, wanted);
 }
 
-}  // namespace vane
+}  // namespace vane::thermoscribe

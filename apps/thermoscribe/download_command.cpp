@@ -8,12 +8,12 @@
 #include "adapters/files/field_reader.h"
 #include "adapters/files/replacing_file.h"
 #include "adapters/posix/links.h"
-#include "apps/thermoscribe/commands.h"
 #include "apps/thermoscribe/host.h"
 #include "apps/thermoscribe/line_output.h"
+#include "apps/thermoscribe/program_commands.h"
 #include "vane/support/paths.h"
 
-namespace vane {
+namespace vane::thermoscribe {
 namespace {
 
 constexpr std::int16_t kMaxReadings = 32767;
@@ -245,4 +245,4 @@ Examples:
       .body = [options](CHost& host) { return CDownload(host, *options).Run(); }};
 }
 
-}  // namespace vane
+}  // namespace vane::thermoscribe

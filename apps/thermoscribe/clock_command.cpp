@@ -8,11 +8,11 @@
 #include <utility>
 #include <vector>
 
-#include "apps/thermoscribe/commands.h"
 #include "apps/thermoscribe/host.h"
+#include "apps/thermoscribe/program_commands.h"
 #include "apps/thermoscribe/stages.h"
 
-namespace vane {
+namespace vane::thermoscribe {
 namespace {
 
 using namespace std::chrono;
@@ -102,4 +102,4 @@ Examples:
   return {.name = "clock", .brief = "Set the readout's date and time", .members = {std::move(set)}};
 }
 
-}  // namespace vane
+}  // namespace vane::thermoscribe
