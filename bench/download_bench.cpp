@@ -95,7 +95,7 @@ class CFolderPlatform : public CHeadlessPlatform {
 
 // When the trace came to the parsing, and how long that took.
 struct StageTime {
-  Clock::time_point start;
+  steady_clock::time_point start;
   double seconds = 0;
 };
 
@@ -106,7 +106,7 @@ class CTimedTrace : public CVaneTextFile {
       : file_(std::move(file)), stage_(stage) {}
 
   void WriteLine(const std::string& text) override {
-    if (text == kParsingBegins) stage_.start = Clock::now();
+    if (text == kParsingBegins) stage_.start = steady_clock::now();
     if (text == kParsingEnds) stage_.seconds = SecondsSince(stage_.start);
     if (file_) file_->WriteLine(text);
   }
@@ -161,7 +161,7 @@ class CDownloader {
   }
 
   double SecondsOf(std::int16_t readings) {
-    const Clock::time_point start = Clock::now();
+    const steady_clock::time_point start = steady_clock::now();
     if (!Try(readings)) {
       const auto said = platform_.TakeMessages();
       throw std::runtime_error("A download failed: " + (said.empty() ? "" : said.back().text));
@@ -192,7 +192,7 @@ class CDownloader {
 
 // The same lines by calls that wait, each appended to a file.
 double BareSeconds(int line, const std::string& path) {
-  const Clock::time_point start = Clock::now();
+  const steady_clock::time_point start = steady_clock::now();
   const int file = open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
   std::array<char, protocol::kMaxLineLength> answer;
   for (int i = 1; i <= kMany; ++i) {
@@ -237,7 +237,7 @@ int RunToFile(const std::vector<const char*>& words, const std::string& out) {
 double AwkSeconds(const CDownloader& downloader) {
   const std::string raw = downloader.Path("TMPDWNLD.LOG");
   const std::string out = downloader.Path("awk.txt");
-  const Clock::time_point start = Clock::now();
+  const steady_clock::time_point start = steady_clock::now();
   const int status = RunToFile({"mawk", kAwkProgram, raw.c_str()}, out);
   const double seconds = SecondsSince(start);
   if (status != 0) throw std::runtime_error("mawk failed.");

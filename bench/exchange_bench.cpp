@@ -45,20 +45,20 @@ class CCountingTrace : public CLineTrace {
 class CTimedPlatform : public CHeadlessPlatform {
  public:
   void RunMessageQueue(std::uint32_t longestwait) override {
-    const Clock::time_point start = Clock::now();
+    const steady_clock::time_point start = steady_clock::now();
     CHeadlessPlatform::RunMessageQueue(longestwait);
-    paused_ += Clock::now() - start;
+    paused_ += steady_clock::now() - start;
   }
   double PausedSeconds() const { return std::chrono::duration<double>(paused_).count(); }
 
  private:
-  Clock::duration paused_{};
+  steady_clock::duration paused_{};
 };
 
 // Of `body`, which does `exchanges` at a time.
 double RatePerSecond(std::int32_t exchanges, const std::function<void()>& body) {
   const std::int32_t times = kExchanges / exchanges;
-  const Clock::time_point start = Clock::now();
+  const steady_clock::time_point start = steady_clock::now();
   for (std::int32_t i = 0; i < times; ++i) body();
   return times * exchanges / SecondsSince(start);
 }
@@ -152,7 +152,7 @@ double ProcessorSeconds() {
 
 void MeasurePause() {
   const double before = ProcessorSeconds();
-  const Clock::time_point start = Clock::now();
+  const steady_clock::time_point start = steady_clock::now();
   PauseMs(1000);
   const double wall = SecondsSince(start);
   std::printf(

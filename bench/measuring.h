@@ -10,10 +10,10 @@
 
 namespace vane::bench {
 
-using Clock = std::chrono::steady_clock;
+using std::chrono::steady_clock;
 
-inline double SecondsSince(Clock::time_point start) {
-  return std::chrono::duration<double>(Clock::now() - start).count();
+inline double SecondsSince(steady_clock::time_point start) {
+  return std::chrono::duration<double>(steady_clock::now() - start).count();
 }
 
 inline double MedianOf(std::vector<double> numbers) {

@@ -4,9 +4,9 @@
 #include <limits>
 #include <stdexcept>
 
-#include "simulator/numbers.h"
+#include "simulator/readout_numbers.h"
+#include "simulator/readout_words.h"
 #include "simulator/reply.h"
-#include "simulator/words.h"
 
 namespace vane::simulator {
 namespace {

@@ -5,8 +5,8 @@
 #include <string>
 #include <string_view>
 
-#include "simulator/numbers.h"
-#include "simulator/words.h"
+#include "simulator/readout_numbers.h"
+#include "simulator/readout_words.h"
 
 namespace vane::simulator {
 namespace {

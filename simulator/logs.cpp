@@ -1,7 +1,7 @@
 #include "simulator/logs.h"
 
 #include "simulator/measurement_model.h"
-#include "simulator/numbers.h"
+#include "simulator/readout_numbers.h"
 
 namespace vane::simulator {
 namespace {

@@ -4,7 +4,7 @@
 #include <cmath>
 #include <numbers>
 
-#include "simulator/numbers.h"
+#include "simulator/readout_numbers.h"
 
 namespace vane::simulator {
 namespace {

@@ -7,7 +7,7 @@
 #include <stdexcept>
 
 #include "protocol/command_table.h"
-#include "simulator/numbers.h"
+#include "simulator/readout_numbers.h"
 
 namespace vane::simulator {
 namespace {

@@ -5,8 +5,8 @@
 #include <limits>
 #include <span>
 
-#include "simulator/numbers.h"
-#include "simulator/words.h"
+#include "simulator/readout_numbers.h"
+#include "simulator/readout_words.h"
 
 namespace vane::simulator {
 namespace {

@@ -4,9 +4,9 @@
 #include <cmath>
 #include <utility>
 
-#include "simulator/clock_text.h"
-#include "simulator/numbers.h"
+#include "simulator/clock_parser.h"
 #include "simulator/probe_settings.h"
+#include "simulator/readout_numbers.h"
 
 namespace vane::simulator {
 namespace {

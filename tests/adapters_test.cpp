@@ -17,7 +17,7 @@
 
 #include "adapters/conversions/probe.h"
 #include "adapters/files/atomic_file.h"
-#include "adapters/files/registry.h"
+#include "adapters/files/config_registry.h"
 #include "adapters/posix/clock_text.h"
 #include "adapters/terminal/terminal_form.h"
 #include "adapters/terminal/terminal_passcode.h"
@@ -318,7 +318,7 @@ TEST_F(UserFiles, AtomicWriteReplacesTheFileBehindALink) {
 
 // The terminal.
 
-class Terminal : public test::CPseudoTerminal, public testing::Test {
+class Terminal : public test::CUserTerminal, public testing::Test {
  protected:
   Terminal() { EXPECT_EQ(pipe(line), 0); }
   ~Terminal() override {

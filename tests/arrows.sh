@@ -1,5 +1,6 @@
 #!/bin/bash
-# The arrows of docs/architecture.md: no file includes what lies above it.
+# The arrows of docs/architecture.md: no file includes what lies above it. And a file's name says
+# which one it is: no other has it, in whatever folder.
 #   arrows.sh SOURCE_FOLDER
 set -uo pipefail
 cd "$1" || exit 1
@@ -32,4 +33,8 @@ adapters/terminal/* vane/ adapters/posix/ adapters/terminal/
 adapters/headless/* vane/ adapters/(posix|serial|conversions|files|headless)/
 simulator/* protocol/ simulator/ vane/components/commands.h
 END
+
+twins=$(find . \( -path ./build -o -path ./apps \) -prune -o \( -name '*.h' -o -name '*.cpp' \) \
+        -not -name main.cpp -printf '%f\n' | sort | uniq -d)
+[ -z "$twins" ] || { echo "Several files have the name" $twins; status=1; }
 exit $status

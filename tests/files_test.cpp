@@ -64,9 +64,9 @@ TEST(FieldReader, TakesTheLargestLog) {
 }
 
 // A folder for the files and, as the only one on PATH, one for programs; and a terminal.
-class Download : public test::CPseudoTerminal, public testing::Test {
+class SavedFile : public test::CUserTerminal, public testing::Test {
  protected:
-  Download() {
+  SavedFile() {
     for (const char* each : {"bin", "out", "out/sub"}) fs::create_directory(folder / each);
     setenv("PATH", (folder / "bin").c_str(), 1);
     file.SetFolder((folder / "out" / "").string());
@@ -75,7 +75,7 @@ class Download : public test::CPseudoTerminal, public testing::Test {
     file.SetNumColumns(3);
     for (std::int16_t column = 0; column < 3; ++column) file.SetColumnWidth(column, 8);
   }
-  ~Download() override { setenv("PATH", formerpath.c_str(), 1); }
+  ~SavedFile() override { setenv("PATH", formerpath.c_str(), 1); }
 
   // A program that notes its name and arguments.
   void PutProgram(const std::string& name, const std::string& body) const {
@@ -123,7 +123,7 @@ class Download : public test::CPseudoTerminal, public testing::Test {
   CInterrupts interrupts;
 };
 
-TEST_F(Download, RowsAreFilledUpByCharacters) {
+TEST_F(SavedFile, RowsAreFilledUpByCharacters) {
   file.SetHeader("\r\nModel: T312B\r\nChannel: 3");
   file.Create(true, success);
   SetFields({"Date", "Reading", "Label"});
@@ -142,7 +142,7 @@ TEST_F(Download, RowsAreFilledUpByCharacters) {
             "                123456789 \n");
 }
 
-TEST_F(Download, OlderFileStaysUntilClose) {
+TEST_F(SavedFile, OlderFileStaysUntilClose) {
   const auto mode = [&] { return static_cast<unsigned>(fs::status(path).permissions()); };
   const mode_t mask = umask(027);
   fs::create_symlink(folder / "linked", path);
@@ -168,7 +168,7 @@ TEST_F(Download, OlderFileStaysUntilClose) {
   EXPECT_TRUE(PathIsAlone());
 }
 
-TEST_F(Download, WhatCannotBeMadeIsAnErrorThatNamesIt) {
+TEST_F(SavedFile, WhatCannotBeMadeIsAnErrorThatNamesIt) {
   std::ofstream(path) << "old";
   const std::string in = folder.Path().string() + "/";
   struct Row {
@@ -189,7 +189,7 @@ TEST_F(Download, WhatCannotBeMadeIsAnErrorThatNamesIt) {
   EXPECT_EQ(FileText(path), "old");
 }
 
-TEST_F(Download, FullDiskIsAnErrorAndLeavesTheOlderFile) {
+TEST_F(SavedFile, FullDiskIsAnErrorAndLeavesTheOlderFile) {
   std::ofstream(path) << "old";
   rlimit former{};
   getrlimit(RLIMIT_FSIZE, &former);
@@ -213,7 +213,7 @@ TEST_F(Download, FullDiskIsAnErrorAndLeavesTheOlderFile) {
   EXPECT_EQ(FileText(path), "old");
 }
 
-TEST_F(Download, DeviceInThePlaceOfTheFileGetsTheRows) {
+TEST_F(SavedFile, DeviceInThePlaceOfTheFileGetsTheRows) {
   fs::create_symlink("/dev/full", path);
   file.SetField(0, "row");
   file.Create(true, success);
@@ -229,7 +229,7 @@ TEST_F(Download, DeviceInThePlaceOfTheFileGetsTheRows) {
   EXPECT_EQ(Error([&] { file.Print(false, success); }), "No file has been written.");
 }
 
-TEST_F(Download, ShowAndPrintHandThePathToAProgram) {
+TEST_F(SavedFile, ShowAndPrintHandThePathToAProgram) {
   const auto print = [&](bool select) { return Error([&] { file.Print(select, success); }); };
   const auto show = [&] {
     return Error([&] { success = false, file.Show(true), success = true; });
@@ -276,7 +276,7 @@ TEST_F(Download, ShowAndPrintHandThePathToAProgram) {
   EXPECT_THAT(print(true), HasSubstr("Cannot start 'lp'"));
 }
 
-TEST_F(Download, FileDialogGivesThePathThatTheUserWants) {
+TEST_F(SavedFile, FileDialogGivesThePathThatTheUserWants) {
   const std::string in = file.Folder(), old = in + "old.txt";
   std::ofstream(old) << "old";
   const std::string ask = "File [" + in + "download.txt]: ";
@@ -307,7 +307,7 @@ TEST_F(Download, FileDialogGivesThePathThatTheUserWants) {
   }
 }
 
-TEST_F(Download, PrinterIsChosenByNumberOrName) {
+TEST_F(SavedFile, PrinterIsChosenByNumberOrName) {
   const auto choose = [&](const std::string& typed) {
     Type(typed);
     return ChoosePrinter(interrupts, {"office", "lab"}, host, host).value_or("none");
@@ -321,7 +321,7 @@ TEST_F(Download, PrinterIsChosenByNumberOrName) {
   EXPECT_EQ(choose("\x04"), "none");
 }
 
-TEST_F(Download, WithoutATerminalNothingIsAsked) {
+TEST_F(SavedFile, WithoutATerminalNothingIsAsked) {
   const int none = open("/dev/zero", O_RDONLY);
   EXPECT_THROW(CTerminalFileDialog(interrupts, none, host).ShowSave(), LibraryError);
   EXPECT_EQ(ChoosePrinter(interrupts, {"office", "lab"}, none, host), std::nullopt);

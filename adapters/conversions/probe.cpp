@@ -1,6 +1,6 @@
 #include "adapters/conversions/probe.h"
 
-#include "adapters/conversions/conversion.h"
+#include "adapters/conversions/conversion_object.h"
 #include "adapters/conversions/conversion_settings.h"
 
 namespace vane {

@@ -13,7 +13,7 @@
 namespace vane {
 namespace {
 
-using Clock = std::chrono::steady_clock;
+using std::chrono::steady_clock;
 
 constexpr int kSlice = 50;  // ms
 constexpr const char* kCannotRead = "Cannot read";
@@ -42,7 +42,7 @@ int OpenToRead(const std::filesystem::path& path) {
 }
 
 int OpenToWrite(const std::filesystem::path& path, const Patience& patience) {
-  const Clock::time_point start = Clock::now();
+  const steady_clock::time_point start = steady_clock::now();
   for (;;) {
     const int fd = ::open(path.c_str(), O_WRONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK | O_TRUNC);
     if (fd >= 0) return fd;
@@ -52,7 +52,7 @@ int OpenToWrite(const std::filesystem::path& path, const Patience& patience) {
     const bool ispipe = ::stat(path.c_str(), &status) == 0 && S_ISFIFO(status.st_mode);
     if (error != ENXIO || !ispipe) RaiseFileError(error, kCannotWrite, path);
     if (IsInterrupted(patience)) RaiseFileError("interrupted", kCannotWrite, path);
-    if (Clock::now() - start >= patience.meeting) {
+    if (steady_clock::now() - start >= patience.meeting) {
       RaiseFileError("nobody has opened the pipe to read it for " + SecondsText(patience.meeting),
                      kCannotWrite, path);
     }
@@ -83,7 +83,7 @@ CPatientInput::CPatientInput(const std::filesystem::path& path, Patience patienc
 }
 
 EArrival CPatientInput::Read(char* buffer, std::size_t size, std::size_t& count) {
-  const Clock::time_point start = Clock::now();
+  const steady_clock::time_point start = steady_clock::now();
   for (;;) {
     if (IsInterrupted(patience_)) return EArrival::INTERRUPTED;
     const bool isready = WaitFor(fd_, POLLIN);
@@ -99,7 +99,7 @@ EArrival CPatientInput::Read(char* buffer, std::size_t size, std::size_t& count)
       if (got < 0 && errno == EAGAIN) met_ = true;
       if (got < 0 && errno != EAGAIN && errno != EINTR) RaiseFileError(errno, kCannotRead, name_);
     }
-    const Clock::duration passed = Clock::now() - start;
+    const steady_clock::duration passed = steady_clock::now() - start;
     if (!met_ && passed >= patience_.meeting) {
       RaiseFileError(
           "nobody has opened the pipe to write to it for " + SecondsText(patience_.meeting),

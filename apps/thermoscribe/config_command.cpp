@@ -7,7 +7,7 @@
 #include <utility>
 #include <vector>
 
-#include "adapters/files/registry.h"
+#include "adapters/files/config_registry.h"
 #include "apps/thermoscribe/host.h"
 #include "apps/thermoscribe/line_options.h"
 #include "apps/thermoscribe/program_commands.h"

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "adapters/files/registry.h"
+#include "adapters/files/config_registry.h"
 #include "adapters/serial/line_errors.h"
 #include "adapters/terminal/terminal_output.h"
 #include "apps/thermoscribe/command.h"

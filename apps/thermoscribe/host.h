@@ -10,7 +10,7 @@
 #include <span>
 #include <string>
 
-#include "adapters/files/registry.h"
+#include "adapters/files/config_registry.h"
 #include "adapters/posix/patience.h"
 #include "adapters/serial/serial_communications.h"
 #include "adapters/terminal/interrupts.h"

@@ -6,7 +6,7 @@
 #include <optional>
 #include <stdexcept>
 
-#include "adapters/files/registry.h"
+#include "adapters/files/config_registry.h"
 #include "adapters/serial/baud_rates.h"
 #include "adapters/serial/serial_ports.h"
 #include "apps/thermoscribe/command.h"

@@ -47,9 +47,9 @@ inline std::string Printed(int from, int to) {
 }
 
 /// A terminal of 60 columns with its user's end; it shows just what a program prints.
-class CPseudoTerminal {
+class CUserTerminal {
  public:
-  CPseudoTerminal() {
+  CUserTerminal() {
     winsize size{24, 60, 0, 0};
     EXPECT_EQ(openpty(&user, &host, nullptr, nullptr, &size), 0);
     termios plain{};
@@ -58,7 +58,7 @@ class CPseudoTerminal {
     plain.c_lflag &= ~static_cast<tcflag_t>(ECHO);
     tcsetattr(host, TCSANOW, &plain);
   }
-  ~CPseudoTerminal() {
+  ~CUserTerminal() {
     close(user);
     close(host);
   }

@@ -12,12 +12,12 @@ namespace {
 using test::CTestHost;
 using test::kLineError;
 
-class Channel : public testing::Test {
+class ProbeChannel : public testing::Test {
  protected:
   CTestHost host_;
 };
 
-TEST_F(Channel, IsMadeInOrderAndCountsAsChanged) {
+TEST_F(ProbeChannel, IsMadeInOrderAndCountsAsChanged) {
   host_.logsettings = true;
   CVaneT312BPRTTHRMChannel channel(host_.components);
   EXPECT_EQ(host_.log.Text(),
@@ -27,7 +27,7 @@ TEST_F(Channel, IsMadeInOrderAndCountsAsChanged) {
   EXPECT_EQ(channel.ProbeRefResistor(), ET312BProbeRefResistor::PRR_NONE);
 }
 
-TEST_F(Channel, MarksItselfAndItsProbeTogether) {
+TEST_F(ProbeChannel, MarksItselfAndItsProbeTogether) {
   CVaneT312BPRTTHRMChannel channel(host_.components);
   const std::function<void()> tracked[] = {
       [&] { channel.SetProbeCurrent(25); },
@@ -52,7 +52,7 @@ TEST_F(Channel, MarksItselfAndItsProbeTogether) {
   EXPECT_TRUE(channel.Changed());
 }
 
-TEST_F(Channel, KeepsTheRegistryThatItsProbeHandsBack) {
+TEST_F(ProbeChannel, KeepsTheRegistryThatItsProbeHandsBack) {
   CVaneT312BPRTTHRMChannel channel(host_.components);
   auto& probe = dynamic_cast<test::CFakeProbe&>(*channel.Probe());
   channel.SetRegistry(host_.registry);
@@ -62,7 +62,7 @@ TEST_F(Channel, KeepsTheRegistryThatItsProbeHandsBack) {
   EXPECT_EQ(channel.Registry(), probe.replacement);
 }
 
-TEST_F(Channel, CreationFailsUnderTheLabelOfWhatIsMade) {
+TEST_F(ProbeChannel, CreationFailsUnderTheLabelOfWhatIsMade) {
   host_.probesfail = true;
   EXPECT_EQ(CTestHost::ErrorOf([&] { CVaneT312BPRTTHRMChannel made(host_.components); }).Source(),
             "CVaneT312BPRTTHRMChannel - Class_Initialize");
@@ -70,13 +70,13 @@ TEST_F(Channel, CreationFailsUnderTheLabelOfWhatIsMade) {
             "CVaneM420Multiplexer - Class_Initialize");
 }
 
-TEST_F(Channel, CannotReadWithoutAnInstrument) {
+TEST_F(ProbeChannel, CannotReadWithoutAnInstrument) {
   CVaneT312BPRTTHRMChannel channel(host_.components);
   EXPECT_EQ(CTestHost::ErrorOf([&] { channel.QueryProbeIndex(); }).Source(),
             "CVaneT312BPRTTHRMChannel - QueryProbeIndex");
 }
 
-TEST_F(Channel, ModulesRefuseAChannelThatTheyDoNotHave) {
+TEST_F(ProbeChannel, ModulesRefuseAChannelThatTheyDoNotHave) {
   CVaneT312BBaseModule inputs(host_.components);
   CVaneM420Multiplexer scanner(host_.components);
   const struct {
@@ -99,7 +99,7 @@ TEST_F(Channel, ModulesRefuseAChannelThatTheyDoNotHave) {
   }
 }
 
-class ProbeNumbers : public Channel {
+class ProbeNumbers : public ProbeChannel {
  protected:
   ProbeNumbers() {
     host_.ConnectWith(true);
@@ -153,7 +153,7 @@ TEST_F(ProbeNumbers, OfAModuleClimbWhenTheyFail) {
 }
 
 // Conversion set-ups: the members in their order, and the type that a code becomes.
-class ConversionSetUp : public Channel {
+class ConversionSetUp : public ProbeChannel {
  protected:
   std::string SetTo(int ct) {
     host_.log.Clear();

@@ -1,10 +1,10 @@
-#include "simulator/clock_text.h"
+#include "simulator/clock_parser.h"
 
 #include <array>
 #include <cstdint>
 #include <string>
 
-#include "simulator/numbers.h"
+#include "simulator/readout_numbers.h"
 
 namespace vane::simulator {
 namespace {

@@ -1,4 +1,4 @@
-#include "simulator/numbers.h"
+#include "simulator/readout_numbers.h"
 
 #include <array>
 #include <charconv>

@@ -1,4 +1,4 @@
-#include "adapters/conversions/conversion.h"
+#include "adapters/conversions/conversion_object.h"
 
 #include "adapters/conversions/conversion_settings.h"
 #include "vane/components/library_error.h"

@@ -1,4 +1,4 @@
-#include "adapters/files/registry.h"
+#include "adapters/files/config_registry.h"
 
 #include <fcntl.h>
 #include <pwd.h>
