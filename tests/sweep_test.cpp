@@ -3,13 +3,16 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <memory>
 
 #include "adapters/headless/headless_factory.h"
 #include "adapters/headless/headless_platform.h"
 #include "apps/thermoscribe/instrument_properties.h"
-#include "apps/thermoscribe/shown_record.h"
+#include "apps/thermoscribe/output.h"
+#include "apps/thermoscribe/probe_coefficients.h"
+#include "apps/thermoscribe/probe_input.h"
 #include "simulator/line_server.h"
 
 namespace vane::thermoscribe {
@@ -43,7 +46,7 @@ class Sweep : public testing::Test {
 constexpr std::size_t kPasses = 6;  // as many as the longest list of words has members
 
 // The lowest, the highest and an odd one between; or each word in turn.
-Json SettingValue(const PropertyRow& row, std::size_t pass) {
+Value SettingValue(const PropertyRow& row, std::size_t pass) {
   if (const auto words = WordsOf(*row.rule); !words.empty()) return words[pass % words.size()];
   if (row.issequence) {
     std::string longest = "12";
@@ -54,13 +57,14 @@ Json SettingValue(const PropertyRow& row, std::size_t pass) {
   const double odd = limits.minimum + (limits.maximum - limits.minimum) / 3;
   const double values[] = {limits.minimum, limits.maximum,
                            limits.whole ? std::floor(odd) : std::round(odd * 100) / 100};
-  return limits.whole ? Json(static_cast<std::int32_t>(values[pass % 3])) : Json(values[pass % 3]);
+  return limits.whole ? Value(static_cast<std::int32_t>(values[pass % 3]))
+                      : Value(values[pass % 3]);
 }
 
 TEST(Output, AZeroHasNoSignInAnyForm) {
-  const Json value = {{"a", -0.0}, {"b", {{"c", {-0.0, -1.5}}}}};
-  EXPECT_EQ(JsonLine("x", value), R"({"version":1,"kind":"x","a":0.0,"b":{"c":[0.0,-1.5]}})");
-  EXPECT_EQ(TextOf(value["a"]), "0");
+  const Members members = {{"a", -0.0}, {"b", Members{{"c", List{-0.0, -1.5}}}}};
+  EXPECT_EQ(JsonLine("x", members), R"({"version":1,"kind":"x","a":0.0,"b":{"c":[0.0,-1.5]}})");
+  EXPECT_EQ(TextOf(-0.0), "0");
 }
 
 TEST_F(Sweep, EverySettingComesBackAsItWasWritten) {
@@ -79,42 +83,48 @@ TEST_F(Sweep, EverySettingComesBackAsItWasWritten) {
   }
 }
 
+std::string WordOf(const char* member, std::size_t place) {
+  const auto row = std::ranges::find(ProbeMembers(), member, &ProbeMemberRow::name);
+  const std::vector<std::string> words = WordsOf(row->rule);
+  return std::string(member) + "=" + words[place % words.size()];
+}
+
 // One probe has each type, in each scale or subrange.
-Json RecordOf(std::size_t probe, std::size_t pass) {
-  const Json current[] = {0.0001, 21.0, 1.2345};
-  const Json offset[] = {0.0, 1000000.0, 0.000125};
-  const char* const serial[] = {"A", "Z-123456", "0-9"};
-  Json record = {{"serial", serial[pass]},
-                 {"reference", ReferenceWords()[(probe + pass) % ReferenceWords().size()]},
-                 {"current", current[pass]},
-                 {"offset3wire", offset[pass]}};
+ProbeValues RecordOf(std::size_t probe, std::size_t pass) {
+  const char* const current[] = {"current=0.0001", "current=21", "current=1.2345"};
+  const char* const offset[] = {"offset3wire=0", "offset3wire=1e6", "offset3wire=0.000125"};
+  const char* const serial[] = {"serial=A", "serial=Z-123456", "serial=0-9"};
   const std::size_t type = probe < 7 ? 0 : probe == 15 ? 1 : probe - 6;
-  record["conversion"] = ConversionWords()[type];
+  std::vector<std::string> texts = {serial[pass], WordOf("reference", probe + pass), current[pass],
+                                    offset[pass], WordOf("conversion", type)};
   if (type == 0) {
-    record["lowrange"] = probe % 6 == 0 ? Json() : Json(probe % 6);
-    record["highrange"] = probe == 0 ? Json() : Json(probe + 5);
+    const auto range = [](bool isnone, std::size_t number) {
+      return isnone ? "none" : std::to_string(number);
+    };
+    texts.push_back("lowrange=" + range(probe % 6 == 0, probe % 6));
+    texts.push_back("highrange=" + range(probe == 0, probe + 5));
   }
-  if (type == 1) record["scale"] = probe == 15 ? 90 : 68;
-  return record;
+  if (type == 1) texts.push_back(probe == 15 ? "scale=90" : "scale=68");
+  ProbeAssignments assignments;
+  for (const std::string& text : texts) AddProbeAssignment(assignments, text, false);
+  return assignments.values;
 }
 
 TEST_F(Sweep, EveryChannelAndProbeComesBackAsItWasWritten) {
   constexpr double kCoefficients[] = {-0.5, 12345.25, 0.03125};
   for (std::size_t pass = 0; pass < 3; ++pass) {
     auto writer = Fresh();
-    std::vector<Json> records;
+    std::vector<ProbeValues> records;
     for (std::size_t probe = 0; probe < 16; ++probe) {
       const auto number = static_cast<std::int16_t>(probe + 1);
       // The last four probes are of no channel.
       const bool assigned = probe < 12;
       const auto place = static_cast<std::int16_t>(assigned ? (probe + pass * 5) % 12 + 1 : 1);
       CVaneT312BPRTTHRMChannel& channel = *writer->GetChannelReference(place);
-      StoreProbeRecord(channel, RecordOf(probe, pass));
-      Json coefficients = ProbeRecord(channel, number)["coefficients"];
+      StoreProbeValues(channel, RecordOf(probe, pass));
       double value = kCoefficients[pass];
-      for (auto& [name, coefficient] : coefficients.items()) coefficient = value++;
-      StoreProbeRecord(channel, {{"coefficients", coefficients}});
-      records.push_back(ProbeRecord(channel, number));
+      for (const Coefficient& coefficient : CoefficientsOf(channel)) coefficient.set(value++);
+      records.push_back(ProbeRecord(channel));
       if (assigned) channel.SetProbeIndex(number);
       ASSERT_TRUE(assigned ? channel.UpdateInfo() : channel.UpdateProbeInfo(number));
     }
@@ -126,7 +136,7 @@ TEST_F(Sweep, EveryChannelAndProbeComesBackAsItWasWritten) {
           static_cast<std::int16_t>(probe < 12 ? (probe + pass * 5) % 12 + 1 : 1));
       ASSERT_TRUE(probe < 12 ? channel.QueryInfo() : channel.QueryProbeInfo(number));
       EXPECT_EQ(probe < 12 ? channel.ProbeIndex() : number, number);
-      EXPECT_EQ(ProbeRecord(channel, number), records[probe]);
+      EXPECT_EQ(ProbeRecord(channel), records[probe]);
     }
   }
 }

@@ -13,8 +13,8 @@ namespace vane::thermoscribe {
 namespace {
 
 // Input 1 carries the scanner, so that no step of a scan can name it.
-Json ScanStep(std::int16_t channel) {
-  return channel < kNumInputs ? Json() : Json(ScannerChannel(channel));
+Value ScanStep(std::int16_t channel) {
+  return channel < kNumInputs ? Value() : Value(ScannerChannel(channel));
 }
 
 EExitCode RunChannels(CHost& host) {

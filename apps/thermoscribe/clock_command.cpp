@@ -44,10 +44,7 @@ std::optional<local_seconds> MomentIn(const std::string& text) {
 }
 
 EExitCode RunClockSet(CHost& host, std::optional<local_seconds> moment, bool dryrun) {
-  if (const EExitCode code = host.ReadWell([&] { return host.ReadSettings(); });
-      code != EExitCode::DONE) {
-    return NothingWritten(host, code);
-  }
+  if (const EExitCode code = ReadBeforeWriting(host); code != EExitCode::DONE) return code;
   static constexpr EGate kGates[] = {EGate::UNITS_TIME};
   if (const EExitCode code = host.OpenGates(kGates); code != EExitCode::DONE) {
     return NothingWritten(host, code);

@@ -32,43 +32,44 @@ const char* SourceWord(EValueSource source) {
   return "";
 }
 
-std::string ValueText(const LineOptionRow& row, const Json& value) {
-  if (value.is_null()) return "the lone USB adapter";
-  return TextOf(value) + (*row.unit == 0 ? "" : " ") + row.unit;
+std::string ValueText(const LineOptionRow& row, const Value& value) {
+  if (value.IsNone()) return "the lone USB adapter";
+  return TextOf(value, row.unit);
 }
 
 // A value that can't be is told, and the others are shown.
 EExitCode ShowConfig(CHost& host, HostOptions options) {
   const CConfigRegistry registry({});
   EExitCode code = EExitCode::DONE;
-  Json defaults = Json::array();
+  List defaults;
   std::vector<std::pair<std::string, std::string>> texts;
   for (const LineOptionRow& row : LineOptions()) {
     try {
       const EValueSource source = TakeDefault(row, options, registry);
-      const Json value = row.value(options);
-      defaults.push_back({{"name", row.name},
-                          {"value", value},
-                          {"source", SourceWord(source)},
-                          {"variable", row.variable}});
+      const Value value = row.value(options);
+      defaults.emplace_back(Members{{"name", row.name},
+                                    {"value", value},
+                                    {"source", SourceWord(source)},
+                                    {"variable", row.variable}});
       texts.emplace_back(ValueText(row, value),
                          source == EValueSource::ENVIRONMENT ? row.variable : SourceWord(source));
     } catch (const CUsageError& error) {
       host.Say(error.what());
       code = EExitCode::USAGE;
-      defaults.push_back(
-          {{"name", row.name}, {"value", {}}, {"source", {}}, {"variable", row.variable}});
+      defaults.emplace_back(
+          Members{{"name", row.name}, {"value", {}}, {"source", {}}, {"variable", row.variable}});
       texts.emplace_back(TextOf({}), "");
     }
   }
   const std::string file = registry.Path().string();
-  std::string text = Padded("File", kNameColumns) + file;
+  std::string text;
+  AddLine(text, "File", kNameColumns, file);
   const std::size_t width =
       std::ranges::max(texts, {}, [](const auto& one) { return one.first.size(); }).first.size();
   for (std::size_t i = 0; i < texts.size(); ++i) {
     const auto& [value, source] = texts[i];
-    text += "\n" + Padded(LineOptions()[i].name, kNameColumns) +
-            (source.empty() ? value : Padded(value, width + 2) + source);
+    AddLine(text, LineOptions()[i].name, kNameColumns,
+            source.empty() ? value : Padded(value, width + 2) + source);
   }
   host.Output().Record("config", {{"file", file}, {"defaults", defaults}}, text);
   return code;

@@ -194,12 +194,9 @@ class CDownload {
     const std::int32_t readings = fields_.NF() / kFieldsOfReading;
     std::string text = Readings(readings) + " written to " + path;
     if (tostandard_) return host_.Note(text);
-    Json members = {{"file", path}, {"readings", readings}, {"csv", nullptr}};
-    if (!options_.csv.empty()) {
-      members["csv"] = options_.csv;
-      text += "\nand as they came to " + options_.csv;
-    }
-    host_.Output().Record("download", members, text);
+    if (!options_.csv.empty()) text += "\nand as they came to " + options_.csv;
+    host_.Output().Record(
+        "download", {{"file", path}, {"readings", readings}, {"csv", Known(options_.csv)}}, text);
   }
 
   CHost& host_;

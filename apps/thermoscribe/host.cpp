@@ -26,6 +26,21 @@ class CMomentTrace final : public CLineTrace {
   std::function<void()> moment_;
 };
 
+// Whether editing of a group is open.
+struct GateRow {
+  EGate gate;
+  ET312BPasscodeState (CVaneT312B::*state)() const;
+  void (CVaneT312B::*setstate)(ET312BPasscodeState);
+};
+
+using I = CVaneT312B;  // a short name, for the table
+constexpr GateRow kGates[] = {
+    {EGate::UNITS_TIME, &I::UnitsTimePasscodeState, &I::SetUnitsTimePasscodeState},
+    {EGate::SAMPLING, &I::SamplingPasscodeState, &I::SetSamplingPasscodeState},
+    {EGate::CALIBRATION, &I::CalParamPasscodeState, &I::SetCalParamPasscodeState},
+    {EGate::CONVERSION, &I::ConvPasscodeState, &I::SetConvPasscodeState},
+};
+
 }  // namespace
 
 // A box with nothing to answer is told like everything else; the error behind it is at hand here.
@@ -139,6 +154,22 @@ std::string CHost::ProblemOfCounts() const {
          std::to_string(channels) + ".";
 }
 
+std::string CHost::ChannelsText() const {
+  return "The readout has the channels 1 to " + std::to_string(instrument_.NumChannels()) + ".";
+}
+
+CVaneT312BPRTTHRMChannel* CHost::FindChannel(std::int16_t number) {
+  CVaneT312BPRTTHRMChannel* const channel = instrument_.GetChannelReference(number);
+  if (channel == nullptr) Say(ChannelsText());
+  return channel;
+}
+
+CVaneT312BPRTTHRMChannel* CHost::ProbeCarrier() {
+  CVaneT312BPRTTHRMChannel* const channel = instrument_.GetChannelReference(1);
+  if (channel == nullptr) Say("The readout reports no channels.");
+  return channel;
+}
+
 EExitCode CHost::ReadSettings() {
   if (const EExitCode code = Connect(); code != EExitCode::DONE) return code;
   if (!instrument_.QueryInfo(ProgressWindow(), false)) return CodeOfStoppedRun();
@@ -168,23 +199,11 @@ EExitCode CHost::ReadWell(const std::function<EExitCode()>& read) {
 }
 
 EExitCode CHost::OpenGates(std::span<const EGate> gates) {
-  const auto isshut = [this](EGate gate) {
-    const auto& it = instrument_;
-    switch (gate) {
-      case EGate::UNITS_TIME:
-        return it.UnitsTimePasscodeState() != ET312BPasscodeState::PS_ENABLED;
-      case EGate::SAMPLING:
-        return it.SamplingPasscodeState() != ET312BPasscodeState::PS_ENABLED;
-      case EGate::CALIBRATION:
-        return it.CalParamPasscodeState() != ET312BPasscodeState::PS_ENABLED;
-      case EGate::CONVERSION:
-        return it.ConvPasscodeState() != ET312BPasscodeState::PS_ENABLED;
-      case EGate::NONE:
-        break;
-    }
-    return false;
-  };
-  if (std::ranges::none_of(gates, isshut)) return EExitCode::DONE;
+  const bool isshut = std::ranges::any_of(kGates, [&](const GateRow& row) {
+    return std::ranges::find(gates, row.gate) != gates.end() &&
+           (instrument_.*row.state)() != ET312BPasscodeState::PS_ENABLED;
+  });
+  if (!isshut) return EExitCode::DONE;
   try {
     if (!instrument_.ValidatePasscode(nullptr)) {
       return IsInterrupted() ? EExitCode::ABORTED : EExitCode::NO_PASSCODE;
@@ -193,10 +212,7 @@ EExitCode CHost::OpenGates(std::span<const EGate> gates) {
     return ReportFailure("checking the passcode");
   }
   // One passcode opens all groups.
-  instrument_.SetUnitsTimePasscodeState(ET312BPasscodeState::PS_ENABLED);
-  instrument_.SetSamplingPasscodeState(ET312BPasscodeState::PS_ENABLED);
-  instrument_.SetCalParamPasscodeState(ET312BPasscodeState::PS_ENABLED);
-  instrument_.SetConvPasscodeState(ET312BPasscodeState::PS_ENABLED);
+  for (const GateRow& row : kGates) (instrument_.*row.setstate)(ET312BPasscodeState::PS_ENABLED);
   return EExitCode::DONE;
 }
 
@@ -241,7 +257,7 @@ EExitCode CHost::ReportFailure(const std::string& action) {
   ShowError(action, kCompanyName, {}, 0);
   const std::int32_t number = PendingError().Number();
   if (number == ERR_INVALID_CHANNEL && LastFailure().number != number) {
-    Say("The readout has the channels 1 to " + std::to_string(instrument_.NumChannels()) + ".");
+    Say(ChannelsText());
     return EExitCode::USAGE;
   }
   if (number == ERR_MEASUREMENT) {

@@ -90,6 +90,15 @@ class CHost {
   /// are sent as ever.
   void StartDryRun();
 
+  // Null when there is none, which the user has been told then.
+  CVaneT312BPRTTHRMChannel* FindChannel(std::int16_t number);
+  /// The first channel's object: a probe need not be assigned to any, and this one carries the
+  /// record of each.
+  CVaneT312BPRTTHRMChannel* ProbeCarrier();
+
+  /// "The readout has the channels 1 to 12."
+  std::string ChannelsText() const;
+
   /// Use it after `Connect`.
   CVaneT312B& Instrument() { return instrument_; }
   COutput& Output() { return output_; }

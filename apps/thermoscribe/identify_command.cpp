@@ -1,6 +1,7 @@
 // thermoscribe identify: who is on the line, and what hangs on it.
 
 #include <cstdint>
+#include <optional>
 #include <string>
 
 #include "apps/thermoscribe/host.h"
@@ -12,52 +13,54 @@ namespace {
 
 constexpr char kBehindModel = ',';
 
-std::string FirmwareText(const Json& members) {
-  if (members["firmware"].is_null()) return "-";
-  const std::string minimum = TextOf(members["minfirmware"]);
-  return TextOf(members["firmware"]) +
-         (members["firmwarerecent"].get<bool>()
-              ? " (recent enough: at least " + minimum + ")"
-              : " (older than " + minimum + ": logs can't be downloaded)");
-}
+constexpr std::size_t kTitleColumns = 16;
 
-std::string TextForPeople(const Json& members) {
-  std::string text = "Model           " + TextOf(members["model"]);
-  text += "\nFirmware        " + FirmwareText(members);
-  text += "\nIdentification  " + TextOf(members["identification"]);
-  text += "\nChannels        " + TextOf(members["numchannels"]);
-  for (const Json& md : members["modules"]) {
-    text += "\nModule " + TextOf(md["number"]) + "        " + TextOf(md["model"]) + ", " +
-            TextOf(md["numchannels"]) + " channels";
+// What could not be found out is none.
+void ShowFindings(CHost& host) {
+  const CVaneT312B& instrument = host.Instrument();
+  std::optional<std::string> model;
+  if (instrument.Identification().find(kBehindModel) != std::string::npos) {
+    model = instrument.Model();
   }
-  return text;
-}
+  std::optional<double> firmware;
+  std::optional<bool> isrecent;
+  std::string firmwaretext = TextOf({});
+  if (instrument.Firmware() != 0) {
+    firmware = instrument.Firmware();
+    isrecent = instrument.VerifyMinimumFirmware();
+    const std::string minimum = TextOf(CVaneT312B::MinFirmwareRequired());
+    firmwaretext =
+        TextOf(*firmware) + (*isrecent ? " (recent enough: at least " + minimum + ")"
+                                       : " (older than " + minimum + ": logs can't be downloaded)");
+  }
+  const Value numchannels =
+      host.ProblemOfCounts().empty() ? Value(instrument.NumChannels()) : Value();
 
-Json ModulesOf(const CVaneT312B& instrument) {
-  if (instrument.NumModules() == 0) return nullptr;
-  Json modules = Json::array();
+  std::string text;
+  AddLine(text, "Model", kTitleColumns, TextOf(Known(model)));
+  AddLine(text, "Firmware", kTitleColumns, firmwaretext);
+  AddLine(text, "Identification", kTitleColumns, TextOf(instrument.Identification()));
+  AddLine(text, "Channels", kTitleColumns, TextOf(numchannels));
+  List modules;
   for (std::int16_t idx = 0; idx < instrument.NumModules(); ++idx) {
     const CModule* const md = instrument.Modules(idx);
     if (md == nullptr) continue;
-    modules.push_back({{"number", md->ModuleNumber()},
-                       {"model", md->Model()},
-                       {"numchannels", md->NumChannels()}});
+    modules.emplace_back(Members{{"number", md->ModuleNumber()},
+                                 {"model", md->Model()},
+                                 {"numchannels", md->NumChannels()}});
+    AddLine(text, "Module " + TextOf(md->ModuleNumber()), kTitleColumns,
+            TextOf(md->Model()) + ", " + TextOf(md->NumChannels()) + " channels");
   }
-  return modules;
-}
-
-// What could not be found out is null.
-Json Findings(const CHost& host, const CVaneT312B& instrument) {
-  const auto known = [](bool isknown, Json value) { return isknown ? std::move(value) : Json(); };
-  const bool ismodel = instrument.Identification().find(kBehindModel) != std::string::npos;
-  const bool isfirmware = instrument.Firmware() != 0;
-  return {{"model", known(ismodel, instrument.Model())},
-          {"firmware", known(isfirmware, instrument.Firmware())},
-          {"minfirmware", CVaneT312B::MinFirmwareRequired()},
-          {"firmwarerecent", known(isfirmware, instrument.VerifyMinimumFirmware())},
-          {"identification", instrument.Identification()},
-          {"numchannels", known(host.ProblemOfCounts().empty(), instrument.NumChannels())},
-          {"modules", ModulesOf(instrument)}};
+  host.Output().Record("identification",
+                       {{"model", Known(model)},
+                        {"firmware", Known(firmware)},
+                        {"minfirmware", CVaneT312B::MinFirmwareRequired()},
+                        {"firmwarerecent", Known(isrecent)},
+                        {"identification", instrument.Identification()},
+                        {"numchannels", numchannels},
+                        {"modules", instrument.NumModules() == 0 ? Value() : Value(modules)}},
+                       text);
+  if (!firmware) host.Note("The identification names no firmware version.");
 }
 
 // Whoever asks who is there wants to know most when something is wrong: what is known comes first,
@@ -70,12 +73,7 @@ EExitCode RunIdentify(CHost& host) {
   } catch (...) {
     code = host.ReportFailure("finding out what is on the line");
   }
-  const CVaneT312B& instrument = host.Instrument();
-  if (!instrument.Identification().empty()) {
-    const Json members = Findings(host, instrument);
-    host.Output().Record("identification", members, TextForPeople(members));
-    if (members["firmware"].is_null()) host.Note("The identification names no firmware version.");
-  }
+  if (!host.Instrument().Identification().empty()) ShowFindings(host);
   host.Release();
   return code;
 }

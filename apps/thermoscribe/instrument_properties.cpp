@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <type_traits>
 
+#include "apps/thermoscribe/enum_words.h"
+#include "apps/thermoscribe/output.h"
 #include "vane/support/display_texts.h"
 #include "vane/support/numbering.h"
 #include "vane/support/texts.h"
@@ -25,36 +27,34 @@ constexpr PropertyGroupRow kGroups[] = {
 constexpr std::string_view kSeconds = "s";
 constexpr std::string_view kDigits = "digits";
 constexpr std::string_view kOhms = "Ohms";
-constexpr double kScannerChannels = 10;
 constexpr std::size_t kMaxSteps = 100;  // of a scan sequence
 
 // The makers of rows, by what the property holds.
 
 template <auto Get>
-Json Value(const CVaneT312B& instrument) {
+Value Got(const CVaneT312B& instrument) {
   return (instrument.*Get)();
 }
 
 template <auto Get>
-constexpr PropertyRow ReadOnly(std::string_view name, EPropertyGroup group,
-                               std::string_view words) {
-  return {.name = name, .group = group, .words = words, .unit = {}, .get = Value<Get>};
+PropertyRow ReadOnly(std::string_view name, EPropertyGroup group, std::string_view words) {
+  return {.name = name, .group = group, .words = words, .unit = {}, .get = Got<Get>};
 }
 
 template <class T, auto Set>
-void Store(CVaneT312B& instrument, const Json& value) {
-  (instrument.*Set)(value.get<T>());
+void Store(CVaneT312B& instrument, const Value& value) {
+  (instrument.*Set)(static_cast<T>(value.Number()));
 }
 
 template <auto Get, auto Set>
-constexpr PropertyRow Number(std::string_view name, EPropertyGroup group, std::string_view words,
-                             std::string_view unit, double minimum, double maximum) {
+PropertyRow Number(std::string_view name, EPropertyGroup group, std::string_view words,
+                   std::string_view unit, double minimum, double maximum) {
   using T = std::invoke_result_t<decltype(Get), const CVaneT312B&>;
   return {.name = name,
           .group = group,
           .words = words,
           .unit = unit,
-          .get = Value<Get>,
+          .get = Got<Get>,
           .set = Store<T, Set>,
           .rule = NumberRule{minimum, maximum, std::is_integral_v<T>}};
 }
@@ -65,57 +65,52 @@ PropertyRow CalParam(std::string_view name, std::string_view words) {
           .group = CALIBRATION,
           .words = words,
           .unit = kOhms,
-          .get = [](const CVaneT312B& instrument) { return Json(instrument.CalParams(Cp)); },
+          .get = [](const CVaneT312B& instrument) { return Value(instrument.CalParams(Cp)); },
           .set = [](CVaneT312B& instrument,
-                    const Json& value) { instrument.SetCalParams(Cp, value.get<double>()); },
+                    const Value& value) { instrument.SetCalParams(Cp, value.Number()); },
           .rule = NumberRule{CVaneT312B::MinCalParamValue(Cp), CVaneT312B::MaxCalParamValue(Cp)}};
 }
 
-// An enumeration with the texts of its members.
-template <class Enum, auto Text, Enum... Members>
-struct Words {
-  static std::vector<std::string> All() { return {Text(Members)...}; }
-
-  template <auto Get>
-  static Json Value(const CVaneT312B& instrument) {
-    return Text((instrument.*Get)());
-  }
-
-  template <auto Set>
-  static void Store(CVaneT312B& instrument, const Json& value) {
-    const auto word = value.get<std::string>();
-    for (const Enum member : {Members...}) {
-      if (Text(member) == word) (instrument.*Set)(member);
-    }
-  }
-};
-
 template <class Words, auto Get, auto Set>
-constexpr PropertyRow Choice(std::string_view name, EPropertyGroup group, std::string_view words) {
+PropertyRow Choice(std::string_view name, EPropertyGroup group, std::string_view words) {
   return {.name = name,
           .group = group,
           .words = words,
           .unit = {},
-          .get = Words::template Value<Get>,
-          .set = Words::template Store<Set>,
+          .get = [](const CVaneT312B& instrument) { return Value(Words::Of((instrument.*Get)())); },
+          .set =
+              [](CVaneT312B& instrument, const Value& value) {
+                if (const auto code = Words::Find(value.Text())) (instrument.*Set)(*code);
+              },
           .rule = WordRule{Words::All}};
+}
+
+// Whether the readout protects a group.
+template <auto Get>
+PropertyRow Protection(std::string_view name, std::string_view words) {
+  return {.name = name,
+          .group = PROTECTION,
+          .words = words,
+          .unit = {},
+          .get = Got<Get>,
+          .flagwords = {"not protected", "protected"}};
 }
 
 // The same row with what its write needs beside it.
 
 template <bool (CVaneT312B::*Update)()>
-constexpr PropertyRow Alone(PropertyRow row, EGate gate = EGate::NONE) {
+PropertyRow Alone(PropertyRow row, EGate gate = EGate::NONE) {
   row.update = [](CVaneT312B& instrument) { return (instrument.*Update)(); };
   row.gate = gate;
   return row;
 }
 
-constexpr PropertyRow Behind(EGate gate, PropertyRow row) {
+PropertyRow Behind(EGate gate, PropertyRow row) {
   row.gate = gate;
   return row;
 }
 
-constexpr PropertyRow WithScannerOnly(bool (*needsscanner)(const Json&), PropertyRow row) {
+PropertyRow WithScannerOnly(bool (*needsscanner)(const Value&), PropertyRow row) {
   row.needsscanner = needsscanner;
   return row;
 }
@@ -123,20 +118,20 @@ constexpr PropertyRow WithScannerOnly(bool (*needsscanner)(const Json&), Propert
 std::string UnitText(ET312BUnits units) { return UnitsText(static_cast<std::int16_t>(units)); }
 
 using enum ET312BUnits;
-using UnitWords = Words<ET312BUnits, UnitText, UNITS_DEGREESC, UNITS_DEGREESF, UNITS_KELVIN,
-                        UNITS_OHMS, UNITS_RATIO, UNITS_W>;
+using UnitWords = EnumWords<UnitText, UNITS_DEGREESC, UNITS_DEGREESF, UNITS_KELVIN, UNITS_OHMS,
+                            UNITS_RATIO, UNITS_W>;
 using enum ET312BFilterType;
-using FilterWords = Words<ET312BFilterType, FilterTypeText, FT_NONE, FT_AVERAGE, FT_EXPONENTIAL>;
+using FilterWords = EnumWords<FilterTypeText, FT_NONE, FT_AVERAGE, FT_EXPONENTIAL>;
 using enum ET312BSampleAction;
-using ActionWords = Words<ET312BSampleAction, SampleActionText, SA_RUN, SA_STOP, SA_SAMPLE_N>;
+using ActionWords = EnumWords<SampleActionText, SA_RUN, SA_STOP, SA_SAMPLE_N>;
 using enum ET312BOven;
-using OvenWords = Words<ET312BOven, OvenText, OVEN_ON, OVEN_OFF>;
+using OvenWords = EnumWords<OvenText, OVEN_ON, OVEN_OFF>;
 using enum ET312BChannelMode;
-using ChannelModeWords = Words<ET312BChannelMode, ChannelModeText, CM_ALTERNATE, CM_INPUT_1,
-                               CM_INPUT_2, CM_SCANNER_CHANNEL, CM_SCANNER_SEQUENCE>;
+using ChannelModeWords = EnumWords<ChannelModeText, CM_ALTERNATE, CM_INPUT_1, CM_INPUT_2,
+                                   CM_SCANNER_CHANNEL, CM_SCANNER_SEQUENCE>;
 using enum ET312BScannerScanMode;
-using ScanModeWords = Words<ET312BScannerScanMode, ScannerScanModeText, SSM_SCAN, SSM_INPUT_2_SCAN,
-                            SSM_ALT_INPUT_2_SCAN, SSM_ALT_SCAN_1_SCAN, SSM_USER_DEFINED>;
+using ScanModeWords = EnumWords<ScannerScanModeText, SSM_SCAN, SSM_INPUT_2_SCAN,
+                                SSM_ALT_INPUT_2_SCAN, SSM_ALT_SCAN_1_SCAN, SSM_USER_DEFINED>;
 
 using I = CVaneT312B;  // a short name, for the table
 using enum ET312BCalParams;
@@ -166,7 +161,7 @@ const PropertyRow kProperties[] = {
      .group = SAMPLING,
      .words = "Sample interval",
      .unit = kSeconds,
-     .get = Value<&I::Interval>,
+     .get = Got<&I::Interval>,
      .set = Store<std::int32_t, &I::SetInterval>,
      .rule = NumberRule{I::MinInterval(), I::MaxInterval(), true},
      .update = [](I& instrument) { return instrument.UpdateInterval(); },
@@ -191,10 +186,7 @@ const PropertyRow kProperties[] = {
         I::MaxRatioResolution())),
 
     WithScannerOnly(
-        [](const Json& mode) {
-          return mode == ChannelModeText(CM_SCANNER_CHANNEL) ||
-                 mode == ChannelModeText(CM_SCANNER_SEQUENCE);
-        },
+        [](const Value& mode) { return ChannelModeWords::Find(mode.Text()) >= CM_SCANNER_CHANNEL; },
         Alone<&I::UpdateChannelMode>(Choice<ChannelModeWords, &I::ChannelMode, &I::SetChannelMode>(
             "ChannelMode", MEASUREMENT, "Channel mode"))),
     Alone<&I::UpdateRepetitions>(Number<&I::Repetitions, &I::SetRepetitions>(
@@ -212,15 +204,17 @@ const PropertyRow kProperties[] = {
      .group = SCAN,
      .words = "User-defined steps",
      .unit = {},
-     .get = Value<&I::ScanSeqSteps>},
+     .get = Got<&I::ScanSeqSteps>},
     {.name = "ScanChannels",
      .group = SCAN,
      .words = "User-defined sequence",
      .unit = {},
-     .get = Value<&I::ScanChannels>,
-     .set = Store<std::string, &I::SetScanChannels>,
+     .get = Got<&I::ScanChannels>,
+     .set = [](I& instrument, const Value& value) { instrument.SetScanChannels(value.Text()); },
      .rule = TextRule{[](std::string_view list) { return ScanSequence(list, kHighestChannel); },
-                      "a list of up to 100 channels from 2 to 12, with \",\" between them"},
+                      "a list of up to " + std::to_string(kMaxSteps) + " channels from " +
+                          std::to_string(kNumInputs) + " to " + std::to_string(kHighestChannel) +
+                          ", with \",\" between them"},
      .update = [](I& instrument) { return instrument.UpdateScanChannelList(); },
      .issequence = true},
 
@@ -235,10 +229,10 @@ const PropertyRow kProperties[] = {
     Behind(EGate::CALIBRATION,
            Choice<OvenWords, &I::Oven, &I::SetOven>("Oven", CALIBRATION, "Oven")),
 
-    ReadOnly<&I::ProtectConversion>("ProtectConversion", PROTECTION, "Conversion"),
-    ReadOnly<&I::ProtectCalParams>("ProtectCalParams", PROTECTION, "Calibration"),
-    ReadOnly<&I::ProtectSampling>("ProtectSampling", PROTECTION, "Sampling"),
-    ReadOnly<&I::ProtectUnitsTime>("ProtectUnitsTime", PROTECTION, "Units and time"),
+    Protection<&I::ProtectConversion>("ProtectConversion", "Conversion"),
+    Protection<&I::ProtectCalParams>("ProtectCalParams", "Calibration"),
+    Protection<&I::ProtectSampling>("ProtectSampling", "Sampling"),
+    Protection<&I::ProtectUnitsTime>("ProtectUnitsTime", "Units and time"),
 };
 
 }  // namespace
@@ -254,13 +248,22 @@ const PropertyRow* FindProperty(std::string_view name) {
   return nullptr;
 }
 
-Json SettableValues(const CVaneT312B& instrument) {
-  Json values = Json::object();
+Value ValueIn(const CVaneT312B& instrument, const PropertyRow& row) {
+  return IsThere(row.group, instrument) ? row.get(instrument) : Value();
+}
+
+std::vector<PropertyValue> SettableValues(const CVaneT312B& instrument) {
+  std::vector<PropertyValue> values;
   for (const PropertyRow& row : kProperties) {
-    if (row.set == nullptr || !IsThere(row.group, instrument)) continue;
-    values[std::string(row.name)] = row.get(instrument);
+    if (row.set != nullptr) values.push_back({&row, ValueIn(instrument, row)});
   }
   return values;
+}
+
+Members MembersOf(const std::vector<PropertyValue>& values) {
+  Members members;
+  for (const auto& [row, value] : values) members.push_back({std::string(row->name), value});
+  return members;
 }
 
 bool IsThere(EPropertyGroup group, const CVaneT312B& instrument) {
@@ -279,25 +282,21 @@ std::optional<std::string> ScanSequence(std::string_view list, std::int32_t high
     if (!digits) return std::nullopt;
     const int channel = std::stoi(item);
     if (channel < kNumInputs || channel > highest) return std::nullopt;
-    sequence += (sequence.empty() ? "" : ",") + std::to_string(channel);
+    Append(sequence, ",", std::to_string(channel));
   }
   if (count > kMaxSteps) return std::nullopt;
   return sequence;
 }
 
-bool NeedsScanner(const PropertyRow& row, const Json& value) {
+bool NeedsScanner(const PropertyRow& row, const Value& value) {
   return row.group == SCAN || (row.needsscanner != nullptr && row.needsscanner(value));
 }
 
-Json PropertyValue(const PropertyRow& row, const CVaneT312B& instrument) {
-  return IsThere(row.group, instrument) ? row.get(instrument) : Json();
-}
-
-std::string PropertyText(const PropertyRow& row, const Json& value) {
-  if (row.group == PROTECTION) return value.get<bool>() ? "protected" : "not protected";
-  std::string text = TextOf(value);
-  if (!row.unit.empty()) text += " " + std::string(row.unit);
-  return text;
+std::string PropertyText(const PropertyRow& row, const Value& value) {
+  const auto* const flag = value.If<bool>();
+  if (flag != nullptr && !row.flagwords[0].empty())
+    return std::string(row.flagwords[*flag ? 1 : 0]);
+  return TextOf(value, row.unit);
 }
 
 }  // namespace vane::thermoscribe

@@ -10,7 +10,7 @@
 #include <string_view>
 #include <vector>
 
-#include "apps/thermoscribe/output.h"
+#include "apps/thermoscribe/value.h"
 #include "apps/thermoscribe/value_rule.h"
 #include "vane/instrument/t312b.h"
 #include "vane/support/numbering.h"
@@ -49,10 +49,10 @@ struct PropertyRow {
   std::string_view unit;   ///< empty: none
 
   /// A number, a text, true or false; a member of an enumeration is its text.
-  Json (*get)(const CVaneT312B& instrument);
+  Value (*get)(const CVaneT312B& instrument);
 
   /// Takes what `get` gives, within the limits; null for what a host can't set.
-  void (*set)(CVaneT312B& instrument, const Json& value) = nullptr;
+  void (*set)(CVaneT312B& instrument, const Value& value) = nullptr;
 
   /// What it can be set to, of what can be set.
   std::optional<ValueRule> rule = std::nullopt;
@@ -66,11 +66,14 @@ struct PropertyRow {
   bool issequence = false;
 
   /// Whether the readout can only have `value` with a scanner; null for what it can have without.
-  bool (*needsscanner)(const Json& value) = nullptr;
+  bool (*needsscanner)(const Value& value) = nullptr;
+
+  /// For people, in place of "no" and "yes".
+  std::array<std::string_view, 2> flagwords = {};
 };
 
 /// Whether the readout can only have `value` with a scanner.
-bool NeedsScanner(const PropertyRow& row, const Json& value);
+bool NeedsScanner(const PropertyRow& row, const Value& value);
 
 /// `list` as the instrument's settings hold a scan sequence, if it names, with "," between,
 /// channels of the instrument from Input 2 to `highest`.
@@ -82,13 +85,22 @@ std::span<const PropertyRow> InstrumentProperties();
 /// Null for a name that none has. Letters count in either case.
 const PropertyRow* FindProperty(std::string_view name);
 
-/// The values of all properties that are there and can be set, by name.
-Json SettableValues(const CVaneT312B& instrument);
+/// A property with a value of it.
+struct PropertyValue {
+  const PropertyRow* row;
+  Value value;
+};
 
-/// What `get` gives; null for what is not there.
-Json PropertyValue(const PropertyRow& row, const CVaneT312B& instrument);
+/// What `get` gives; none for what is not there.
+Value ValueIn(const CVaneT312B& instrument, const PropertyRow& row);
+
+/// The values of all properties that can be set.
+std::vector<PropertyValue> SettableValues(const CVaneT312B& instrument);
+
+/// By their names.
+Members MembersOf(const std::vector<PropertyValue>& values);
 
 /// A value of `row` for people, with its unit.
-std::string PropertyText(const PropertyRow& row, const Json& value);
+std::string PropertyText(const PropertyRow& row, const Value& value);
 
 }  // namespace vane::thermoscribe

@@ -49,11 +49,11 @@ void TakeTimeout(HostOptions& options, const std::string& called, const std::str
 
 constexpr LineOptionRow kLineOptions[] = {
     {"port", "THERMOSCRIBE_PORT", "", [] { return std::vector<std::string>(); }, TakePort,
-     [](const HostOptions& options) { return options.port.empty() ? Json() : Json(options.port); }},
+     [](const HostOptions& options) { return Known(options.port); }},
     {"baud", "THERMOSCRIBE_BAUD", "bit/s", BaudRateWords, TakeBaud,
-     [](const HostOptions& options) { return Json(FindBaudRate(options.baud)->bits); }},
+     [](const HostOptions& options) { return Value(FindBaudRate(options.baud)->bits); }},
     {"timeout", "THERMOSCRIBE_TIMEOUT", "s", [] { return std::vector<std::string>(); }, TakeTimeout,
-     [](const HostOptions& options) { return Json(Seconds(options.timeout).count()); }},
+     [](const HostOptions& options) { return Value(Seconds(options.timeout).count()); }},
 };
 
 bool IsPort(const LineOptionRow& row) { return row.take == TakePort; }

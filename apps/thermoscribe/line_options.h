@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "apps/thermoscribe/host_options.h"
-#include "apps/thermoscribe/output.h"
+#include "apps/thermoscribe/value.h"
 
 namespace vane {
 class CConfigRegistry;
@@ -31,8 +31,8 @@ struct LineOptionRow {
   /// Puts `text` into `options`. Raises `CUsageError`, which calls the value `called`.
   void (*take)(HostOptions& options, const std::string& called, const std::string& text);
 
-  /// What `options` holds; null for a port that is left to the machine.
-  Json (*value)(const HostOptions& options);
+  /// What `options` holds; none for a port that is left to the machine.
+  Value (*value)(const HostOptions& options);
 };
 
 /// In the order in which they are shown.

@@ -110,18 +110,18 @@ class CReadings {
   }
 
   void Print(std::int16_t channel, const std::string& time, double reading) {
-    const Json members = {
-        {"time", time},
-        {"channel", channel},
-        {"name", host_.Instrument().GetScanSeqChannelName(channel)},
-        {"reading", reading},
-        {"unit", isunit_ ? Json(UnitsText(static_cast<std::int16_t>(units_))) : Json()}};
-    const std::string number = TextOf(members["channel"]);
-    host_.Output().Record("reading", members,
+    const Value name = host_.Instrument().GetScanSeqChannelName(channel);
+    const Value unit = isunit_ ? Value(UnitsText(static_cast<std::int16_t>(units_))) : Value();
+    const std::string number = TextOf(channel);
+    host_.Output().Record("reading",
+                          {{"time", time},
+                           {"channel", channel},
+                           {"name", name},
+                           {"reading", reading},
+                           {"unit", unit}},
                           time + "  " + std::string(kChannelColumns - number.size(), ' ') + number +
-                              "  " + Padded(TextOf(members["name"]), kNameColumns) + "  " +
-                              Padded(TextOf(members["unit"]), kUnitColumns) + "  " +
-                              TextOf(members["reading"]));
+                              "  " + Padded(TextOf(name), kNameColumns) + "  " +
+                              Padded(TextOf(unit), kUnitColumns) + "  " + TextOf(reading));
   }
 
   CHost& host_;
@@ -149,9 +149,7 @@ EExitCode TakeReadings(CHost& host, const MeasureOptions& options) {
   const auto missing = std::ranges::find_if(
       channels, [&](std::int16_t channel) { return channel > instrument.NumChannels(); });
   if (missing != channels.end()) {
-    host.Say("There is no channel " + std::to_string(*missing) +
-             ". The readout has the channels 1 to " + std::to_string(instrument.NumChannels()) +
-             ".");
+    host.Say("There is no channel " + std::to_string(*missing) + ". " + host.ChannelsText());
     return EExitCode::USAGE;
   }
   if (options.limit) {

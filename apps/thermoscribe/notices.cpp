@@ -14,8 +14,7 @@ std::string TextLine(const std::string& text) {
   return PrintableText("thermoscribe: " + text) + "\n";
 }
 
-Json Known(const std::string& text) { return text.empty() ? Json() : Json(text); }
-Json Known(std::int32_t number) { return number == 0 ? Json() : Json(number); }
+Value KnownNumber(std::int32_t number) { return number == 0 ? Value() : Value(number); }
 
 }  // namespace
 
@@ -31,7 +30,8 @@ void CNotices::TellBox(const std::string& box, const std::string& text, std::int
     source_ = source;
   }
   if (!json_) return Write(box);
-  const Json members = {{"number", Known(number)}, {"source", Known(source)}, {"text", text}};
+  const Members members = {
+      {"number", KnownNumber(number)}, {"source", Known(source)}, {"text", text}};
   Write(JsonLine("message", members) + "\n");
 }
 
@@ -66,9 +66,9 @@ void CNotices::Close(EExitCode code, const std::string& hint, std::int32_t numbe
     if (!hint.empty() && !quiet_) Write(TextLine(hint));
     return;
   }
-  Write(JsonLine("error", {{"number", Known(number_ != 0 ? number_ : number)},
+  Write(JsonLine("error", {{"number", KnownNumber(number_ != 0 ? number_ : number)},
                            {"source", Known(source_)},
-                           {"text", text_.empty() ? MeaningOf(code) : text_},
+                           {"text", text_.empty() ? std::string(MeaningOf(code)) : text_},
                            {"exitcode", static_cast<std::int32_t>(code)},
                            {"hint", Known(hint)}}) +
         "\n");

@@ -9,6 +9,7 @@
 
 #include "adapters/files/whole_file.h"
 #include "adapters/terminal/terminal_output.h"
+#include "apps/thermoscribe/json_text.h"
 #include "vane/support/number_text.h"
 
 namespace vane::thermoscribe {
@@ -36,17 +37,21 @@ std::string NumberText(Number number) {
 }
 
 // A 0 has no sign: nobody measures one, and it would stand in records as if it meant something.
-Json WithoutNegativeZeros(Json value) {
-  if (value.is_number_float() && value.get<double>() == 0) return 0.0;
-  if (value.is_structured()) {
-    for (Json& member : value) member = WithoutNegativeZeros(std::move(member));
+void DropNegativeZeros(Value& value) {
+  if (auto* const number = std::get_if<double>(&value.held)) *number += 0.0;
+  if (auto* const list = std::get_if<List>(&value.held)) {
+    std::ranges::for_each(*list, DropNegativeZeros);
   }
-  return value;
+  if (auto* const members = std::get_if<Members>(&value.held)) {
+    for (Member& member : *members) DropNegativeZeros(member.value);
+  }
 }
 
-std::string CsvField(const Json& value) {
-  if (value.is_null()) return {};
-  return value.is_string() ? value.get<std::string>() : WithoutNegativeZeros(value).dump();
+std::string CsvField(Value value) {
+  if (value.IsNone()) return {};
+  if (value.Is<std::string>()) return value.Text();
+  DropNegativeZeros(value);
+  return JsonText(value);
 }
 
 std::string CsvQuoted(const std::string& field) {
@@ -60,8 +65,8 @@ std::string CsvQuoted(const std::string& field) {
 bool IsNumeric(const std::vector<Row>& rows, std::size_t column) {
   bool numeric = false;
   for (const Row& row : rows) {
-    if (row[column].is_null()) continue;
-    if (!row[column].is_number()) return false;
+    if (row[column].IsNone()) continue;
+    if (!row[column].IsNumber()) return false;
     numeric = true;
   }
   return numeric;
@@ -69,10 +74,12 @@ bool IsNumeric(const std::vector<Row>& rows, std::size_t column) {
 
 }  // namespace
 
-std::string JsonLine(std::string_view kind, const Json& members) {
-  Json object = {{"version", kVersion}, {"kind", kind}};
-  object.update(WithoutNegativeZeros(members));
-  return object.dump(-1, ' ', false, Json::error_handler_t::replace);
+std::string JsonLine(std::string_view kind, const Members& members) {
+  Members object = {{"version", kVersion}, {"kind", kind}};
+  object.insert(object.end(), members.begin(), members.end());
+  Value value(std::move(object));
+  DropNegativeZeros(value);
+  return JsonText(value);
 }
 
 std::string WithUsersSeparator(std::string number) {
@@ -81,12 +88,21 @@ std::string WithUsersSeparator(std::string number) {
   return number;
 }
 
-std::string TextOf(const Json& value) {
-  if (value.is_null()) return "-";
-  if (value.is_boolean()) return value.get<bool>() ? "yes" : "no";
-  if (value.is_number_integer()) return NumberText(value.get<std::int64_t>());
-  if (value.is_number()) return WithUsersSeparator(NumberText(value.get<double>() + 0.0));
-  return PrintableText(value.get<std::string>());
+std::string TextOf(const Value& value) {
+  if (value.IsNone()) return "-";
+  if (const auto* const flag = value.If<bool>()) return *flag ? "yes" : "no";
+  if (const auto* const whole = value.If<std::int64_t>()) return NumberText(*whole);
+  if (value.IsNumber()) return WithUsersSeparator(NumberText(value.Number() + 0.0));
+  return PrintableText(value.Text());
+}
+
+std::string TextOf(const Value& value, std::string_view unit) {
+  return TextOf(value) + (unit.empty() ? "" : " ") + std::string(unit);
+}
+
+void AddLine(std::string& lines, const std::string& title, std::size_t columns,
+             std::string_view text) {
+  Append(lines, "\n", Padded(title, columns) + std::string(text));
 }
 
 std::string MomentText(std::chrono::local_seconds moment) {
@@ -114,7 +130,7 @@ std::string CsvLine(const std::vector<std::string>& fields) {
   return line + "\r\n";
 }
 
-std::string TableText(const std::vector<Column>& columns, const std::vector<Row>& rows) {
+std::string TableText(const std::vector<TableColumn>& columns, const std::vector<Row>& rows) {
   std::vector<std::string> lines(rows.size() + 1);
   for (std::size_t i = 0; i < columns.size(); ++i) {
     std::vector<std::string> cells = {columns[i].title};
@@ -129,7 +145,7 @@ std::string TableText(const std::vector<Column>& columns, const std::vector<Row>
   }
   std::string text;
   for (const std::string& line : lines) {
-    text += (text.empty() ? "" : "\n") + line.substr(0, line.find_last_not_of(' ') + 1);
+    Append(text, "\n", line.substr(0, line.find_last_not_of(' ') + 1));
   }
   return text;
 }
@@ -152,7 +168,7 @@ bool COutput::StartCsv(const std::vector<std::string>& keys) {
   return found == std::exchange(head_, {});
 }
 
-void COutput::Record(std::string_view kind, const Json& members, std::string_view text) {
+void COutput::Record(std::string_view kind, const Members& members, std::string_view text) {
   switch (form_) {
     case EForm::TEXT:
       return WriteLine(text);
@@ -160,17 +176,17 @@ void COutput::Record(std::string_view kind, const Json& members, std::string_vie
       return WriteLine(JsonLine(kind, members));
     case EForm::CSV:
       std::vector<std::string> fields;
-      for (const Json& member : members) fields.push_back(CsvField(member));
+      for (const Member& member : members) fields.push_back(CsvField(member.value));
       Plain(std::exchange(head_, {}) + CsvLine(fields));
   }
 }
 
-void COutput::Table(std::string_view kind, const std::vector<Column>& columns,
+void COutput::Table(std::string_view kind, const std::vector<TableColumn>& columns,
                     const std::vector<Row>& rows, std::string_view ifempty) {
   if (IsJson()) {
     for (const Row& row : rows) {
-      Json members = Json::object();
-      for (std::size_t i = 0; i < columns.size(); ++i) members[columns[i].key] = row[i];
+      Members members;
+      for (std::size_t i = 0; i < columns.size(); ++i) members.push_back({columns[i].key, row[i]});
       Record(kind, members, {});
     }
     return;

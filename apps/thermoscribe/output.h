@@ -1,5 +1,5 @@
 // What the program prints on standard output: aligned text for people, or one JSON object per line
-// for programs. A command builds its answer once, out of JSON values; all forms come from that.
+// for programs. A command builds its answer once, out of values; all forms come from that.
 //
 // The JSON form is a promise, see docs/command_line.md: members are added, never renamed.
 #pragma once
@@ -7,26 +7,23 @@
 #include <chrono>
 #include <functional>
 #include <memory>
-#include <nlohmann/json.hpp>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "apps/thermoscribe/line_output.h"
+#include "apps/thermoscribe/value.h"
 
 namespace vane::thermoscribe {
 
-/// Keeps its members in the order in which they were given.
-using Json = nlohmann::ordered_json;
-
 /// A member of the objects of a table.
-struct Column {
+struct TableColumn {
   const char* key;
   const char* title;  ///< for people
 };
 
-/// One value per column. Null is "not there".
-using Row = std::vector<Json>;
+/// One value per column.
+using Row = std::vector<Value>;
 
 class COutput {
  public:
@@ -51,11 +48,11 @@ class COutput {
 
   /// One object per row, or a table with a line of titles. Without rows, `ifempty` for people and
   /// nothing for programs.
-  void Table(std::string_view kind, const std::vector<Column>& columns,
+  void Table(std::string_view kind, const std::vector<TableColumn>& columns,
              const std::vector<Row>& rows, std::string_view ifempty = {});
 
   /// One object; `text` is its form for people, without the last line end.
-  void Record(std::string_view kind, const Json& members, std::string_view text);
+  void Record(std::string_view kind, const Members& members, std::string_view text);
 
   /// `text` as it stands.
   void Plain(std::string_view text);
@@ -79,18 +76,25 @@ class COutput {
 std::string CsvLine(const std::vector<std::string>& fields);
 
 /// Aligned columns under a line of titles, without the last line end.
-std::string TableText(const std::vector<Column>& columns, const std::vector<Row>& rows);
+std::string TableText(const std::vector<TableColumn>& columns, const std::vector<Row>& rows);
 
 /// One object with `members` behind its version and kind, as one line without an end. An instrument
 /// may send any byte; one that is no UTF-8 becomes U+FFFD.
-std::string JsonLine(std::string_view kind, const Json& members);
+std::string JsonLine(std::string_view kind, const Members& members);
 
 /// `number` with the user's decimal separator in place of ".".
 std::string WithUsersSeparator(std::string number);
 
 /// A value for people: a number as the shortest text that reads back equal, with the user's decimal
-/// separator; "yes", "no", and "-" for null. Control characters are replaced.
-std::string TextOf(const Json& value);
+/// separator; "yes", "no", and "-" for none. Control characters are replaced.
+std::string TextOf(const Value& value);
+/// The same with its unit, which may be empty.
+std::string TextOf(const Value& value, std::string_view unit);
+
+/// Adds a line to a text of lines without a last end: `title` with blanks up to `columns`, and
+/// `text`.
+void AddLine(std::string& lines, const std::string& title, std::size_t columns,
+             std::string_view text);
 
 /// "2026-11-24T15:07:09".
 std::string MomentText(std::chrono::local_seconds moment);

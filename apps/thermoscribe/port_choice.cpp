@@ -8,16 +8,14 @@
 namespace vane::thermoscribe {
 namespace {
 
-Json Known(const std::string& text) { return text.empty() ? Json() : Json(text); }
-
 bool IsAdapter(const SerialPortRecord& port) { return !port.id.empty(); }
 
-const std::vector<Column> kColumns = {{"path", "Port"},
-                                      {"driver", "Driver"},
-                                      {"maker", "Maker"},
-                                      {"product", "Product"},
-                                      {"serialnumber", "Serial number"},
-                                      {"id", "USB id"}};
+const std::vector<TableColumn> kColumns = {{"path", "Port"},
+                                           {"driver", "Driver"},
+                                           {"maker", "Maker"},
+                                           {"product", "Product"},
+                                           {"serialnumber", "Serial number"},
+                                           {"id", "USB id"}};
 constexpr const char* kNoPorts = "This machine has no serial ports.";
 
 std::vector<Row> Rows(const std::vector<SerialPortRecord>& ports) {

@@ -1,16 +1,16 @@
 // thermoscribe channel and thermoscribe probe: one channel's probe, or one probe, whole; and with
 // "set" the writing of it.
 
+#include <algorithm>
 #include <cstdint>
+#include <iterator>
 #include <memory>
 #include <string>
 #include <utility>
 
 #include "apps/thermoscribe/host.h"
-#include "apps/thermoscribe/probe_members.h"
 #include "apps/thermoscribe/probe_set.h"
 #include "apps/thermoscribe/program_commands.h"
-#include "apps/thermoscribe/shown_record.h"
 #include "vane/support/failure.h"
 #include "vane/support/numbering.h"
 
@@ -19,30 +19,29 @@ namespace {
 
 EExitCode RunChannel(CHost& host, std::int16_t number) {
   if (const EExitCode code = host.Connect(); code != EExitCode::DONE) return code;
-  CVaneT312B& instrument = host.Instrument();
-  CVaneT312BPRTTHRMChannel* const channel = instrument.GetChannelReference(number);
-  if (channel == nullptr) {
-    host.Say("The readout has the channels 1 to " + std::to_string(instrument.NumChannels()) + ".");
-    return EExitCode::USAGE;
-  }
+  CVaneT312BPRTTHRMChannel* const channel = host.FindChannel(number);
+  if (channel == nullptr) return EExitCode::USAGE;
   if (!channel->QueryInfo(host.ProgressWindow())) return host.CodeOfStoppedRun();
-  Json record = {{"channel", number}, {"name", instrument.GetScanSeqChannelName(number)}};
-  record.update(ProbeRecord(*channel, channel->ProbeIndex()));
-  host.Output().Record("channelrecord", record, ProbeRecordText(record));
+  const std::string name = host.Instrument().GetScanSeqChannelName(number);
+  Members record = {{"channel", number}, {"name", name}};
+  std::ranges::move(MembersOf(channel->ProbeIndex(), ProbeRecord(*channel)),
+                    std::back_inserter(record));
+  std::string text;
+  AddRecordLine(text, "Channel", number);
+  AddRecordLine(text, "Name", name);
+  AddProbeRecord(text, channel->ProbeIndex(), *channel);
+  host.Output().Record("channelrecord", record, text);
   return EExitCode::DONE;
 }
 
-// A probe need not be assigned to any channel; the first input's object only carries its record.
 EExitCode RunProbe(CHost& host, std::int16_t number) {
   if (const EExitCode code = host.Connect(); code != EExitCode::DONE) return code;
-  CVaneT312BPRTTHRMChannel* const channel = host.Instrument().GetChannelReference(1);
-  if (channel == nullptr) {
-    host.Say("The readout reports no channels.");
-    return EExitCode::FAILED;
-  }
+  CVaneT312BPRTTHRMChannel* const channel = host.ProbeCarrier();
+  if (channel == nullptr) return EExitCode::FAILED;
   if (!channel->QueryProbeInfo(number, host.ProgressWindow())) return host.CodeOfStoppedRun();
-  const Json record = ProbeRecord(*channel, number);
-  host.Output().Record("proberecord", record, ProbeRecordText(record));
+  std::string text;
+  AddProbeRecord(text, number, *channel);
+  host.Output().Record("proberecord", MembersOf(number, ProbeRecord(*channel)), text);
   return EExitCode::DONE;
 }
 
@@ -63,37 +62,38 @@ struct NumberedCommand {
   const char* brief;
   std::string footer;
   std::int16_t maximum;
-  const char* meaning;
+  std::string meaning;
   EExitCode (*read)(CHost& host, std::int16_t number);
 
   const char* setbrief;
   const char* setexamples;
-  EExitCode (*write)(CHost& host, std::int16_t number, const Json& values, bool dryrun);
+  EExitCode (*write)(CHost& host, std::int16_t number, const ProbeAssignments& assignments,
+                     bool dryrun);
   bool takesprobe;  // an assignment of a probe too
 };
 
 Command Numbered(const NumberedCommand& row) {
   struct Options {
     std::int16_t number = 0;
-    Json values = Json::object();
+    ProbeAssignments assignments;
     bool dryrun = false;
   };
   const auto options = std::make_shared<Options>();
   Option assignments{
       "assignments", "NAME=VALUE...", "a member of the record and its new value", {}};
   assignments.take = [options, takesprobe = row.takesprobe](const std::string& text) {
-    AddProbeAssignment(options->values, text, takesprobe);
+    AddProbeAssignment(options->assignments, text, takesprobe);
   };
   assignments.isrequired = true;
   assignments.takesmany = true;
   assignments.offer = EOffer::WORDS;
-  assignments.words = ProbeMemberWords(row.takesprobe);
+  assignments.words = ProbeAssignmentWords(row.takesprobe);
   Command set{.name = "set",
               .brief = row.setbrief,
               .footer = kSetHelp + std::string(row.setexamples),
               .options = {std::move(assignments), DryRun(options->dryrun)},
               .body = [options, write = row.write](CHost& host) {
-                return write(host, options->number, options->values, options->dryrun);
+                return write(host, options->number, options->assignments, options->dryrun);
               }};
   Option number = WholeOption(row.name, "N", options->number, 1, row.maximum, row.meaning);
   number.isrequired = true;
@@ -125,7 +125,7 @@ Examples:
   thermoscribe channel 3
   thermoscribe --simulate channel 1 --json)",
        .maximum = kHighestChannel,
-       .meaning = "channel of the instrument, 1 to 12",
+       .meaning = "channel of the instrument, 1 to " + std::to_string(kHighestChannel),
        .read = RunChannel,
        .setbrief = "Assign a probe, and write values of its record",
        .setexamples = R"(probe=K assigns probe K to the channel, and other values go to that probe.
@@ -148,7 +148,7 @@ Command ProbeCommand() {
 Example:
   thermoscribe probe 12)",
        .maximum = CVaneT312B::NumProbes(),
-       .meaning = "probe in the readout's memory, 1 to 16",
+       .meaning = "probe in the readout's memory, 1 to " + std::to_string(CVaneT312B::NumProbes()),
        .read = RunProbe,
        .setbrief = "Write values of the record",
        .setexamples = R"(

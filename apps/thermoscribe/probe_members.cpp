@@ -1,15 +1,12 @@
 #include "apps/thermoscribe/probe_members.h"
 
 #include <algorithm>
-#include <cmath>
-#include <iterator>
-#include <optional>
 #include <stdexcept>
+#include <utility>
 
-#include "apps/thermoscribe/command.h"
-#include "apps/thermoscribe/shown_record.h"
-#include "apps/thermoscribe/value_rule.h"
-#include "vane/components/components.h"
+#include "apps/thermoscribe/enum_words.h"
+#include "apps/thermoscribe/output.h"
+#include "apps/thermoscribe/probe_coefficients.h"
 #include "vane/support/display_texts.h"
 #include "vane/support/field_editing.h"
 #include "vane/support/texts.h"
@@ -17,12 +14,25 @@
 namespace vane::thermoscribe {
 namespace {
 
-using Channel = CVaneT312BPRTTHRMChannel;
+using ProbeChannel = CVaneT312BPRTTHRMChannel;
+
+using enum ET312BProbeRefResistor;
+using ReferenceWords =
+    EnumWords<RefResistorText, PRR_EXTERNAL, PRR_1_OHM, PRR_10_OHM, PRR_100_OHM, PRR_10K_OHM>;
+
+std::string ConversionText(EVaneConversionType type) {
+  return ConversionTypeText(static_cast<std::int32_t>(type));
+}
+
+using enum EVaneConversionType;
+using ConversionWords =
+    EnumWords<ConversionText, CONV_ITS90, CONV_IPTS68, CONV_CVD, CONV_POLYNOMIAL,
+              CONV_THERMISTOR_TR, CONV_THERMISTOR_RT, CONV_RESISTANCE, CONV_WT90, CONV_RATIO>;
 
 // The readout's serial numbers are read in capital letters.
 std::optional<std::string> SerialTaken(std::string_view typed) {
   const bool isgood = !typed.empty() &&
-                      typed.size() <= static_cast<std::size_t>(Channel::MaxSerialLength()) &&
+                      typed.size() <= static_cast<std::size_t>(ProbeChannel::MaxSerialLength()) &&
                       std::ranges::all_of(typed, [](char character) {
                         if (character <= ' ') return false;
                         std::int16_t key = character;
@@ -34,162 +44,218 @@ std::optional<std::string> SerialTaken(std::string_view typed) {
 
 std::optional<std::string> SerialInFile(std::string_view serial) {
   const bool isgood =
-      serial.size() <= static_cast<std::size_t>(Channel::MaxSerialLength()) &&
+      serial.size() <= static_cast<std::size_t>(ProbeChannel::MaxSerialLength()) &&
       std::ranges::none_of(serial, [](unsigned char c) { return c < ' ' || c == 0x7F; });
   return isgood ? std::optional<std::string>(serial) : std::nullopt;
 }
 
 std::optional<std::string> UnknownReference(std::string_view word) {
-  const std::string unknown = RefResistorText(ET312BProbeRefResistor::PRR_NONE);
+  const std::string unknown = RefResistorText(PRR_NONE);
   return word == unknown ? std::optional<std::string>(unknown) : std::nullopt;
 }
 
-std::vector<std::string> ScaleWords() { return {"90", "68"}; }
+// The settings of the channel's conversion, which is one that has them.
+template <class Settings>
+Settings& SettingsOf(const ProbeChannel& channel) {
+  return dynamic_cast<Settings&>(*channel.Probe()->Conversion().Settings());
+}
+
+constexpr std::int32_t kNoRange = -1;
+
+// A subrange of ITS-90.
+template <auto Range>
+ProbeMemberRow RangeRow(std::string_view name, std::string_view title, double lowest,
+                        double highest) {
+  return {.name = name,
+          .title = title,
+          .rule = NumberRule{lowest, highest, true},
+          .get =
+              [](const ProbeChannel& channel) {
+                const std::int32_t number = (SettingsOf<CITS90Settings>(channel).*Range)().Range();
+                return number == kNoRange ? Value() : Value(number);
+              },
+          .set =
+              [](ProbeChannel& channel, const Value& value) {
+                (SettingsOf<CITS90Settings>(channel).*Range)().SetRange(
+                    value.IsNone() ? kNoRange : static_cast<std::int32_t>(value.Number()));
+              },
+          .only = CONV_ITS90,
+          .maybenone = true};
+}
+
+// "Keep existing", the text of the code for none, is a choice in a list and no conversion.
+Value GetConversion(const ProbeChannel& channel) {
+  const EVaneConversionType type = channel.Probe()->ConversionType();
+  return type == CONV_NONE ? Value() : Value(ConversionText(type));
+}
+
+const std::string kMostCharacters = std::to_string(ProbeChannel::MaxSerialLength());
 
 const ProbeMemberRow kMembers[] = {
     {.name = "serial",
-     .rule = TextRule{SerialTaken, "1 to 8 letters, digits and \"-\""},
+     .title = "Probe serial number",
+     .rule = TextRule{SerialTaken, "1 to " + kMostCharacters + " letters, digits and \"-\""},
+     .get = [](const ProbeChannel& channel) { return Value(channel.Probe()->SerialNumber()); },
+     .set = [](ProbeChannel& channel,
+               const Value& value) { channel.Probe()->SetSerialNumber(value.Text()); },
      .isconversion = false,
-     .infile = TextRule{SerialInFile, "a text of up to 8 characters without control characters"}},
+     .infile = TextRule{SerialInFile, "a text of up to " + kMostCharacters +
+                                          " characters without control characters"}},
     {.name = "reference",
-     .rule = WordRule{ReferenceWords},
+     .title = "Reference",
+     .rule = WordRule{ReferenceWords::All},
+     .get =
+         [](const ProbeChannel& channel) {
+           return Value(RefResistorText(channel.ProbeRefResistor()));
+         },
+     .set =
+         [](ProbeChannel& channel, const Value& value) {
+           channel.SetProbeRefResistor(ReferenceWords::Find(value.Text()).value_or(PRR_NONE));
+         },
      .isconversion = false,
-     .infile = TextRule{UnknownReference, nullptr}},
+     .infile = TextRule{UnknownReference, {}}},
     {.name = "current",
-     .rule = NumberRule{Channel::MinProbeCurrent(), Channel::MaxProbeCurrent()},
+     .title = "Current",
+     .rule = NumberRule{ProbeChannel::MinProbeCurrent(), ProbeChannel::MaxProbeCurrent()},
+     .get = [](const ProbeChannel& channel) { return Value(channel.ProbeCurrent()); },
+     .set = [](ProbeChannel& channel,
+               const Value& value) { channel.SetProbeCurrent(value.Number()); },
      .isconversion = false},
     {.name = "offset3wire",
-     .rule = NumberRule{Channel::MinProbe3WireOffset(), Channel::MaxProbe3WireOffset()},
+     .title = "3W offset",
+     .rule = NumberRule{ProbeChannel::MinProbe3WireOffset(), ProbeChannel::MaxProbe3WireOffset()},
+     .get = [](const ProbeChannel& channel) { return Value(channel.Probe3WireOffset()); },
+     .set = [](ProbeChannel& channel,
+               const Value& value) { channel.SetProbe3WireOffset(value.Number()); },
      .isconversion = false},
-    {.name = "conversion", .rule = WordRule{ConversionWords}, .maybeunknown = true},
-    {.name = "lowrange", .rule = NumberRule{1, 5, true}, .ofsome = true, .maybenone = true},
-    {.name = "highrange", .rule = NumberRule{6, 11, true}, .ofsome = true, .maybenone = true},
-    {.name = "scale", .rule = WordRule{ScaleWords, true}, .ofsome = true, .maybeunknown = true},
+    {.name = "conversion",
+     .title = "Conversion type",
+     .rule = WordRule{ConversionWords::All},
+     .get = GetConversion,
+     .set =
+         [](ProbeChannel& channel, const Value& value) {
+           const auto type = value.IsNone() ? std::nullopt : ConversionWords::Find(value.Text());
+           channel.SetConversionType(type.value_or(CONV_NONE));
+         },
+     .maybeunknown = true},
+    RangeRow<&CITS90Settings::LowRange>("lowrange", "Low subrange", 1, 5),
+    RangeRow<&CITS90Settings::HighRange>("highrange", "High subrange", 6, 11),
+    {.name = "scale",
+     .title = "Scale",
+     .rule = WordRule{[] {
+                        return std::vector<std::string>{"90", "68"};
+                      },
+                      true},
+     .get =
+         [](const ProbeChannel& channel) {
+           const auto& settings = SettingsOf<CIPTS68Settings>(channel);
+           return settings.ScaleEnabled() ? Value(settings.IPTS68Scale() == 0 ? 90 : 68) : Value();
+         },
+     .set =
+         [](ProbeChannel& channel, const Value& value) {
+           if (value.IsNone()) return;
+           auto& settings = SettingsOf<CIPTS68Settings>(channel);
+           settings.SetIPTS68Scale(value == 90 ? 0 : 1);
+           settings.SetScaleEnabled(true);
+         },
+     .only = CONV_IPTS68,
+     .maybeunknown = true},
 };
 
-// The coefficients of all conversions; several conversions share a name.
-bool IsCoefficient(const std::string& folded) {
-  static constexpr std::string_view kWords[] = {"rtpw", "r0", "alpha", "delta", "beta", "d"};
-  if (std::ranges::find(kWords, folded) != std::end(kWords)) return true;
-  const std::string number = folded.substr(std::min<std::size_t>(1, folded.size()));
-  const bool isnumber = !number.empty() && number.size() <= 2 &&
-                        number.find_first_not_of("0123456789") == number.npos &&
-                        (number.size() == 1 || number[0] != '0');
-  if (!isnumber) return false;
-  const int highest = folded[0] == 'a' ? 11 : folded[0] == 'b' ? 9 : folded[0] == 'c' ? 10 : -1;
-  return std::stoi(number) <= highest;
+bool IsOf(const ProbeMemberRow& row, const ProbeChannel& channel) {
+  return !row.only || channel.Probe()->ConversionType() == *row.only;
 }
 
-[[noreturn]] void Refuse(std::string_view name, const std::string& text,
-                         const std::string& expected) {
-  throw CUsageError(std::string(name) + " can't be \"" + text + "\". It is " + expected + ".");
+// None of a member that belongs to another conversion says nothing.
+void StoreMember(ProbeChannel& channel, const ProbeMemberRow& row, const Value& value) {
+  if (IsOf(row, channel)) return row.set(channel, value);
+  if (value.IsNone()) return;
+  throw std::invalid_argument(std::string(row.name) + " can't be set: it belongs to " +
+                              ConversionText(*row.only) + ", and the conversion is " +
+                              ConversionText(channel.Probe()->ConversionType()) + ".");
 }
 
-Json MemberValue(const ProbeMemberRow& row, const std::string& text) {
-  if (row.maybenone && Folded(text) == "none") return nullptr;
-  std::optional<Json> value = ValueOf(row.rule, text);
-  if (!value) Refuse(row.name, text, ExpectedText(row.rule) + (row.maybenone ? ", or none" : ""));
-  return *std::move(value);
-}
-
-std::string MemberNames() {
-  std::string names;
-  for (const ProbeMemberRow& row : kMembers) names += std::string(row.name) + ", ";
-  return names +
-         "and the coefficients of the conversion (RTPW, R0, alpha, delta, beta, a4, c1, d, A0, B0, "
-         "c0 ...)";
-}
-
-// Whether a file's record may hold it; what a readout tells as unknown stands there too.
-bool MayStand(const ProbeMemberRow& row, const Json& value) {
-  if (value.is_null()) return row.maybenone || row.maybeunknown;
-  return Allows(row.rule, value) || (row.infile && Allows(*row.infile, value));
-}
-
-std::string ExpectedInFile(const ProbeMemberRow& row) {
-  const bool isother = row.infile && row.infile->expected != nullptr;
-  return (isother ? row.infile->expected : ExpectedText(row.rule)) +
-         (row.maybenone || row.maybeunknown ? ", or null" : "");
+void StoreCoefficient(const ProbeChannel& channel, const std::string& name, double value) {
+  std::string known;
+  for (const Coefficient& coefficient : CoefficientsOf(channel)) {
+    if (Folded(coefficient.name) == Folded(name)) return coefficient.set(value);
+    Append(known, ", ", coefficient.name);
+  }
+  throw std::invalid_argument(name + " is no coefficient of " +
+                              ConversionText(channel.Probe()->ConversionType()) +
+                              (known.empty() ? ", which has none." : ", which has " + known + "."));
 }
 
 }  // namespace
 
 std::span<const ProbeMemberRow> ProbeMembers() { return kMembers; }
 
-void AssignProbeMember(Json& values, const std::string& name, const std::string& text) {
-  for (const ProbeMemberRow& row : kMembers) {
-    if (Folded(row.name) != Folded(name)) continue;
-    if (values.contains(std::string(row.name))) {
-      throw CUsageError(std::string(row.name) + " is given twice.");
-    }
-    values[std::string(row.name)] = MemberValue(row, text);
-    return;
-  }
-  if (!IsCoefficient(Folded(name))) {
-    throw CUsageError("\"" + name + "\" is nothing that a probe has. It has " + MemberNames() +
-                      ".");
-  }
-  const std::optional<double> number = NumberOf(text);
-  if (!number || !std::isfinite(*number)) Refuse(name, text, "a number");
-  Json& coefficients = values["coefficients"];
-  for (const auto& [other, value] : coefficients.items()) {
-    if (Folded(other) == Folded(name)) throw CUsageError(other + " is given twice.");
-  }
-  coefficients[name] = *number;
+bool Holds(const ProbeValues& values, const ProbeKey& key) {
+  return std::ranges::find(values, key, &ProbeValue::key) != values.end();
 }
 
-std::vector<std::string> ProbeMemberAssignments() {
-  std::vector<std::string> all;
-  for (const ProbeMemberRow& row : kMembers) {
-    std::ranges::move(AssignmentWords(row.name, row.rule), std::back_inserter(all));
-  }
-  return all;
+Value ValueIn(const ProbeValues& values, const ProbeKey& key) {
+  const auto value = std::ranges::find(values, key, &ProbeValue::key);
+  return value == values.end() ? Value() : value->value;
 }
 
-bool HoldsConversion(const Json& values) {
-  return values.contains("coefficients") || std::ranges::any_of(kMembers, [&](const auto& row) {
-           return row.isconversion && values.contains(std::string(row.name));
-         });
+bool KnowsConversion(const ProbeValues& values) {
+  return std::ranges::none_of(values, [](const ProbeValue& one) {
+    return one.key.row != nullptr && one.key.row->get == GetConversion && one.value.IsNone();
+  });
 }
 
-std::string ProblemOfRecord(const Json& record) {
+bool HoldsConversion(const ProbeValues& values) {
+  return std::ranges::any_of(values, &ProbeKey::IsConversion, &ProbeValue::key);
+}
+
+ProbeValues ProbeRecord(const ProbeChannel& channel) {
+  ProbeValues record;
   for (const ProbeMemberRow& row : kMembers) {
-    const std::string name(row.name);
-    // What only some conversions have may be left out; the conversion itself misses it then.
-    if (!record.contains(name)) {
-      if (row.ofsome) continue;
-      return name + " is missing";
-    }
-    if (!MayStand(row, record[name])) {
-      return name + " is " + record[name].dump() + " and not " + ExpectedInFile(row);
-    }
+    record.push_back({ProbeKey(row), IsOf(row, channel) ? row.get(channel) : Value()});
   }
-  if (!record.contains("coefficients") || !record["coefficients"].is_object()) {
-    return "coefficients is missing or no object";
+  for (const Coefficient& coefficient : CoefficientsOf(channel)) {
+    record.push_back({ProbeKey(coefficient.name), coefficient.get()});
   }
-  for (const auto& [name, value] : record["coefficients"].items()) {
-    if (!value.is_number()) return "coefficients." + name + " is " + value.dump() + ", no number";
-  }
-  // The rest is what the conversion itself says.
-  Channel scratch(InstalledComponents());
-  try {
-    StoreProbeRecord(scratch, record);
-  } catch (const std::invalid_argument& error) {
-    return error.what();
-  }
-  const Json whole = ProbeRecord(scratch, 1);
-  for (const auto& [name, value] : record.items()) {
-    if (!whole.contains(name)) return name + " is nothing that a probe has";
-  }
-  for (const auto& [name, value] : whole.items()) {
-    // What only another conversion has may be left out.
-    if (!record.contains(name) && !value.is_null()) return name + " is missing";
-    if (!value.is_object()) continue;
-    for (const auto& [coefficient, number] : value.items()) {
-      if (!record[name].contains(coefficient)) return name + "." + coefficient + " is missing";
+  return record;
+}
+
+// In the order of the record: a conversion has to be there before what belongs to it.
+void StoreProbeValues(ProbeChannel& channel, const ProbeValues& values) {
+  for (const ProbeMemberRow& row : kMembers) {
+    for (const auto& [key, value] : values) {
+      if (key.row == &row) StoreMember(channel, row, value);
     }
   }
-  return {};
+  for (const auto& [key, value] : values) {
+    if (key.row == nullptr) StoreCoefficient(channel, key.coefficient, value.Number());
+  }
+}
+
+Members MembersOf(std::int16_t number, const ProbeValues& record) {
+  Members members = {{"probe", number}};
+  Members coefficients;
+  for (const auto& [key, value] : record) {
+    (key.row != nullptr ? members : coefficients).push_back({key.Name(), value});
+  }
+  members.push_back({"coefficients", std::move(coefficients)});
+  return members;
+}
+
+void AddRecordLine(std::string& text, const std::string& title, const Value& value) {
+  constexpr std::size_t kTitleColumns = 21;
+  AddLine(text, title, kTitleColumns, TextOf(value));
+}
+
+void AddProbeRecord(std::string& text, std::int16_t number, const ProbeChannel& channel) {
+  AddRecordLine(text, "Probe", number);
+  for (const auto& [key, value] : ProbeRecord(channel)) {
+    if (key.row == nullptr) {
+      AddRecordLine(text, "  " + key.coefficient, value);
+    } else if (IsOf(*key.row, channel)) {
+      AddRecordLine(text, std::string(key.row->title), value);
+    }
+  }
 }
 
 }  // namespace vane::thermoscribe

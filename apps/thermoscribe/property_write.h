@@ -16,23 +16,25 @@ namespace vane::thermoscribe {
 
 class CHost;
 
-struct Assignment {
-  const PropertyRow* row;
-  Json value;
-};
-
 /// "NAME=VALUE" as a person types it, cut at the first "=". Raises `CUsageError` without one.
 std::pair<std::string, std::string> AssignmentIn(const std::string& text);
 
 /// Adds an assignment of what a person has typed. Raises `CUsageError`, with a text that tells what
 /// is allowed, for an unknown name, one that is there already, or a value that can't be. `label` is
 /// what the user has called it, where that is another name.
-void AddAssignment(std::vector<Assignment>& assignments, std::string_view name,
+void AddAssignment(std::vector<PropertyValue>& assignments, std::string_view name,
                    std::string_view text, std::string_view label = {});
+
+/// The groups of the passcode that a write of `values` needs open.
+std::vector<EGate> GatesOf(const std::vector<PropertyValue>& values);
+
+/// Puts `values` into the instrument's settings and writes all of these in one run; false when the
+/// user has been told why not.
+bool WriteAllSettings(CHost& host, const std::vector<PropertyValue>& values);
 
 /// Reads all settings, asks for the passcode where it takes one, writes the assignments, reads all
 /// settings again, and shows what has changed. A value that did not arrive is told, and so is one
 /// that has changed and should not have. Nothing is written unless everything was read well.
-EExitCode WriteSettings(CHost& host, const std::vector<Assignment>& assignments, bool dryrun);
+EExitCode WriteSettings(CHost& host, const std::vector<PropertyValue>& assignments, bool dryrun);
 
 }  // namespace vane::thermoscribe

@@ -15,14 +15,13 @@ constexpr std::size_t kNameColumns = 16;
 
 EExitCode RunShow(CHost& host) {
   if (const EExitCode code = host.ReadSettings(); code != EExitCode::DONE) return code;
-  Json members = Json::object();
+  Members members;
   std::string text;
   for (const PropertyRow& row : InstrumentProperties()) {
     if (row.group != EPropertyGroup::PROTECTION) continue;
-    const Json flag = row.get(host.Instrument());
-    members[std::string(row.name)] = flag;
-    text += (text.empty() ? "" : "\n") + Padded(std::string(row.words), kNameColumns) +
-            PropertyText(row, flag);
+    const Value flag = row.get(host.Instrument());
+    members.push_back({std::string(row.name), flag});
+    AddLine(text, std::string(row.words), kNameColumns, PropertyText(row, flag));
   }
   host.Output().Record("protection", members, text);
   return EExitCode::DONE;

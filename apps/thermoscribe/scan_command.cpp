@@ -18,52 +18,51 @@ namespace {
 
 constexpr std::size_t kNameColumns = 24;
 
-Json Sequence(const CVaneT312B& instrument) {
-  Json steps = Json::array();
+// A step of the user-defined sequence.
+struct ScanStep {
+  std::int16_t channel;
+  std::string name;
+};
+
+std::vector<ScanStep> Sequence(const CVaneT312B& instrument) {
+  std::vector<ScanStep> steps;
   std::istringstream list(instrument.ScanChannels());
   for (std::string item; std::getline(list, item, ',');) {
     const auto channel = static_cast<std::int16_t>(std::stoi(item));
-    steps.push_back({{"step", steps.size() + 1},
-                     {"channel", channel},
-                     {"name", instrument.GetScanSeqChannelName(channel)}});
+    steps.push_back({channel, instrument.GetScanSeqChannelName(channel)});
   }
   return steps;
 }
 
-Json ScanMembers(const CVaneT312B& instrument) {
-  const bool scanner = instrument.HasScanners();
-  const auto ifscanner = [scanner](Json value) { return scanner ? std::move(value) : Json(); };
-  return {{"scanner", scanner},
-          {"ChannelMode", ChannelModeText(instrument.ChannelMode())},
-          {"ScannerScanMode", ifscanner(ScannerScanModeText(instrument.ScannerScanMode()))},
-          {"ScanChannel", ifscanner(instrument.ScanChannel())},
-          {"ScanSeqChannels", ifscanner(instrument.ScanSeqChannels())},
-          {"ScanSeqSteps", ifscanner(instrument.ScanSeqSteps())},
-          {"sequence", ifscanner(Sequence(instrument))}};
-}
-
-std::string ScanText(const Json& members) {
-  std::string text = Padded("Channel mode", kNameColumns) + TextOf(members["ChannelMode"]);
-  if (!members["scanner"].get<bool>()) return text + "\nNo scanner is attached.";
-  const auto add = [&text](const char* name, const Json& value) {
-    text += "\n" + Padded(name, kNameColumns) + TextOf(value);
-  };
-  add("Scanner sequence mode", members["ScannerScanMode"]);
-  add("Scanner channel", members["ScanChannel"]);
-  add("Sequence channels", members["ScanSeqChannels"]);
-  add("User-defined steps", members["ScanSeqSteps"]);
-  for (const Json& step : members["sequence"]) {
-    const std::string number = TextOf(step["channel"]);
-    add(("  Step " + TextOf(step["step"])).c_str(),
-        (number.size() < 2 ? " " : "") + number + "  " + TextOf(step["name"]));
-  }
-  return text;
-}
+// Members that are properties, as for `settings show`.
+constexpr const char* kShown[] = {"ChannelMode", "ScannerScanMode", "ScanChannel",
+                                  "ScanSeqChannels", "ScanSeqSteps"};
 
 EExitCode RunScanShow(CHost& host) {
   if (const EExitCode code = host.ReadSettings(); code != EExitCode::DONE) return code;
-  const Json members = ScanMembers(host.Instrument());
-  host.Output().Record("scan", members, ScanText(members));
+  const CVaneT312B& instrument = host.Instrument();
+  Members members = {{"scanner", instrument.HasScanners()}};
+  std::string text;
+  for (const char* const name : kShown) {
+    const PropertyRow& row = *FindProperty(name);
+    members.push_back({name, ValueIn(instrument, row)});
+    if (!IsThere(row.group, instrument)) continue;
+    AddLine(text, std::string(row.words), kNameColumns, PropertyText(row, members.back().value));
+  }
+  if (!instrument.HasScanners()) {
+    members.push_back({"sequence", {}});
+    Append(text, "\n", "No scanner is attached.");
+  } else {
+    List steps;
+    for (const auto& [channel, name] : Sequence(instrument)) {
+      const std::string number = TextOf(channel);
+      steps.emplace_back(Members{{"step", steps.size() + 1}, {"channel", channel}, {"name", name}});
+      AddLine(text, "  Step " + TextOf(steps.size()), kNameColumns,
+              (number.size() < 2 ? " " : "") + number + "  " + TextOf(name));
+    }
+    members.push_back({"sequence", steps});
+  }
+  host.Output().Record("scan", members, text);
   return EExitCode::DONE;
 }
 
@@ -72,21 +71,25 @@ struct ScanOption {
   const char* option;
   const char* property;
   const char* text;
-  const char* brief;
+  std::string brief;
 };
 
-constexpr ScanOption kScanOptions[] = {
+const std::string kScannerChannelsText = "1 to " + std::to_string(kScannerChannels);
+
+const ScanOption kScanOptions[] = {
     {"--mode", "ChannelMode", "MODE", "channel mode, such as \"Input 1\""},
     {"--scanner-mode", "ScannerScanMode", "MODE", "scanner sequence mode"},
-    {"--channel", "ScanChannel", "N", "the single scanner channel, 1 to 10"},
-    {"--sequence-channels", "ScanSeqChannels", "N", "channels of a sequence, 1 to 10"},
+    {"--channel", "ScanChannel", "N", "the single scanner channel, " + kScannerChannelsText},
+    {"--sequence-channels", "ScanSeqChannels", "N",
+     "channels of a sequence, " + kScannerChannelsText},
     {"--sequence", "ScanChannels", "LIST",
-     "the user-defined sequence: channels of the instrument\nfrom 2 on, such as 2,3,5"},
+     "the user-defined sequence: channels of the instrument\nfrom " + std::to_string(kNumInputs) +
+         " on, such as 2,3,5"},
 };
 
 Command ScanSetCommand() {
   struct Options {
-    std::vector<Assignment> assignments;
+    std::vector<PropertyValue> assignments;
     bool dryrun = false;
   };
   const auto options = std::make_shared<Options>();

@@ -11,8 +11,8 @@ namespace vane::thermoscribe {
 namespace {
 
 EExitCode RunDiff(CHost& host, const std::string& path, const std::string& otherpath) {
-  Json left;
-  Json right;
+  Snapshot left;
+  Snapshot right;
   try {
     left = ReadSnapshotFile(host, path);
     if (!otherpath.empty()) right = ReadSnapshotFile(host, otherpath);

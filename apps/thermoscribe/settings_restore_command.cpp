@@ -9,10 +9,9 @@
 #include <vector>
 
 #include "apps/thermoscribe/host.h"
-#include "apps/thermoscribe/probe_members.h"
+#include "apps/thermoscribe/json_text.h"
 #include "apps/thermoscribe/program_commands.h"
 #include "apps/thermoscribe/property_write.h"
-#include "apps/thermoscribe/shown_record.h"
 #include "apps/thermoscribe/snapshot.h"
 #include "apps/thermoscribe/stages.h"
 #include "apps/thermoscribe/value_check.h"
@@ -22,63 +21,62 @@
 namespace vane::thermoscribe {
 namespace {
 
-using enum Place::EPart;
+using enum SnapshotPlace::EPart;
 
 class CRestore {
  public:
-  CRestore(CHost& host, const Json& file) : host_(host), file_(file) {}
+  CRestore(CHost& host, const Snapshot& file) : host_(host), file_(file) {}
 
   EExitCode Run(bool yes, bool dryrun);
 
  private:
   EExitCode RefuseUntypable() const;
   std::string WhyImpossible(const Difference& difference) const;
-  bool Differs(Place::EPart part, std::int16_t number = 0) const;
+  bool Differs(SnapshotPlace::EPart part, std::int16_t number = 0) const;
   EExitCode AskUser() const;
   EExitCode OpenGates();
   std::vector<Stage> Stages();
-  bool WriteSettings();
+  std::vector<PropertyValue> WantedSettings() const;
   bool WriteProbe(std::int16_t number);
   bool WriteChannels();
   EExitCode Verify();
 
   CHost& host_;
-  const Json& file_;
-  Json before_;
+  const Snapshot& file_;
+  Snapshot before_;
   std::vector<Difference> wanted_;      // what can be written
   std::vector<Difference> impossible_;  // what the readout can't have
 };
 
 // Empty: it can be written.
 std::string CRestore::WhyImpossible(const Difference& difference) const {
-  const Place& place = difference.place;
-  if (difference.left.is_null()) {
+  const SnapshotPlace& place = difference.place;
+  if (difference.left.IsNone()) {
     // What only the older conversion has goes with it, and no subrange is one.
     const bool goes =
-        place.part == PROBE && (place.member == nullptr || !place.member->maybeunknown);
+        place.part == PROBE && (place.probe.row == nullptr || !place.probe.row->maybeunknown);
     return goes ? "" : "the file has no value for it";
   }
   if (host_.Instrument().HasScanners()) return {};
   const bool isscanners =
       (place.part == SETTING && NeedsScanner(*place.setting, difference.left)) ||
-      (place.part == CHANNEL && difference.right.is_null());
+      (place.part == CHANNEL && difference.right.IsNone());
   return isscanners ? "no scanner is attached" : "";
 }
 
 // What only a readout can have got is left alone where it is, and can't be written.
 EExitCode CRestore::RefuseUntypable() const {
   for (const auto& [place, left, right] : wanted_) {
-    const bool isother = place.member != nullptr && place.member->infile && !left.is_null() &&
-                         !Allows(place.member->rule, left);
-    if (!isother) continue;
-    host_.Say(place.Text() + ": " + left.dump() + " can't be written. It is " +
-              ExpectedText(place.member->rule) + ".");
+    const ProbeMemberRow* const row = place.probe.row;
+    if (row == nullptr || !row->infile || left.IsNone() || Allows(row->rule, left)) continue;
+    host_.Say(place.Text() + ": " + JsonText(left) + " can't be written. It is " +
+              ExpectedText(row->rule) + ".");
     return EExitCode::FAILED;
   }
   return EExitCode::DONE;
 }
 
-bool CRestore::Differs(Place::EPart part, std::int16_t number) const {
+bool CRestore::Differs(SnapshotPlace::EPart part, std::int16_t number) const {
   return std::ranges::any_of(wanted_,
                              [&](const Difference& one) { return one.place.IsIn(part, number); });
 }
@@ -98,30 +96,19 @@ EExitCode CRestore::AskUser() const {
 }
 
 EExitCode CRestore::OpenGates() {
-  std::vector<EGate> gates;
+  std::vector<EGate> gates = GatesOf(WantedSettings());
   for (const Difference& difference : wanted_) {
-    if (const PropertyRow* const row = difference.place.setting) {
-      gates.push_back(row->gate);
-      // The whole write takes the calibration as one group, the external resistor with it.
-      if (row->group == EPropertyGroup::CALIBRATION) gates.push_back(EGate::CALIBRATION);
-    }
     if (difference.place.IsConversion()) gates.push_back(EGate::CONVERSION);
   }
   return host_.OpenGates(gates);
 }
 
-bool CRestore::WriteSettings() {
-  CVaneT312B& instrument = host_.Instrument();
-  bool calibrates = false;
-  for (const Difference& difference : wanted_) {
-    const PropertyRow* const row = difference.place.setting;
-    if (row == nullptr) continue;
-    row->set(instrument, difference.left);
-    calibrates = calibrates || row->group == EPropertyGroup::CALIBRATION;
+std::vector<PropertyValue> CRestore::WantedSettings() const {
+  std::vector<PropertyValue> settings;
+  for (const auto& [place, left, right] : wanted_) {
+    if (place.part == SETTING) settings.push_back({place.setting, left});
   }
-  // Calibration is written with the digits of its formats; nothing of it may change unasked.
-  if (!calibrates) instrument.SetCalParamPasscodeState(ET312BPasscodeState::PS_DISABLED);
-  return instrument.UpdateInfo(host_.ProgressWindow());
+  return settings;
 }
 
 bool CRestore::WriteProbe(std::int16_t number) {
@@ -134,14 +121,12 @@ bool CRestore::WriteProbe(std::int16_t number) {
                                            : ET312BPasscodeState::PS_DISABLED);
   const auto index = static_cast<std::size_t>(number - 1);
   // What the file doesn't know stays as the readout has it.
-  StoreProbeRecord(carrier, before_["probes"][index]);
-  Json record = file_["probes"][index];
-  if (record["conversion"].is_null())
-    record = Json{{"serial", record["serial"]},
-                  {"reference", record["reference"]},
-                  {"current", record["current"]},
-                  {"offset3wire", record["offset3wire"]}};
-  StoreProbeRecord(carrier, record);
+  StoreProbeValues(carrier, before_.probes[index]);
+  ProbeValues record = file_.probes[index];
+  if (!KnowsConversion(record)) {
+    std::erase_if(record, [](const ProbeValue& one) { return one.key.IsConversion(); });
+  }
+  StoreProbeValues(carrier, record);
   return carrier.UpdateProbeInfo(number, host_.ProgressWindow());
 }
 
@@ -149,11 +134,10 @@ bool CRestore::WriteChannels() {
   CVaneT312B& instrument = host_.Instrument();
   // With its assignment a channel writes its probe's record, but not the conversion.
   instrument.SetConvPasscodeState(ET312BPasscodeState::PS_DISABLED);
-  for (const Json& entry : file_["channels"]) {
-    const auto number = entry["channel"].get<std::int16_t>();
-    if (!Differs(CHANNEL, number)) continue;
-    CVaneT312BPRTTHRMChannel& channel = *instrument.GetChannelReference(number);
-    const auto probe = entry["probe"].get<std::int16_t>();
+  for (const ChannelEntry& entry : file_.channels) {
+    if (!Differs(CHANNEL, entry.number)) continue;
+    CVaneT312BPRTTHRMChannel& channel = *instrument.GetChannelReference(entry.number);
+    const std::int16_t probe = entry.probe;
     const EExitCode code = host_.ReadWell([&] {
       return channel.QueryProbeInfo(probe, host_.ProgressWindow()) ? EExitCode::DONE
                                                                    : host_.CodeOfStoppedRun();
@@ -169,7 +153,7 @@ std::vector<Stage> CRestore::Stages() {
   std::vector<Stage> stages;
   if (Differs(SETTING)) {
     stages.push_back({host_.Instrument().HasScanners() ? "scanner and settings" : "settings",
-                      [this] { return WriteSettings(); }});
+                      [this] { return WriteAllSettings(host_, WantedSettings()); }});
   }
   for (std::int16_t number = 1; number <= CVaneT312B::NumProbes(); ++number) {
     if (!Differs(PROBE, number)) continue;
@@ -183,16 +167,16 @@ std::vector<Stage> CRestore::Stages() {
 }
 
 EExitCode CRestore::Verify() {
-  Json after;
+  Snapshot after;
   if (const EExitCode code = TakeSnapshot(host_, after, false); code != EExitCode::DONE) {
     return NotReadBack(host_, code);
   }
-  Json missing = Json::array();
+  List missing;
   const auto tell = [&](const Difference& difference, const std::string& reason) {
-    missing.push_back({{"place", difference.place.Text()},
-                       {"file", difference.left},
-                       {"readout", difference.right},
-                       {"reason", reason}});
+    missing.emplace_back(Members{{"place", difference.place.Text()},
+                                 {"file", difference.left},
+                                 {"readout", difference.right},
+                                 {"reason", reason}});
     host_.Say(difference.place.Text() + ": " + TextOf(difference.left) +
               " did not arrive, the readout has " + TextOf(difference.right) + ": " + reason + ".");
   };
@@ -201,7 +185,8 @@ EExitCode CRestore::Verify() {
     const auto old = std::ranges::find(wanted_, difference.place, &Difference::place);
     tell(difference, !impossible.empty()
                          ? impossible
-                         : WhyWrong({.before = old == wanted_.end() ? difference.left : old->right,
+                         : WhyWrong({.name = {},
+                                     .before = old == wanted_.end() ? difference.left : old->right,
                                      .wanted = difference.left,
                                      .after = difference.right}));
   }
@@ -222,8 +207,10 @@ EExitCode CRestore::Run(bool yes, bool dryrun) {
   if (const EExitCode code = RefuseUntypable(); code != EExitCode::DONE) {
     return NothingWritten(host_, code);
   }
-  const bool scanner = host_.Instrument().HasScanners();
-  if (!scanner && !file_["settings"]["ScanChannels"].is_null()) {
+  const bool isscannerinfile = std::ranges::any_of(file_.settings, [](const PropertyValue& one) {
+    return one.row->group == EPropertyGroup::SCAN && !one.value.IsNone();
+  });
+  if (isscannerinfile && !host_.Instrument().HasScanners()) {
     host_.Note(
         "The file has a scanner's settings, and no scanner is attached: the rest is restored.");
   }
@@ -246,7 +233,7 @@ EExitCode CRestore::Run(bool yes, bool dryrun) {
 }
 
 EExitCode RunRestore(CHost& host, const std::string& path, bool yes, bool dryrun) {
-  Json file;
+  Snapshot file;
   try {
     file = ReadSnapshotFile(host, path);
   } catch (const std::runtime_error& error) {

@@ -14,12 +14,12 @@ namespace {
 
 EExitCode RunSave(CHost& host, const std::string& path) {
   CheckFolder(path);
-  Json snapshot;
+  Snapshot snapshot;
   if (const EExitCode code = TakeSnapshot(host, snapshot); code != EExitCode::DONE) return code;
   WriteSnapshotFile(host, path, snapshot);
   // With the snapshot itself on standard output, nothing else may stand there.
   if (IsStandardOutput(path)) return EExitCode::DONE;
-  host.Output().Record("saved", {{"file", path}, {"taken", snapshot["taken"]}},
+  host.Output().Record("saved", {{"file", path}, {"taken", snapshot.taken}},
                        "The settings were saved in " + path + ".");
   return EExitCode::DONE;
 }
@@ -30,19 +30,18 @@ Command SettingsSaveCommand() {
   const auto path = std::make_shared<std::string>();
   Option file = PathOption("file", "FILE", *path, "file to be written; an older one is replaced");
   file.isrequired = true;
-  return {
-      .name = "save",
-      .brief = "Save all settings, channels and probes in a file",
-      .footer =
-          R"(Reads all settings, the probe of each channel and the records of all 16 probes, and writes
+  return {.name = "save",
+          .brief = "Save all settings, channels and probes in a file",
+          .footer = R"(Reads all settings, the probe of each channel and the records of all )" +
+                    std::to_string(CVaneT312B::NumProbes()) + R"( probes, and writes
 them as indented JSON with all their digits. The file is there as a whole or not at all; a
 pipe or a device is written to, "-" is standard output.
 
 Examples:
   thermoscribe settings save bath.json --port /dev/ttyUSB0
   thermoscribe settings save - | gzip > bath.json.gz)",
-      .options = {std::move(file)},
-      .body = [path](CHost& host) { return RunSave(host, *path); }};
+          .options = {std::move(file)},
+          .body = [path](CHost& host) { return RunSave(host, *path); }};
 }
 
 }  // namespace vane::thermoscribe

@@ -14,7 +14,7 @@ namespace vane::thermoscribe {
 
 Command SettingsSetCommand() {
   struct Options {
-    std::vector<Assignment> assignments;
+    std::vector<PropertyValue> assignments;
     bool dryrun = false;
   };
   const auto options = std::make_shared<Options>();

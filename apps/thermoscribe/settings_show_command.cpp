@@ -51,16 +51,15 @@ EExitCode RunSettingsShow(CHost& host, ChosenGroup chosengroup) {
   if (const EExitCode code = host.ReadSettings(); code != EExitCode::DONE) return code;
   const CVaneT312B& instrument = host.Instrument();
   const auto isshown = [&](EPropertyGroup group) { return !chosengroup || *chosengroup == group; };
-  Json members = Json::object();
+  std::vector<PropertyValue> values;
   for (const PropertyRow& row : InstrumentProperties()) {
-    if (isshown(row.group)) members[std::string(row.name)] = PropertyValue(row, instrument);
+    if (isshown(row.group)) values.push_back({&row, ValueIn(instrument, row)});
   }
   std::string text;
   for (const PropertyGroupRow& group : PropertyGroups()) {
-    if (!isshown(group.group)) continue;
-    text += (text.empty() ? "" : "\n\n") + GroupText(group, instrument);
+    if (isshown(group.group)) Append(text, "\n\n", GroupText(group, instrument));
   }
-  host.Output().Record("settings", members, text);
+  host.Output().Record("settings", MembersOf(values), text);
   return EExitCode::DONE;
 }
 

@@ -1,17 +1,13 @@
 #include "apps/thermoscribe/snapshot.h"
 
 #include <algorithm>
-#include <cmath>
-#include <set>
 #include <stdexcept>
 #include <utility>
 
 #include "adapters/files/whole_file.h"
 #include "apps/thermoscribe/host.h"
-#include "apps/thermoscribe/instrument_properties.h"
-#include "apps/thermoscribe/probe_members.h"
-#include "apps/thermoscribe/property_write.h"
-#include "apps/thermoscribe/shown_record.h"
+#include "apps/thermoscribe/json_text.h"
+#include "apps/thermoscribe/probe_input.h"
 #include "vane/support/texts.h"
 
 namespace vane::thermoscribe {
@@ -27,234 +23,220 @@ constexpr std::size_t kMostBytes = 4 << 20;  // of a file; what is saved has som
 }
 
 // The part of `whole` that lies under `name`.
-const Json& Part(const Json& whole, const std::string& name, bool isarray) {
-  const auto part = whole.find(name);
-  if (part == whole.end() || !(isarray ? part->is_array() : part->is_object())) {
-    Damaged(name, isarray ? "missing or no array" : "missing or no object");
+template <class Part>
+const Part& PartOf(const Members& whole, const char* name) {
+  const Value* const value = Find(whole, name);
+  const Part* const part = value == nullptr ? nullptr : value->If<Part>();
+  if (part == nullptr) {
+    Damaged(name, std::is_same_v<Part, List> ? "missing or no array" : "missing or no object");
   }
   return *part;
 }
 
+// Whether `value` is an object in which `name` is `wanted`.
+bool Has(const Value& value, const char* name, const Value& wanted) {
+  const auto* const members = value.If<Members>();
+  const Value* const found = members == nullptr ? nullptr : Find(*members, name);
+  return found != nullptr && *found == wanted;
+}
+
 // What this program doesn't know it can't restore, and a slip of the pen must not pass for nothing.
-void RefuseOthers(const Json& whole, const std::string& place,
-                  const std::vector<std::string>& names) {
-  for (const auto& [name, value] : whole.items()) {
+void RefuseOthers(const Members& whole, const std::string& place,
+                  const std::vector<std::string_view>& names) {
+  for (const auto& [name, value] : whole) {
     if (std::ranges::find(names, name) == names.end()) {
       Damaged(place.empty() ? name : place + "." + name, "unknown");
     }
   }
 }
 
-// Raises for a member that stands twice in its object: one of the two values would go unseen.
-Json ParsedOnce(const std::string& text) {
-  std::vector<std::set<std::string>> names;  // of the objects that are open
-  const auto look = [&names](int, Json::parse_event_t event, const Json& part) {
-    if (event == Json::parse_event_t::object_start) names.emplace_back();
-    if (event == Json::parse_event_t::object_end) names.pop_back();
-    if (event == Json::parse_event_t::key) {
-      const auto name = part.get<std::string>();
-      if (!names.back().insert(name).second) Damaged(name, "given twice in one object");
-    }
-    return true;
-  };
-  return Json::parse(text, look);
-}
-
-void CheckSettings(const Json& settings) {
-  std::vector<std::string> names;
+std::vector<PropertyValue> SettingsIn(const Members& settings) {
+  std::vector<std::string_view> names;
   for (const PropertyRow& row : InstrumentProperties()) {
-    if (row.set != nullptr) names.emplace_back(row.name);
+    if (row.set != nullptr) names.push_back(row.name);
   }
   RefuseOthers(settings, "settings", names);
+  std::vector<PropertyValue> values;
   for (const PropertyRow& row : InstrumentProperties()) {
     if (row.set == nullptr) continue;
-    const std::string name(row.name);
-    const std::string place = "settings." + name;
-    if (!settings.contains(name)) Damaged(place, "missing");
-    const Json& value = settings[name];
-    if (row.group == EPropertyGroup::SCAN && value.is_null()) continue;
-    if (!Allows(*row.rule, value)) {
-      Damaged(place, value.dump() + " is not " + ExpectedText(*row.rule));
+    const std::string place = "settings." + std::string(row.name);
+    const Value* const value = Find(settings, row.name);
+    if (value == nullptr) Damaged(place, "missing");
+    const bool isnone = row.group == EPropertyGroup::SCAN && value->IsNone();
+    if (!isnone && !Allows(*row.rule, *value)) {
+      Damaged(place, JsonText(*value) + " is not " + ExpectedText(*row.rule));
     }
+    values.push_back({&row, *value});
+  }
+  return values;
+}
+
+ChannelEntry ChannelIn(const Value& value, std::int16_t number) {
+  const std::string place = "channels[" + std::to_string(number - 1) + "]";
+  if (number > kHighestChannel || !Has(value, "channel", number)) {
+    Damaged(place + ".channel", "not " + std::to_string(number));
+  }
+  const auto& entry = *value.If<Members>();
+  RefuseOthers(entry, place, {"channel", "name", "probe"});
+  const NumberRule rule{1, CVaneT312B::NumProbes(), true};
+  const Value* const probe = Find(entry, "probe");
+  if (probe == nullptr || !Allows(rule, *probe)) {
+    Damaged(place + ".probe", "not " + ExpectedText(rule));
+  }
+  return {number, {}, static_cast<std::int16_t>(probe->Number())};
+}
+
+ProbeValues ProbeIn(const Value& value, std::int16_t number) {
+  const std::string place = "probe " + std::to_string(number);
+  if (!Has(value, "probe", number)) Damaged(place, "missing, or not at its place");
+  try {
+    return ProbeValuesIn(*value.If<Members>());
+  } catch (const std::invalid_argument& error) {
+    std::string problem = error.what();
+    if (problem.ends_with('.')) problem.pop_back();
+    Damaged(place, problem);
   }
 }
 
-bool IsWhole(const Json& object, const char* name, int minimum, int maximum) {
-  if (!object.is_object() || !object.contains(name)) return false;
-  return Allows(NumberRule{static_cast<double>(minimum), static_cast<double>(maximum), true},
-                object[name]);
-}
-
-void Check(const Json& file) {
-  if (!file.is_object() || !file.contains("format") || file["format"] != kFormat) {
+Snapshot SnapshotIn(const Value& file) {
+  if (!Has(file, "format", kFormat)) {
     Damaged("format", "the file is no settings of a readout, \"" + std::string(kFormat) + "\"");
   }
-  if (!file.contains("version") || file["version"] != kVersion) {
+  if (!Has(file, "version", kVersion)) {
     Damaged("version", "this program reads version " + std::to_string(kVersion));
   }
-  const Json& readout = Part(file, "readout", false);
-  if (!readout.contains("Model") || readout["Model"] != kReadoutModel) {
+  const auto& whole = *file.If<Members>();
+  if (!Has(PartOf<Members>(whole, "readout"), "Model", kReadoutModel)) {
     Damaged("readout.Model", "the settings are of another model");
   }
-  RefuseOthers(file, {},
+  RefuseOthers(whole, {},
                {"format", "version", "taken", "readout", "settings", "channels", "probes"});
-  CheckSettings(Part(file, "settings", false));
-  const Json& channels = Part(file, "channels", true);
-  for (std::size_t i = 0; i < channels.size(); ++i) {
-    const std::string place = "channels[" + std::to_string(i) + "]";
-    const int number = static_cast<int>(i) + 1;
-    if (number > kHighestChannel || !IsWhole(channels[i], "channel", number, number + 1) ||
-        channels[i]["channel"] != number) {
-      Damaged(place + ".channel", "not " + std::to_string(number));
-    }
-    RefuseOthers(channels[i], place, {"channel", "name", "probe"});
-    if (!IsWhole(channels[i], "probe", 1, CVaneT312B::NumProbes())) {
-      Damaged(place + ".probe", "not a whole number, 1 to 16");
-    }
+  Snapshot snapshot;
+  snapshot.settings = SettingsIn(PartOf<Members>(whole, "settings"));
+  std::int16_t number = 0;
+  for (const Value& value : PartOf<List>(whole, "channels")) {
+    snapshot.channels.push_back(ChannelIn(value, ++number));
   }
-  const Json& probes = Part(file, "probes", true);
-  if (std::ssize(probes) != CVaneT312B::NumProbes()) Damaged("probes", "not 16");
-  for (std::size_t i = 0; i < probes.size(); ++i) {
-    const std::string place = "probe " + std::to_string(i + 1);
-    if (!probes[i].is_object() || !probes[i].contains("probe") || probes[i]["probe"] != i + 1) {
-      Damaged(place, "missing, or not at its place");
-    }
-    if (const std::string problem = ProblemOfRecord(probes[i]); !problem.empty()) {
-      Damaged(place, problem.back() == '.' ? problem.substr(0, problem.size() - 1) : problem);
-    }
+  const List& probes = PartOf<List>(whole, "probes");
+  if (std::ssize(probes) != CVaneT312B::NumProbes()) {
+    Damaged("probes", "not " + std::to_string(CVaneT312B::NumProbes()));
   }
+  number = 0;
+  for (const Value& value : probes) snapshot.probes.push_back(ProbeIn(value, ++number));
+  return snapshot;
 }
 
-// The value under `name`; null when it isn't there.
-Json ValueUnder(const Json& object, const std::string& name) {
-  const auto member = object.find(name);
-  return member == object.end() ? Json() : *member;
-}
-
-void Compare(std::vector<Difference>& differences, Place place, Json left, Json right) {
+void Compare(std::vector<Difference>& differences, SnapshotPlace place, Value left, Value right) {
   if (left == right) return;
   differences.push_back({std::move(place), std::move(left), std::move(right)});
 }
 
-// The coefficients of both, in the order of the left.
-void CompareCoefficients(std::vector<Difference>& differences, std::int16_t number,
-                         const Json& left, const Json& right) {
-  const auto compare = [&](const std::string& name) {
-    Compare(differences, {.part = Place::EPart::PROBE, .number = number, .coefficient = name},
-            ValueUnder(left, name), ValueUnder(right, name));
+// The members of the record, then the coefficients of both, in the order of the left.
+void CompareProbes(std::vector<Difference>& differences, std::int16_t number,
+                   const ProbeValues& left, const ProbeValues& right) {
+  const auto compare = [&](const ProbeKey& key) {
+    Compare(differences, {.part = SnapshotPlace::EPart::PROBE, .number = number, .probe = key},
+            ValueIn(left, key), ValueIn(right, key));
   };
-  for (const auto& [name, value] : left.items()) compare(name);
-  for (const auto& [name, value] : right.items()) {
-    if (!left.contains(name)) compare(name);
+  for (const ProbeMemberRow& row : ProbeMembers()) compare(ProbeKey(row));
+  for (const auto& [key, value] : left) {
+    if (key.row == nullptr) compare(key);
+  }
+  for (const auto& [key, value] : right) {
+    if (key.row == nullptr && !Holds(left, key)) compare(key);
   }
 }
 
-EExitCode ReadSnapshot(CHost& host, Json& snapshot, bool connect) {
+EExitCode ReadSnapshot(CHost& host, Snapshot& snapshot, bool connect) {
   CVaneT312B& instrument = host.Instrument();
   if (connect) {
     if (const EExitCode code = host.ReadSettings(); code != EExitCode::DONE) return code;
   } else if (!instrument.QueryInfo(host.ProgressWindow(), false)) {
     return host.CodeOfStoppedRun();
   }
-  snapshot = {{"format", kFormat}, {"version", kVersion}, {"taken", MomentText(host.LocalTime())}};
-  Json readout = Json::object();
-  Json settings = Json::object();
+  snapshot = {.taken = MomentText(host.LocalTime()), .settings = SettableValues(instrument)};
   for (const PropertyRow& row : InstrumentProperties()) {
     const bool isreadout =
         row.group == EPropertyGroup::READOUT || row.group == EPropertyGroup::PROTECTION;
-    if (!isreadout && row.set == nullptr) continue;
-    (isreadout ? readout : settings)[std::string(row.name)] = PropertyValue(row, instrument);
+    if (isreadout) snapshot.readout.push_back({&row, row.get(instrument)});
   }
-  Json channels = Json::array();
   for (std::int16_t number = 1; number <= instrument.NumChannels(); ++number) {
     CVaneT312BPRTTHRMChannel* const channel = instrument.GetChannelReference(number);
     if (channel == nullptr) break;
     if (host.IsInterrupted()) return EExitCode::ABORTED;
     channel->QueryProbeIndex();
-    channels.push_back({{"channel", number},
-                        {"name", instrument.GetScanSeqChannelName(number)},
-                        {"probe", channel->ProbeIndex()}});
+    snapshot.channels.push_back(
+        {number, instrument.GetScanSeqChannelName(number), channel->ProbeIndex()});
   }
-  Json probes = Json::array();
-  CVaneT312BPRTTHRMChannel* const carrier = instrument.GetChannelReference(1);
-  if (carrier == nullptr) {
-    host.Say("The readout reports no channels.");
-    return EExitCode::FAILED;
-  }
+  CVaneT312BPRTTHRMChannel* const carrier = host.ProbeCarrier();
+  if (carrier == nullptr) return EExitCode::FAILED;
   for (std::int16_t number = 1; number <= CVaneT312B::NumProbes(); ++number) {
     if (!carrier->QueryProbeInfo(number, host.ProgressWindow())) return host.CodeOfStoppedRun();
-    probes.push_back(ProbeRecord(*carrier, number));
+    snapshot.probes.push_back(ProbeRecord(*carrier));
   }
-  snapshot["readout"] = std::move(readout);
-  snapshot["settings"] = std::move(settings);
-  snapshot["channels"] = std::move(channels);
-  snapshot["probes"] = std::move(probes);
   return EExitCode::DONE;
 }
 
 }  // namespace
 
-EExitCode TakeSnapshot(CHost& host, Json& snapshot, bool connect) {
+EExitCode TakeSnapshot(CHost& host, Snapshot& snapshot, bool connect) {
   return host.ReadWell([&] { return ReadSnapshot(host, snapshot, connect); });
 }
 
-Json ReadSnapshotFile(CHost& host, const std::string& path) {
+Snapshot ReadSnapshotFile(CHost& host, const std::string& path) {
   const std::string text = ReadWholeFile(path, kMostBytes, host.UsersPatience());
   const std::string name = NameOfInput(path);
-  Json file;
   try {
-    file = ParsedOnce(text);
-    Check(file);
-  } catch (const Json::parse_error& error) {
-    throw std::runtime_error(name + " is no JSON that can be read: damaged at character " +
-                             std::to_string(error.byte) + ".");
+    return SnapshotIn(ValueOfJson(text));
+  } catch (const CJsonDamage& error) {
+    throw std::runtime_error(name + " is no JSON that can be read: " + error.what() + ".");
   } catch (const std::runtime_error& error) {
     throw std::runtime_error(name + ": " + error.what());
   }
-  return file;
 }
 
-void WriteSnapshotFile(CHost& host, const std::string& path, const Json& snapshot) {
-  // An instrument may send any byte; one that is no UTF-8 must not spoil the file.
-  const std::string text = snapshot.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
-  host.Output().File(path, text, kPermissions);
+void WriteSnapshotFile(CHost& host, const std::string& path, const Snapshot& snapshot) {
+  List channels;
+  for (const auto& [number, name, probe] : snapshot.channels) {
+    channels.emplace_back(Members{{"channel", number}, {"name", name}, {"probe", probe}});
+  }
+  List probes;
+  for (const ProbeValues& record : snapshot.probes) {
+    probes.emplace_back(MembersOf(static_cast<std::int16_t>(probes.size() + 1), record));
+  }
+  const Members file = {{"format", kFormat},
+                        {"version", kVersion},
+                        {"taken", snapshot.taken},
+                        {"readout", MembersOf(snapshot.readout)},
+                        {"settings", MembersOf(snapshot.settings)},
+                        {"channels", std::move(channels)},
+                        {"probes", std::move(probes)}};
+  host.Output().File(path, JsonText(file, 2) + "\n", kPermissions);
 }
 
-std::string Place::Text() const {
+std::string SnapshotPlace::Text() const {
   if (part == EPart::SETTING) return "settings." + std::string(setting->name);
   if (part == EPart::CHANNEL) return "channel " + std::to_string(number);
-  return "probe " + std::to_string(number) + "." +
-         (member != nullptr ? std::string(member->name) : "coefficients." + coefficient);
+  return "probe " + std::to_string(number) + "." + probe.Path();
 }
 
-std::vector<Difference> Differences(const Json& left, const Json& right) {
+std::vector<Difference> Differences(const Snapshot& left, const Snapshot& right) {
+  using enum SnapshotPlace::EPart;
   std::vector<Difference> differences;
-  for (const PropertyRow& row : InstrumentProperties()) {
-    if (row.set == nullptr) continue;
-    const std::string name(row.name);
-    Compare(differences, {.part = Place::EPart::SETTING, .setting = &row},
-            ValueUnder(left["settings"], name), ValueUnder(right["settings"], name));
+  // Both hold all settings.
+  for (std::size_t i = 0; i < left.settings.size(); ++i) {
+    const auto& [row, value] = left.settings[i];
+    Compare(differences, {.part = SETTING, .setting = row}, value, right.settings[i].value);
   }
-  const Json& leftchannels = left["channels"];
-  const Json& rightchannels = right["channels"];
-  for (std::size_t i = 0; i < std::max(leftchannels.size(), rightchannels.size()); ++i) {
-    const auto probe = [i](const Json& channels) {
-      return i < channels.size() ? channels[i]["probe"] : Json();
+  for (std::size_t i = 0; i < std::max(left.channels.size(), right.channels.size()); ++i) {
+    const auto probe = [i](const Snapshot& one) {
+      return i < one.channels.size() ? Value(one.channels[i].probe) : Value();
     };
-    Compare(differences,
-            {.part = Place::EPart::CHANNEL, .number = static_cast<std::int16_t>(i + 1)},
-            probe(leftchannels), probe(rightchannels));
+    Compare(differences, {.part = CHANNEL, .number = static_cast<std::int16_t>(i + 1)}, probe(left),
+            probe(right));
   }
-  for (std::size_t i = 0; i < left["probes"].size(); ++i) {
-    const Json& leftprobe = left["probes"][i];
-    const Json& rightprobe = right["probes"][i];
-    const auto number = static_cast<std::int16_t>(i + 1);
-    for (const ProbeMemberRow& row : ProbeMembers()) {
-      const std::string name(row.name);
-      Compare(differences, {.part = Place::EPart::PROBE, .number = number, .member = &row},
-              ValueUnder(leftprobe, name), ValueUnder(rightprobe, name));
-    }
-    CompareCoefficients(differences, number, leftprobe["coefficients"], rightprobe["coefficients"]);
+  for (std::size_t i = 0; i < left.probes.size(); ++i) {
+    CompareProbes(differences, static_cast<std::int16_t>(i + 1), left.probes[i], right.probes[i]);
   }
   return differences;
 }

@@ -7,7 +7,7 @@ namespace {
 
 std::string Names(const std::vector<Stage>& stages, std::size_t first, std::size_t last) {
   std::string text;
-  for (std::size_t i = first; i < last; ++i) text += (text.empty() ? "" : ", ") + stages[i].name;
+  for (std::size_t i = first; i < last; ++i) Append(text, ", ", stages[i].name);
   return text.empty() ? "nothing" : text;
 }
 
@@ -42,6 +42,10 @@ EExitCode RunStages(CHost& host, const std::vector<Stage>& stages, const std::st
            Names(stages, written, begun) + ". Not written: " + Names(stages, begun, stages.size()) +
            "." + (advice.empty() ? "" : " " + advice));
   return code;
+}
+
+EExitCode ReadBeforeWriting(CHost& host) {
+  return NothingWritten(host, host.ReadWell([&] { return host.ReadSettings(); }));
 }
 
 EExitCode NothingWritten(CHost& host, EExitCode code) {

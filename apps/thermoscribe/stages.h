@@ -24,6 +24,10 @@ struct Stage {
 /// of what stopped them, behind the account; `advice` ends that.
 EExitCode RunStages(CHost& host, const std::vector<Stage>& stages, const std::string& advice);
 
+/// Reads all settings well before a command writes; when the result is not `DONE` it has been told
+/// that nothing was written.
+EExitCode ReadBeforeWriting(CHost& host);
+
 /// For a command that was going to write and ends before: says so and gives `code` back.
 EExitCode NothingWritten(CHost& host, EExitCode code);
 

@@ -4,6 +4,8 @@
 #include <cstdio>
 #include <cstdlib>
 
+#include "apps/thermoscribe/host.h"
+
 namespace vane::thermoscribe {
 namespace {
 
@@ -23,25 +25,46 @@ bool IsRounded(double whole, double left) {
   return false;
 }
 
+// A sentence on a value that is not the wanted one.
+std::string WrongValueText(const CheckedValue& value) {
+  const auto text = [&value](const Value& one) { return TextOf(one, value.unit); };
+  if (value.wanted == value.before) {
+    return value.name + " should not have changed: it was " + text(value.before) +
+           ", and the readout has " + text(value.after) + " now: " + WhyWrong(value) + ".";
+  }
+  return value.name + ": " + text(value.wanted) + " was written, but the readout has " +
+         text(value.after) + ": " + WhyWrong(value) + ".";
+}
+
 }  // namespace
 
 std::string WhyWrong(const CheckedValue& value) {
-  if (value.wanted.is_null()) return "what isn't known can't be written";
-  if (value.wanted.is_number() && value.after.is_number() &&
-      IsRounded(value.wanted.get<double>(), value.after.get<double>())) {
+  if (value.wanted.IsNone()) return "what isn't known can't be written";
+  if (value.wanted.IsNumber() && value.after.IsNumber() &&
+      IsRounded(value.wanted.Number(), value.after.Number())) {
     return "it keeps fewer digits";
   }
   return value.after == value.before ? "the readout did not take it" : "it is another value";
 }
 
-std::string WrongValueText(const std::string& name, const CheckedValue& value,
-                           const std::function<std::string(const Json&)>& text) {
-  if (value.wanted == value.before) {
-    return name + " should not have changed: it was " + text(value.before) +
-           ", and the readout has " + text(value.after) + " now: " + WhyWrong(value) + ".";
+EExitCode ShowChanges(CHost& host, const std::vector<CheckedValue>& values) {
+  Members changes;
+  std::string text;
+  for (const CheckedValue& value : values) {
+    if (value.after == value.before) continue;
+    changes.push_back({value.name, Members{{"before", value.before}, {"after", value.after}}});
+    Append(text, "\n",
+           value.name + ": " + TextOf(value.before, value.unit) + " -> " +
+               TextOf(value.after, value.unit));
   }
-  return name + ": " + text(value.wanted) + " was written, but the readout has " +
-         text(value.after) + ": " + WhyWrong(value) + ".";
+  host.Output().Record("changes", changes, text.empty() ? "Nothing has changed." : text);
+  EExitCode code = EExitCode::DONE;
+  for (const CheckedValue& value : values) {
+    if (value.after == value.wanted) continue;
+    host.Say(WrongValueText(value));
+    code = EExitCode::FAILED;
+  }
+  return code;
 }
 
 }  // namespace vane::thermoscribe

@@ -1,24 +1,30 @@
-// Why a value in the readout is not what it should be behind a write.
+// Values around a write: what has changed, and why one is not what it should be behind it.
 #pragma once
 
-#include <functional>
 #include <string>
+#include <string_view>
+#include <vector>
 
-#include "apps/thermoscribe/output.h"
+#include "apps/thermoscribe/exit_codes.h"
+#include "apps/thermoscribe/value.h"
 
 namespace vane::thermoscribe {
 
+class CHost;
+
 struct CheckedValue {
-  Json before;
-  Json wanted;  ///< the same as `before` where no change was asked for
-  Json after;
+  std::string name;
+  Value before;
+  Value wanted;  ///< the same as `before` where no change was asked for
+  Value after;
+  std::string_view unit = {};  ///< for people
 };
 
 /// "it keeps fewer digits" only where the digits that are left are those of the wanted value.
 std::string WhyWrong(const CheckedValue& value);
 
-/// A sentence on the value of `name`, in which `text` writes values.
-std::string WrongValueText(const std::string& name, const CheckedValue& value,
-                           const std::function<std::string(const Json&)>& text);
+/// Shows the values that have changed, and tells of each that is not what it should be; `FAILED`
+/// then.
+EExitCode ShowChanges(CHost& host, const std::vector<CheckedValue>& values);
 
 }  // namespace vane::thermoscribe

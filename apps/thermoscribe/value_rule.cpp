@@ -8,6 +8,8 @@
 #include <system_error>
 #include <utility>
 
+#include "apps/thermoscribe/output.h"
+
 namespace vane::thermoscribe {
 namespace {
 
@@ -26,7 +28,7 @@ std::string LimitText(double limit) {
 
 std::string WordsText(const WordRule& rule) {
   std::string text;
-  for (const std::string& word : rule.words()) text += (text.empty() ? "" : ", ") + word;
+  for (const std::string& word : rule.words()) Append(text, ", ", word);
   return text;
 }
 
@@ -51,22 +53,22 @@ std::optional<double> NumberOf(std::string_view text) {
   return number;
 }
 
-std::optional<Json> ValueOf(const ValueRule& rule, std::string_view text) {
+std::optional<Value> ValueOf(const ValueRule& rule, std::string_view text) {
   if (const auto* const words = std::get_if<WordRule>(&rule)) {
     for (std::string& word : words->words()) {
       if (Folded(word) != Folded(text)) continue;
-      return words->arenumbers ? Json(std::stoi(word)) : Json(std::move(word));
+      return words->arenumbers ? Value(std::stoi(word)) : Value(std::move(word));
     }
     return std::nullopt;
   }
   if (const auto* const form = std::get_if<TextRule>(&rule)) {
     std::optional<std::string> taken = form->taken(text);
-    return taken ? std::optional<Json>(*std::move(taken)) : std::nullopt;
+    return taken ? std::optional<Value>(*std::move(taken)) : std::nullopt;
   }
   const auto& limits = std::get<NumberRule>(rule);
   const std::optional<double> number = NumberOf(text);
   if (!number || !IsWithin(limits, *number)) return std::nullopt;
-  return limits.whole ? Json(static_cast<std::int32_t>(*number)) : Json(*number);
+  return limits.whole ? Value(static_cast<std::int32_t>(*number)) : Value(*number);
 }
 
 std::vector<std::string> AssignmentWords(std::string_view name, const ValueRule& rule) {
@@ -80,12 +82,14 @@ std::vector<std::string> WordsOf(const ValueRule& rule) {
   return words == nullptr ? std::vector<std::string>() : words->words();
 }
 
-bool Allows(const ValueRule& rule, const Json& value) {
+bool Allows(const ValueRule& rule, const Value& value) {
   if (const auto* const limits = std::get_if<NumberRule>(&rule)) {
-    return value.is_number() && IsWithin(*limits, value.get<double>());
+    return value.IsNumber() && IsWithin(*limits, value.Number());
   }
-  return (value.is_string() && ValueOf(rule, value.get<std::string>()) == value) ||
-         (value.is_number_integer() && ValueOf(rule, value.dump()) == value);
+  if (const auto* const whole = value.If<std::int64_t>()) {
+    return ValueOf(rule, std::to_string(*whole)) == value;
+  }
+  return value.Is<std::string>() && ValueOf(rule, value.Text()) == value;
 }
 
 std::string AllowedText(const ValueRule& rule) {

@@ -8,7 +8,7 @@
 #include <variant>
 #include <vector>
 
-#include "apps/thermoscribe/output.h"
+#include "apps/thermoscribe/value.h"
 
 namespace vane::thermoscribe {
 
@@ -29,7 +29,7 @@ struct WordRule {
 struct TextRule {
   /// The text as it is kept; nothing where `typed` is none of that form.
   std::optional<std::string> (*taken)(std::string_view typed);
-  const char* expected;  ///< what it is, as the end of a sentence
+  std::string expected;  ///< what it is, as the end of a sentence
 };
 
 using ValueRule = std::variant<NumberRule, WordRule, TextRule>;
@@ -43,7 +43,7 @@ std::optional<double> NumberOf(std::string_view text);
 /// The value that a person has typed: a choice in letters of either case and with or without the
 /// sign of degrees, a number within the limits, a text of the form. Nothing when it is none of
 /// these.
-std::optional<Json> ValueOf(const ValueRule& rule, std::string_view text);
+std::optional<Value> ValueOf(const ValueRule& rule, std::string_view text);
 
 /// The words of a rule that has some; none of any other.
 std::vector<std::string> WordsOf(const ValueRule& rule);
@@ -52,7 +52,7 @@ std::vector<std::string> WordsOf(const ValueRule& rule);
 std::vector<std::string> AssignmentWords(std::string_view name, const ValueRule& rule);
 
 /// What `ValueOf` would give, whether a program has written it or a person has changed it.
-bool Allows(const ValueRule& rule, const Json& value);
+bool Allows(const ValueRule& rule, const Value& value);
 
 /// "2 to 200", or "None, Average, Exponential"; empty for a text.
 std::string AllowedText(const ValueRule& rule);

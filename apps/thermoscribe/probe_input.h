@@ -1,0 +1,32 @@
+// The values of a probe's record as a person or a file gives them.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "apps/thermoscribe/probe_members.h"
+
+namespace vane::thermoscribe {
+
+/// What a person wants a record to hold.
+struct ProbeAssignments {
+  ProbeValues values;
+  std::optional<std::int16_t> probe;  ///< that is to be assigned to the channel
+};
+
+/// Adds an assignment out of a "NAME=VALUE" text; with `takesprobe`, "probe" as well. Raises
+/// `CUsageError`, with a text that tells what is allowed, also for a member that is there already.
+/// Whether the probe's conversion has the member remains to be seen.
+void AddProbeAssignment(ProbeAssignments& assignments, const std::string& text, bool takesprobe);
+
+/// What can be typed for the members but the coefficients, "serial=" and "scale=90", for a shell to
+/// offer.
+std::vector<std::string> ProbeAssignmentWords(bool takesprobe);
+
+/// The record of a file. Raises `std::invalid_argument`, with the member's name at the head of the
+/// text, where not all of it can be stored.
+ProbeValues ProbeValuesIn(const Members& record);
+
+}  // namespace vane::thermoscribe
