@@ -2,6 +2,7 @@
 
 #include "adapters/conversions/probe.h"
 #include "adapters/files/column_file.h"
+#include "adapters/files/field_reader.h"
 #include "adapters/files/private_text_file.h"
 #include "vane/components/memory_forms.h"
 
@@ -34,6 +35,10 @@ std::unique_ptr<CVaneProgress> CHeadlessFactory::MakeProgress() {
 
 std::unique_ptr<CVaneOutputFile> CHeadlessFactory::MakeOutputFile() {
   return std::make_unique<CColumnTextFile>();
+}
+
+std::unique_ptr<AwkOne> CHeadlessFactory::MakeFieldParser() {
+  return std::make_unique<CFieldReader>();
 }
 
 std::unique_ptr<CVaneTextFile> CHeadlessFactory::CreateTextFile(const std::string& path) {

@@ -22,6 +22,7 @@ class CHeadlessFactory : public CComponentFactory {
   std::unique_ptr<CVaneProbe> MakeProbe() override;
   std::unique_ptr<CVaneProgress> MakeProgress() override;
   std::unique_ptr<CVaneOutputFile> MakeOutputFile() override;
+  std::unique_ptr<AwkOne> MakeFieldParser() override;
   std::unique_ptr<CVaneTextFile> CreateTextFile(const std::string& path) override;
   std::unique_ptr<ui::CForm> MakeForm(const std::string& name) override;
 

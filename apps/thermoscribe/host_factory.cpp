@@ -4,6 +4,7 @@
 
 #include "adapters/conversions/probe.h"
 #include "adapters/files/column_file.h"
+#include "adapters/files/field_reader.h"
 #include "adapters/files/private_text_file.h"
 #include "adapters/terminal/terminal_file_dialog.h"
 #include "adapters/terminal/terminal_form.h"
@@ -84,6 +85,8 @@ std::unique_ptr<CVaneOutputFile> CHostFactory::MakeOutputFile() {
 std::unique_ptr<CVaneFileDialog> CHostFactory::MakeFileDialog() {
   return std::make_unique<CNotedDialog>(interrupts_, latestfile_);
 }
+
+std::unique_ptr<AwkOne> CHostFactory::MakeFieldParser() { return std::make_unique<CFieldReader>(); }
 
 std::unique_ptr<CVaneTextFile> CHostFactory::CreateTextFile(const std::string& path) {
   return std::make_unique<CPrivateTextFile>(path);

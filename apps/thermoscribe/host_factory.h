@@ -39,6 +39,7 @@ class CHostFactory final : public CComponentFactory {
   std::unique_ptr<CVanePasscodeDialog> MakePasscodeDialog() override;
   std::unique_ptr<CVaneOutputFile> MakeOutputFile() override;
   std::unique_ptr<CVaneFileDialog> MakeFileDialog() override;
+  std::unique_ptr<AwkOne> MakeFieldParser() override;
   std::unique_ptr<CVaneTextFile> CreateTextFile(const std::string& path) override;
   std::unique_ptr<ui::CForm> MakeForm(const std::string& name) override;
 

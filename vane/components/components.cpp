@@ -24,6 +24,10 @@ std::unique_ptr<CVaneFileDialog> CComponentFactory::MakeFileDialog() {
   RefuseMissing("MakeFileDialog", "save dialog");
 }
 
+std::unique_ptr<AwkOne> CComponentFactory::MakeFieldParser() {
+  RefuseMissing("MakeFieldParser", "field parser");
+}
+
 std::unique_ptr<CVanePasscodeDialog> CComponentFactory::MakePasscodeDialog() {
   RefuseMissing("MakePasscodeDialog", "passcode prompt");
 }

@@ -10,6 +10,7 @@
 
 #include "vane/components/communications.h"
 #include "vane/components/conversion.h"
+#include "vane/components/field_parser.h"
 #include "vane/components/file_dialog.h"
 #include "vane/components/output_file.h"
 #include "vane/components/passcode_dialog.h"
@@ -34,6 +35,7 @@ class CComponentFactory {
   // Optional.
   virtual std::unique_ptr<CVaneOutputFile> MakeOutputFile();
   virtual std::unique_ptr<CVaneFileDialog> MakeFileDialog();
+  virtual std::unique_ptr<AwkOne> MakeFieldParser();
   virtual std::unique_ptr<CVanePasscodeDialog> MakePasscodeDialog();
 
   /// A new, empty file at `path`, which only the user can read. What lay there, be it a link, is

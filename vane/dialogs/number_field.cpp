@@ -39,7 +39,7 @@ CNumberField::CNumberField(ui::CTextField& field, EFieldKind kind, KeyFilter fil
                            ui::CUpDown* updown)
     : field_(field), kind_(kind), updown_(updown) {
   field_.OnGotFocus([] { SelectActiveText(); });
-  field_.OnKeyPress(filter);
+  if (filter != nullptr) field_.OnKeyPress(filter);
   field_.OnLostFocus([this] {
     Limit();
     if (settled_) settled_();
@@ -58,7 +58,8 @@ void CNumberField::SetLimits(double minimum, double maximum, std::string format)
 }
 
 void CNumberField::Show(double value) {
-  good_ = kind_ == EFieldKind::REAL ? FormatNumber(value, format_) : std::to_string(ToLong(value));
+  const bool isplain = kind_ != EFieldKind::REAL && format_.empty();
+  good_ = isplain ? std::to_string(ToLong(value)) : FormatNumber(value, format_);
   field_.SetText(good_);
 }
 

@@ -7,6 +7,7 @@
 #include <functional>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "vane/components/form.h"
 
@@ -31,8 +32,8 @@ class CNumberField {
  public:
   using KeyFilter = void (*)(std::int16_t& key) noexcept;
 
-  /// Takes over the events of `field`, and with `updown` that of the up-down, whose limits are the
-  /// field's then.
+  /// Without a `filter` every key is taken. Takes over the events of `field`, and with `updown`
+  /// that of the up-down, whose limits are the field's then.
   CNumberField(ui::CTextField& field, EFieldKind kind, KeyFilter filter,
                ui::CUpDown* updown = nullptr);
   CNumberField(const CNumberField&) = delete;
@@ -40,8 +41,12 @@ class CNumberField {
 
   ui::CTextField& Field() const { return field_; }
 
-  /// For a field without an up-down; `format` is a real field's, see `FormatNumber`.
-  void SetLimits(double minimum, double maximum, std::string format = {});
+  /// For a field without an up-down; its format as in `SetFormat`.
+  void SetLimits(double minimum, double maximum, std::string format);
+
+  /// In which the number is written, see `FormatNumber`. The other kinds have one as well when it
+  /// is set.
+  void SetFormat(std::string format) { format_ = std::move(format); }
 
   /// Writes `value` as it is, also one that is out of range.
   void Show(double value);

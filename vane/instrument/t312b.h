@@ -306,6 +306,10 @@ class CVaneT312B {
   /// 1, or 2 with a scanner; 0 until they have been queried.
   std::int16_t NumModules() const { return topology_.NumModules(); }
 
+  /// Shows the dialog in which the user chooses what of a log to download, as often as he likes.
+  /// True when he has closed it, whatever has become of the downloads.
+  bool DownloadLoggedData();
+
   /// Fetches one of the instrument's logs reading by reading, writes it as a column text file, and
   /// offers that to the user. `numreadings` 0 is up to 100 readings; the log's end ends the
   /// fetching earlier. `resol` is the number of decimals, negative for numbers as they came. The
