@@ -1,6 +1,7 @@
 #!/bin/bash
 # Installs the build into an empty place, moves it, and builds the example host against it: as a
-# CMake package and with pkg-config alone. Both programs must read the simulated readout.
+# CMake package and with pkg-config alone. Both programs must read the simulated readout,
+# and the host with a list of its own must set what is chosen from it.
 #   installed_package.sh SOURCE_FOLDER BUILD_FOLDER CXX_COMPILER
 set -euo pipefail
 source=$1 build=$2 compiler=$3
@@ -38,6 +39,9 @@ export PKG_CONFIG_PATH
 # shellcheck disable=SC2046
 "$compiler" -std=c++20 "$source/examples/minimal_host/main.cpp" -o "$work/by-pkg-config" \
   $(pkg-config --cflags --libs VaneT312B)
+# shellcheck disable=SC2046
+"$compiler" -std=c++20 "$source/examples/own_lists/main.cpp" -o "$work/own-lists" \
+  $(pkg-config --cflags --libs VaneT312B)
 
 "$prefix/bin/thermoscribe-sim" --firmware 5.03 --link "$work/readout" > "$work/device" &
 simulator=$!
@@ -53,6 +57,13 @@ for program in "$work/by-cmake/minimal_host" "$work/by-pkg-config"; do
     grep -Eqx -- "$line" "$work/output" || { echo "No line \"$line\"" >&2; exit 1; }
   done
 done
+
+"$work/own-lists" "$work/readout" 3
+"$work/own-lists" "$work/readout" | tee "$work/output"
+for line in '  1  Input 2\) Probe [0-9]+' '  3  K' '  6  W'; do
+  grep -Eqx -- "$line" "$work/output" || { echo "No line \"$line\"" >&2; exit 1; }
+done
+"$prefix/bin/thermoscribe" --port "$work/readout" settings show --json | grep -q '"Units":"K"'
 
 if "$work/by-pkg-config" "$work/nothing" 2> "$work/output"; then
   echo "The example succeeds without a readout" >&2
