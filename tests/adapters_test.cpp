@@ -471,6 +471,11 @@ TEST_F(Terminal, ProgressDrawsOneLineAndTakesItAway) {
   std::this_thread::sleep_for(60ms);
   progress.Step(8, 2);
   EXPECT_THAT(Screen(), EndsWith("\rÜnlängst " + std::string(32, 'x') + " [##--------]  25%"));
+  progress.Start("x", 0.0);
+  std::this_thread::sleep_for(510ms);
+  progress.Step(1000, 1000);
+  EXPECT_THAT(Screen(), testing::ContainsRegex("\rx \\[#+\\] 100%  [0-9]+/s  0:00 left *$"));
+  progress.Start("x", 0.0);
   progress.SetVisible(false);
   Screen();
   progress.Step(8, 7);

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <fstream>
 #include <nlohmann/json.hpp>
 #include <string>
@@ -49,6 +50,18 @@ TEST_F(Cli, MeasuresTheChannelsOfAListInItsOrderRoundForRound) {
   EXPECT_EQ(missing.exitcode, 2);
   EXPECT_THAT(missing.err, HasSubstr("channel 5. The readout has the channels 1 to 2."));
   EXPECT_THAT(Trace(), Not(HasSubstr("MEASURE")));
+}
+
+// The seventh exchange, the first reading, takes longer than a round may.
+TEST_F(Cli, ARoundThatComesLateIsNotMadeUpFor) {
+  StartSimulator("--fault at=7:delay=0.7");
+  const std::vector<json> readings = JsonLines(
+      Run(Words("measure --json --count 3 --every 0.4 --timeout 9 --port " + Port())).out);
+  ASSERT_EQ(readings.size(), 3u);
+  const auto second = [&](std::size_t i) {
+    return std::stod(readings[i]["time"].get<std::string>().substr(17, 6));
+  };
+  EXPECT_GT(std::fmod(60 + second(2) - second(1), 60), 0.25);
 }
 
 // The sixth exchange reads the units, the eighth and tenth read them again behind a reading.
@@ -210,7 +223,15 @@ TEST_F(Cli, ADownloadKeepsItsFilesApartAndTellsWhatBecameOfThem) {
   EXPECT_EQ(full.exitcode, 1);
   EXPECT_THAT(full.err, HasSubstr(file + " holds 3 readings; no CSV file was written."));
 
+  // The tenth exchange fetches the third reading.
   std::filesystem::remove(file);
+  StartSimulator("--fault at=10:answer=25.0");
+  EXPECT_THAT(Ask("download --json --readings 3 --folder " + folder).out,
+              HasSubstr(R"("readings":2,)"));
+  EXPECT_EQ(Lines(FileText("download.txt")).size(), 3u + 2u);
+
+  std::filesystem::remove(file);
+  std::filesystem::remove(TraceFile());
   StartSimulator("--fault every=1:delay=0.05");
   CProcess stopped(THERMOSCRIBE_PATH, OnPort("download --readings 90 --folder " + folder, Port()));
   while (Trace().find("LOG:HISTORY 2?") == std::string::npos) std::this_thread::yield();

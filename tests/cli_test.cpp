@@ -570,6 +570,12 @@ TEST_F(Cli, NeedsNoReadoutForPortsAndNoHardwareForASimulatedOne) {
   EXPECT_TRUE(std::filesystem::is_empty(folder_ / "tmp"));
 }
 
+TEST_F(Cli, ATraceWithHolesIsToldOfAndIsAFailure) {
+  const Outcome untraced = Run(Words("--simulate --trace /dev/full identify"));
+  EXPECT_EQ(untraced.exitcode, 1);
+  EXPECT_THAT(untraced.err, HasSubstr("trace file /dev/full could not be written"));
+}
+
 TEST_F(Cli, SimulatedReadoutTakesItsLinkAwayAndTellsThatNobodyGetsItsPath) {
   for (const int signal : {SIGHUP, SIGINT, SIGQUIT, SIGTERM}) {
     StartSimulator();

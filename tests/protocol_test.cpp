@@ -1,6 +1,7 @@
 // The command table and the form of a line, and the page that shows them to people.
 #include <gtest/gtest.h>
 
+#include <cstdio>
 #include <fstream>
 #include <sstream>
 
@@ -142,6 +143,11 @@ TEST(Framing, ChecksEveryCharacterOfALine) {
     EXPECT_FALSE(ParseLine(line.substr(0, i))) << i;
     EXPECT_FALSE(ParseLine(line.substr(i + 1))) << i;
   }
+  // Another character in the place of the blank, under a check value that is right.
+  std::string glued = "#1A2F==10";
+  char check[8];
+  std::snprintf(check, sizeof check, "*%04X", CheckValue(glued));
+  EXPECT_FALSE(ParseLine(glued += check)) << glued;
 }
 
 TEST(Framing, AnswersAreValuesOrRefusals) {
@@ -152,7 +158,7 @@ TEST(Framing, AnswersAreValuesOrRefusals) {
   ASSERT_TRUE(refusal && refusal->refused);
   EXPECT_EQ(refusal->number, 12);
   EXPECT_EQ(refusal->text, "out of range");
-  for (const char* text : {"", "10", "!", "!x y", "!12", "!99999999999 x"}) {
+  for (const char* text : {"", "10", "!", "!x y", "!12", "!12x y", "!99999999999 x"}) {
     EXPECT_FALSE(ParseAnswer(text)) << text;
   }
 }

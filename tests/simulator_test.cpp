@@ -428,7 +428,8 @@ TEST(SimulatedLine, FaultsOnARealTerminal) {
   CSimulatedLine line(ParseOptions(
       "--fault at=3:drop --fault at=4:split=0.1 --fault at=5:refuse --fault at=6:identify "
       "--fault at=7:hangup=0.05 --fault write=2:answer=12.3.4 --fault write=3:refuse=-5 "
-      "--fault write=4:answer= --fault at=12:overlong"));
+      "--fault write=4:answer= --fault at=12:overlong "
+      "--fault at=13:late=0.2 --fault at=14:hangup=0.05"));
   line.Start();
   const std::string path = line.Path();
   const std::string first_device = std::filesystem::read_symlink(path);
@@ -446,18 +447,20 @@ TEST(SimulatedLine, FaultsOnARealTerminal) {
   EXPECT_EQ(Talk(path, framed(6, "UNITS?")), framed(6, "=T312B, 5.03"));
   const int old_end = open(path.c_str(), O_RDWR | O_NOCTTY);
   EXPECT_EQ(Talk(path, framed(7, "UNITS?")), "(lost)");
-  int unplugged = 0;
-  for (int tries = 0; tries < 400; ++tries) {
-    const int file = open(path.c_str(), O_RDWR | O_NOCTTY);
-    if (file >= 0) {
-      close(file);
-      break;
+  const auto waitforplug = [&path] {
+    int unplugged = 0;
+    for (; unplugged < 400; ++unplugged) {
+      const int file = open(path.c_str(), O_RDWR | O_NOCTTY);
+      if (file >= 0) {
+        close(file);
+        break;
+      }
+      EXPECT_EQ(errno, ENXIO);
+      std::this_thread::sleep_for(5ms);
     }
-    EXPECT_EQ(errno, ENXIO);
-    ++unplugged;
-    std::this_thread::sleep_for(5ms);
-  }
-  EXPECT_GT(unplugged, 0);
+    EXPECT_GT(unplugged, 0);
+  };
+  waitforplug();
   EXPECT_EQ(Talk(path, framed(8, "UNITS?")), framed(8, "=C"));
   EXPECT_NE(std::filesystem::read_symlink(path), first_device) << "the old end is still open";
   close(old_end);
@@ -466,7 +469,10 @@ TEST(SimulatedLine, FaultsOnARealTerminal) {
   EXPECT_EQ(Talk(path, "UNITS K\r"), "=\r\n");
   EXPECT_EQ(line.Ask("UNITS?"), "=C") << "none of them is obeyed";
   EXPECT_GT(Talk(path, framed(12, "UNITS?")).size(), protocol::kMaxLineLength + 2);
-  EXPECT_EQ(line.Exchanges(), 12u);
+  EXPECT_EQ(Talk(path, framed(13, "UNITS?") + framed(14, "UNITS?")), "(lost)");
+  waitforplug();
+  EXPECT_EQ(Talk(path, ""), "") << "an answer on the line of before";
+  EXPECT_EQ(line.Exchanges(), 14u);
   line.Stop();
   EXPECT_EQ(open(path.c_str(), O_RDWR | O_NOCTTY), -1);
 }

@@ -104,8 +104,13 @@ class CFakeIPTS68 : public CFakeFormats<CIPTS68Settings> {
 class CFakePolynomial : public CFakeSeries<CPolynomialSettings> {
  public:
   using CFakeSeries::CFakeSeries;
+  std::int16_t NumCoefficients() const override {
+    return hasnone ? std::int16_t{0} : CFakeSeries::NumCoefficients();
+  }
   std::int32_t Order() const override { return Whole("Order"); }
   void SetOrder(std::int32_t value) override { SetNumber("Order", value); }
+
+  static inline bool hasnone = false;  ///< as no component should
 };
 
 class CFakeRange : public CFakeSeries<CITS90Range> {

@@ -205,6 +205,10 @@ TEST_F(ChannelRead, SeriesReadEveryCoefficientUnderItsIndex) {
     EXPECT_EQ(SettingsAs<CThermistorSettings>().Coefficients(row.count - 1),
               (row.count - 1) * 1e-3);
   }
+  test::CFakePolynomial::hasnone = true;
+  EXPECT_FALSE(channel_.QueryProbeInfo(4));
+  test::CFakePolynomial::hasnone = false;
+  EXPECT_NE(host_.log.Only({"box 16"}).find("Error: 11 - Division by zero"), std::string::npos);
 }
 
 TEST_F(ChannelRead, EverySubrangeReadsItsOwnCoefficients) {

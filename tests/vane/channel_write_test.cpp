@@ -156,6 +156,10 @@ TEST_F(ChannelWrite, EveryConversionSendsItsValuesInItsFormats) {
   EXPECT_EQ(ValuesWritten().substr(0, 39), "write 258 Probe=4 Index=0 value=0.0E00\n");
   Use<CPolynomialSettings>(CONV_POLYNOMIAL);
   EXPECT_TRUE(ValuesWritten().ends_with("write 262 Probe=4 Index=10 value=0.0E00\n"));
+  test::CFakePolynomial::hasnone = true;
+  EXPECT_EQ(ValuesWritten(), "");
+  test::CFakePolynomial::hasnone = false;
+  EXPECT_EQ(host_.log.Only({"box"}), "");
 }
 
 TEST_F(ChannelWrite, SubrangesSendTheCoefficientsThatTheyHave) {
