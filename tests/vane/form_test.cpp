@@ -251,6 +251,13 @@ TEST_F(Form, NothingHappensOnWhatCantBeUsed) {
             }),
             "field lost\nok\nlst 0\n");
   EXPECT_EQ(forms_.LastOwner(), &form_);
+
+  // An entry may be gone by then with the field that lost the focus.
+  EXPECT_EQ(Of([&](CUser& user) {
+              field_.OnLostFocus([&] { list_.RemoveItem(2); });
+              EXPECT_FALSE(user.Pick(list_, 2));
+            }),
+            "");
 }
 
 TEST_F(Form, OneCommandRunsAtATime) {

@@ -184,7 +184,13 @@ bool CUser::Step(CUpDown& updown, bool up) {
 
 bool CUser::Pick(CItemList& list, std::int32_t index) {
   if (index < 0 || index >= list.ListCount()) return false;
-  return Do(list, list.IsCommand(), [&] { list.SetListIndex(index); });
+  bool there = false;
+  const bool done = Do(list, list.IsCommand(), [&] {
+    // What the control that lost the focus does may have shortened this one.
+    there = index < list.ListCount();
+    if (there) list.SetListIndex(index);
+  });
+  return done && there;
 }
 
 bool CUser::DoubleClick(CListBox& list, std::int32_t index) {
