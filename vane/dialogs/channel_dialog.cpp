@@ -1,7 +1,5 @@
 #include "vane/dialogs/channel_dialog.h"
 
-#include <utility>
-
 #include "vane/channels/channel.h"
 #include "vane/channels/probe_exchange.h"
 #include "vane/dialogs/user_guard.h"
@@ -19,19 +17,6 @@ using ui::EButtonRole;
 
 constexpr char kProbeFrame[] = "Probe Settings:";
 constexpr std::int32_t kProbeTab = 0;
-
-// A flag that stands while it lives.
-class CStanding {
- public:
-  explicit CStanding(bool& flag) : flag_(flag), before_(std::exchange(flag, true)) {}
-  ~CStanding() { flag_ = before_; }
-  CStanding(const CStanding&) = delete;
-  CStanding& operator=(const CStanding&) = delete;
-
- private:
-  bool& flag_;
-  const bool before_;
-};
 
 std::int32_t Code(ET312BProbeRefResistor value) { return static_cast<std::int32_t>(value); }
 std::int32_t Code(EVaneConversionType value) { return static_cast<std::int32_t>(value); }

@@ -26,6 +26,19 @@ bool AskToWrite(EText question);
 void RestorePlacement(const std::shared_ptr<CVaneRegistry>& registry, ui::CForm& form);
 void SavePlacement(const std::shared_ptr<CVaneRegistry>& registry, ui::CForm& form) noexcept;
 
+/// A flag that stands while it lives.
+class CStanding {
+ public:
+  explicit CStanding(bool& flag) : flag_(flag), before_(std::exchange(flag, true)) {}
+  ~CStanding() { flag_ = before_; }
+  CStanding(const CStanding&) = delete;
+  CStanding& operator=(const CStanding&) = delete;
+
+ private:
+  bool& flag_;
+  const bool before_;
+};
+
 /// Loads a form's dialog now and unloads it on every road out of the scope.
 class CLoadedForm {
  public:
