@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <array>
 
+#include "protocol/letters.h"
+
 namespace vane::protocol {
 namespace {
 
@@ -260,8 +262,6 @@ constexpr bool IsTokenCharacter(char c) {
 }
 
 constexpr bool IsPrintable(char c) { return c >= ' ' && c <= '~'; }
-
-constexpr char Upper(char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; }
 
 // Fits `command` to one row's text from left to right.
 bool Fits(std::string_view text, std::string_view command, CommandParams& fields) {

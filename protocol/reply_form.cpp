@@ -6,6 +6,8 @@
 #include <optional>
 #include <system_error>
 
+#include "protocol/letters.h"
+
 namespace vane::protocol {
 namespace {
 
@@ -21,8 +23,6 @@ constexpr bool IsUnitCharacter(char c) {
   return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || c == '/' || c == '%' || c < 0;
 }
 
-constexpr char Upper(char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; }
-
 std::string_view WithoutBlanksBefore(std::string_view text) {
   text.remove_prefix(std::min(text.find_first_not_of(' '), text.size()));
   return text;
@@ -33,10 +33,8 @@ std::string_view WithoutBlanks(std::string_view text) {
   return text.substr(0, text.find_last_not_of(' ') + 1);
 }
 
-bool SameText(std::string_view left, std::string_view right, bool eithercase) {
-  return std::ranges::equal(left, right, [eithercase](char a, char b) {
-    return eithercase ? Upper(a) == Upper(b) : a == b;
-  });
+bool IsSame(std::string_view one, std::string_view other, bool eithercase) {
+  return eithercase ? IsSameWord(one, other) : one == other;
 }
 
 // Takes the number at the start of `text` off it. Blanks may stand before it and behind its sign.
@@ -78,14 +76,14 @@ bool FitsWord(const ReplyForm& form, std::string_view reply) {
     words.remove_prefix(std::min(word.size() + 1, words.size()));
     const std::size_t star = word.find('*');
     if (star == word.npos) {
-      if (SameText(reply, word, form.eithercase)) return true;
+      if (IsSame(reply, word, form.eithercase)) return true;
       continue;
     }
     const std::string_view head = word.substr(0, star);
     const std::string_view tail = word.substr(star + 1);
     if (reply.size() >= head.size() + tail.size() &&
-        SameText(reply.substr(0, head.size()), head, form.eithercase) &&
-        SameText(reply.substr(reply.size() - tail.size()), tail, form.eithercase)) {
+        IsSame(reply.substr(0, head.size()), head, form.eithercase) &&
+        IsSame(reply.substr(reply.size() - tail.size()), tail, form.eithercase)) {
       return true;
     }
   }
@@ -95,7 +93,7 @@ bool FitsWord(const ReplyForm& form, std::string_view reply) {
 // The rule that reads it looks for a number with its bracket anywhere, so that 11 is also 1.
 bool FitsSubrange(const ReplyForm& form, std::string_view reply) {
   reply = WithoutBlanks(reply);
-  if (SameText(reply, kNoSubrange, true)) return true;
+  if (IsSameWord(reply, kNoSubrange)) return true;
   const std::string_view digits = reply.substr(0, reply.find(" ("));
   std::int32_t number = 0;
   const char* const last = digits.data() + digits.size();

@@ -16,8 +16,8 @@ constexpr std::int32_t kPiecesPerSecond = 100;
 }  // namespace
 
 CAnswerQueue::Moment CAnswerQueue::CommandArrives(std::size_t bytes, Moment now) {
-  input_free_ = std::max(input_free_, now) + TimeOf(bytes);
-  return input_free_;
+  inputfree_ = std::max(inputfree_, now) + TimeOf(bytes);
+  return inputfree_;
 }
 
 void CAnswerQueue::Add(std::string line, Moment start, Duration pause) {
@@ -37,8 +37,8 @@ std::string CAnswerQueue::TakeDue(Moment now) {
     waiting_.erase(waiting_.begin());
     const std::string_view line = answer.line;
     const std::size_t first = answer.pause > Duration::zero() ? line.size() / 2 : line.size();
-    output_free_ = Send(line.substr(0, first), std::max(output_free_, start));
-    if (first < line.size()) output_free_ = Send(line.substr(first), output_free_ + answer.pause);
+    outputfree_ = Send(line.substr(0, first), std::max(outputfree_, start));
+    if (first < line.size()) outputfree_ = Send(line.substr(first), outputfree_ + answer.pause);
   }
   std::string bytes;
   while (!sending_.empty() && sending_.front().due <= now) {

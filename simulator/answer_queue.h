@@ -53,8 +53,8 @@ class CAnswerQueue {
   std::int32_t baud_;
   std::multimap<Moment, Waiting> waiting_;
   std::deque<Piece> sending_;
-  Moment input_free_ = Moment::min();
-  Moment output_free_ = Moment::min();
+  Moment inputfree_ = Moment::min();
+  Moment outputfree_ = Moment::min();
 };
 
 }  // namespace vane::simulator

@@ -4,8 +4,8 @@
 #include <limits>
 #include <stdexcept>
 
+#include "protocol/letters.h"
 #include "simulator/readout_numbers.h"
-#include "simulator/readout_words.h"
 #include "simulator/reply.h"
 
 namespace vane::simulator {
@@ -78,14 +78,17 @@ FaultRule ParseFaultRule(std::string_view text) {
   const std::size_t equals = std::min(when.find('='), when.size());
   const std::string_view word = when.substr(0, equals);
   const std::string_view number = when.substr(std::min(equals + 1, when.size()));
-  if (IsSameWord(word, "p")) {
+  if (protocol::IsSameWord(word, "p")) {
     rule.when = FaultRule::EWhen::CHANCE;
     const auto chance = ParseReal(number);
     if (!chance || *chance < 0 || *chance > 1) Fail(text, "p is a probability from 0 to 1");
     rule.chance = *chance;
-  } else if (IsSameWord(word, "at") || IsSameWord(word, "every") || IsSameWord(word, "write")) {
+  } else if (protocol::IsSameWord(word, "at") || protocol::IsSameWord(word, "every") ||
+             protocol::IsSameWord(word, "write")) {
     using enum FaultRule::EWhen;
-    rule.when = IsSameWord(word, "at") ? AT : IsSameWord(word, "every") ? EVERY : WRITE;
+    rule.when = protocol::IsSameWord(word, "at")      ? AT
+                : protocol::IsSameWord(word, "every") ? EVERY
+                                                      : WRITE;
     const auto exchange = ParseWhole(number);
     if (!exchange || *exchange < 1) Fail(text, "exchanges are counted from 1");
     rule.number = static_cast<std::uint64_t>(*exchange);
@@ -96,7 +99,7 @@ FaultRule ParseFaultRule(std::string_view text) {
   const std::string_view what = text.substr(colon + 1);
   const std::size_t value = what.find('=');
   const auto* kind = std::ranges::find_if(kFaultKinds, [&](const FaultKind& one) {
-    return IsSameWord(one.name, what.substr(0, value));
+    return protocol::IsSameWord(one.name, what.substr(0, value));
   });
   if (kind == std::end(kFaultKinds)) {
     Fail(text,

@@ -27,14 +27,14 @@ struct FaultRule {
   enum class EWhen { AT, EVERY, WRITE, CHANCE };
 
   EWhen when = EWhen::AT;
-  /// `kAt`: that exchange, from 1; `kEvery`: each multiple of it; `kWrite`: that one of the
+  /// `AT`: that exchange, from 1; `EVERY`: each multiple of it; `WRITE`: that one of the
   /// commands that change something, from 1.
   std::uint64_t number = 1;
-  double chance = 0;  ///< `kChance`: 0 to 1
+  double chance = 0;  ///< `CHANCE`: 0 to 1
   EFault fault = EFault::DROP;
   double seconds = 0;        ///< how long, for the kinds that take time
   std::int32_t refusal = 0;  ///< the number of a refusal
-  std::string answer;        ///< of `kAnswer`; may be empty
+  std::string answer;        ///< of `ANSWER`; may be empty
 };
 
 /// Understands "at=3:drop", "every=10:late=2", "write=2:answer=1e400", "p=0.01:garble". Raises

@@ -6,7 +6,7 @@
 #include <string_view>
 
 #include "simulator/readout_numbers.h"
-#include "simulator/readout_words.h"
+#include "simulator/stored_values.h"
 
 namespace vane::simulator {
 namespace {
@@ -15,36 +15,34 @@ using enum ECommand;
 
 struct NumberSetting {
   ECommand read;
-  bool whole;
-  double lowest;
-  double highest;
-  double at_start;
+  Limits limits;
+  double atstart;
   std::string_view index = {};                                 // of a setting that has several
   std::string CommandParams::*source = &CommandParams::value;  // where a write carries the number
 };
 
 constexpr NumberSetting kNumbers[] = {
-    {READ_FILTER_RESPONSE_TIME, false, 2, 200, 4},
-    {READ_FILTER_THRESHOLD, false, 0.0001, 1e6, 0.01},
-    {READ_INTERVAL, true, 2, 99999, 2},
-    {READ_CONVERSION_TIME, true, 2, 10, 2},
-    {READ_INTEGRATION_TIME, true, 2, 9999, 2},
-    {READ_REPETITIONS, true, 1, 32000, 1},
-    {READ_CHANNEL_MODE, true, 0, 4, 2},
-    {READ_SAMPLE_N, true, 1, 32000, 10},
-    {READ_RESOLUTION, true, 0, 8, 4},
-    {READ_RESISTANCE_RESOLUTION, true, 0, 8, 5},
-    {READ_RATIO_RESOLUTION, true, 0, 8, 7},
-    {READ_CAL_PARAM, false, 0.1, 990000, 25.00014, "0"},
-    {READ_CAL_PARAM, false, 0.1, 5, 0.9999812, "1"},
-    {READ_CAL_PARAM, false, 5, 50, 10.000123, "2"},
-    {READ_CAL_PARAM, false, 50, 500, 99.99871, "3"},
-    {READ_CAL_PARAM, false, 5000, 1e6, 10000.37, "4"},
-    {READ_ADC, false, -3, 3, 0.12},
-    {READ_SCANNER_SCAN_MODE, true, 1, 5, 1},
-    {READ_SCAN_SEQ_CHANNELS, true, 1, 10, 10},
-    {READ_SCAN_SEQ_STEPS, true, 1, 100, 5},
-    {READ_SCAN_CHANNEL, true, 1, 10, 1, {}, &CommandParams::Channel},
+    {READ_FILTER_RESPONSE_TIME, {2, 200}, 4},
+    {READ_FILTER_THRESHOLD, {0.0001, 1e6}, 0.01},
+    {READ_INTERVAL, {2, 99999, true}, 2},
+    {READ_CONVERSION_TIME, {2, 10, true}, 2},
+    {READ_INTEGRATION_TIME, {2, 9999, true}, 2},
+    {READ_REPETITIONS, {1, 32000, true}, 1},
+    {READ_CHANNEL_MODE, {0, 4, true}, 2},
+    {READ_SAMPLE_N, {1, 32000, true}, 10},
+    {READ_RESOLUTION, {0, 8, true}, 4},
+    {READ_RESISTANCE_RESOLUTION, {0, 8, true}, 5},
+    {READ_RATIO_RESOLUTION, {0, 8, true}, 7},
+    {READ_CAL_PARAM, {0.1, 990000}, 25.00014, "0"},
+    {READ_CAL_PARAM, {0.1, 5}, 0.9999812, "1"},
+    {READ_CAL_PARAM, {5, 50}, 10.000123, "2"},
+    {READ_CAL_PARAM, {50, 500}, 99.99871, "3"},
+    {READ_CAL_PARAM, {5000, 1e6}, 10000.37, "4"},
+    {READ_ADC, {-3, 3}, 0.12},
+    {READ_SCANNER_SCAN_MODE, {1, 5, true}, 1},
+    {READ_SCAN_SEQ_CHANNELS, {1, 10, true}, 10},
+    {READ_SCAN_SEQ_STEPS, {1, 100, true}, 5},
+    {READ_SCAN_CHANNEL, {1, 10, true}, 1, {}, &CommandParams::Channel},
 };
 
 constexpr Word kFilters[] = {{"n", "NONE"}, {"a", "AVERAGE"}, {"e", "EXPONENTIAL"}};
@@ -57,7 +55,7 @@ constexpr Word kUnitWords[] = {{"C", "C"},   {"F", "F"},     {"K", "K"},
 struct WordSetting {
   ECommand read;
   std::span<const Word> words;
-  std::size_t at_start;
+  std::size_t atstart;
   std::string CommandParams::*source = &CommandParams::value;
 };
 
@@ -77,47 +75,35 @@ constexpr std::size_t NumberPlace(ECommand read, std::string_view index = {}) {
 constexpr std::size_t kUnitsPlace = std::size(kWords) - 1;
 static_assert(kWords[kUnitsPlace].read == READ_UNITS);
 
-Reply AnswerNumber(const NumberSetting& setting, const protocol::ParsedCommand& command,
-                   double& stored) {
+CReply AnswerNumber(const NumberSetting& setting, const protocol::ParsedCommand& command,
+                    double& stored) {
   if (command.row->IsRead()) return RealText(stored);
-  const std::string& text = command.fields.*setting.source;
-  if (text.empty()) return Reply::Done();
-  const std::optional<double> value =
-      setting.whole ? std::optional<double>(ParseWhole(text)) : ParseReal(text);
-  if (!value) return ERefusal::NOT_A_NUMBER;
-  if (*value < setting.lowest || *value > setting.highest) return ERefusal::OUT_OF_RANGE;
-  stored = *value;
-  return Reply::Done();
+  return WriteNumber(setting.limits, command.fields.*setting.source, stored);
 }
 
-Reply AnswerWord(const WordSetting& setting, const protocol::ParsedCommand& command,
-                 std::size_t& stored) {
+CReply AnswerWord(const WordSetting& setting, const protocol::ParsedCommand& command,
+                  std::size_t& stored) {
   if (command.row->IsRead()) return std::string(setting.words[stored].text);
-  const std::string& code = command.fields.*setting.source;
-  if (code.empty()) return Reply::Done();
-  const auto place = FindCode(setting.words, code);
-  if (!place) return ERefusal::UNKNOWN_CODE;
-  stored = *place;
-  return Reply::Done();
+  return WriteWord(setting.words, command.fields.*setting.source, stored);
 }
 
 }  // namespace
 
 CInstrumentSettings::CInstrumentSettings() {
-  for (const NumberSetting& setting : kNumbers) numbers_.push_back(setting.at_start);
-  for (const WordSetting& setting : kWords) words_.push_back(setting.at_start);
+  for (const NumberSetting& setting : kNumbers) numbers_.push_back(setting.atstart);
+  for (const WordSetting& setting : kWords) words_.push_back(setting.atstart);
 }
 
-std::optional<Reply> CInstrumentSettings::Answer(const protocol::ParsedCommand& command) {
-  bool other_index = false;
+std::optional<CReply> CInstrumentSettings::Answer(const protocol::ParsedCommand& command) {
+  bool otherindex = false;
   for (std::size_t i = 0; i < std::size(kNumbers); ++i) {
     if (!IsAbout(command.row->id, kNumbers[i].read)) continue;
     if (kNumbers[i].index.empty() || kNumbers[i].index == command.fields.Index) {
       return AnswerNumber(kNumbers[i], command, numbers_[i]);
     }
-    other_index = true;
+    otherindex = true;
   }
-  if (other_index) return ERefusal::OUT_OF_RANGE;
+  if (otherindex) return ERefusal::OUT_OF_RANGE;
   for (std::size_t i = 0; i < std::size(kWords); ++i) {
     if (IsAbout(command.row->id, kWords[i].read)) return AnswerWord(kWords[i], command, words_[i]);
   }

@@ -20,7 +20,7 @@ class CInstrumentSettings {
 
   /// Answers a read or a write of one of these settings; nothing when the command is about
   /// something else. A refused or empty write changes nothing.
-  std::optional<Reply> Answer(const protocol::ParsedCommand& command);
+  std::optional<CReply> Answer(const protocol::ParsedCommand& command);
 
   EUnits Units() const;
   std::int32_t Interval() const;

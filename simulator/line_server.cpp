@@ -49,13 +49,13 @@ CSimulatedLine::CSimulatedLine(Options options, Announce announce, Clock clock)
 CSimulatedLine::~CSimulatedLine() { Stop(); }
 
 void CSimulatedLine::Start() {
-  std::array<int, 2> stop_pipe;
-  if (pipe2(stop_pipe.data(), O_CLOEXEC) != 0) {
+  std::array<int, 2> stoppipe;
+  if (pipe2(stoppipe.data(), O_CLOEXEC) != 0) {
     throw std::system_error(errno, std::generic_category(), "can't make a pipe");
   }
-  stop_read_ = CFile(stop_pipe[0]);
-  stop_write_ = CFile(stop_pipe[1]);
-  if (stop_read_.Get() < 0 || stop_write_.Get() < 0) {
+  stopread_ = CFile(stoppipe[0]);
+  stopwrite_ = CFile(stoppipe[1]);
+  if (stopread_.Get() < 0 || stopwrite_.Get() < 0) {
     throw std::system_error(EMFILE, std::generic_category(), "can't make a pipe");
   }
   OpenDevice();
@@ -64,14 +64,14 @@ void CSimulatedLine::Start() {
 
 void CSimulatedLine::Stop() {
   if (!thread_.joinable()) return;
-  stop_write_ = CFile();  // the far end sees it closed
+  stopwrite_ = CFile();  // the far end sees it closed
   thread_.join();
   link_.Remove();
   terminal_ = CPseudoTerminal();
 }
 
 std::optional<std::string> CSimulatedLine::Ask(std::string_view command) {
-  const std::lock_guard lock(readout_mutex_);
+  const std::lock_guard lock(readoutmutex_);
   return readout_.Answer(command);
 }
 
@@ -86,11 +86,11 @@ void CSimulatedLine::HangUp(double seconds) {
   terminal_ = CPseudoTerminal();
   lines_.Clear();
   answers_.Clear();
-  reopen_at_ = Now() + Seconds(seconds);
+  reopenat_ = Now() + Seconds(seconds);
 }
 
 void CSimulatedLine::Reopen() {
-  reopen_at_.reset();
+  reopenat_.reset();
   try {
     OpenDevice();
   } catch (const std::runtime_error&) {
@@ -101,16 +101,16 @@ void CSimulatedLine::Reopen() {
 void CSimulatedLine::Serve() {
   for (;;) {
     std::array<pollfd, 2> files = {pollfd{terminal_.Get(), POLLIN, 0},
-                                   pollfd{stop_read_.Get(), POLLIN, 0}};
+                                   pollfd{stopread_.Get(), POLLIN, 0}};
     Moment due = Now() + kLookAfterClients;
-    if (reopen_at_) due = std::min(due, *reopen_at_);
-    if (const auto answer_due = answers_.NextDue()) due = std::min(due, *answer_due);
+    if (reopenat_) due = std::min(due, *reopenat_);
+    if (const auto answerdue = answers_.NextDue()) due = std::min(due, *answerdue);
     const timespec wait = WaitUntil(due);
     const bool idle = ppoll(files.data(), files.size(), &wait, nullptr) == 0;
     if (files[1].revents != 0) return;
     if (idle) terminal_.FreeAbandoned();
     if (files[0].revents != 0) ReadCommands();
-    if (reopen_at_ && *reopen_at_ <= Now()) Reopen();
+    if (reopenat_ && *reopenat_ <= Now()) Reopen();
     if (!answers_.NextDue()) continue;
     if (const std::string bytes = answers_.TakeDue(Now()); !bytes.empty()) terminal_.Write(bytes);
   }
@@ -132,7 +132,7 @@ void CSimulatedLine::TakeLine(const protocol::ReceivedLine& received) {
   const bool tagged = line.front() == '#';
   const auto framed = protocol::ParseLine(line);
   if (received.overlong || (tagged && !framed)) {
-    ++ignored_lines_;
+    ++ignoredlines_;
     return;
   }
   const std::string_view command = tagged ? framed->body : line;

@@ -27,7 +27,7 @@ class CSimulatedLine {
  public:
   /// Hears of each device that is opened: the first in `Start`, one after each planned hangup on
   /// the line's own thread.
-  using Announce = std::function<void(const std::string& device_path)>;
+  using Announce = std::function<void(const std::string& devicepath)>;
 
   explicit CSimulatedLine(Options options, Announce announce = {},
                           Clock clock = std::chrono::steady_clock::now);
@@ -52,7 +52,7 @@ class CSimulatedLine {
 
   /// Commands heard so far, and lines that were none: a wrong check value or too long.
   std::uint64_t Exchanges() const { return exchanges_; }
-  std::uint64_t IgnoredLines() const { return ignored_lines_; }
+  std::uint64_t IgnoredLines() const { return ignoredlines_; }
 
  private:
   void OpenDevice();
@@ -65,18 +65,18 @@ class CSimulatedLine {
   const Options options_;
   const CFaultPlan faults_;
   const Announce announce_;
-  std::mutex readout_mutex_;
+  std::mutex readoutmutex_;
   CReadout readout_;
   CAnswerQueue answers_;
   CDeviceLink link_;
   CPseudoTerminal terminal_;
-  CFile stop_read_;
-  CFile stop_write_;
-  std::optional<Moment> reopen_at_;
+  CFile stopread_;
+  CFile stopwrite_;
+  std::optional<Moment> reopenat_;
   protocol::CLineBuffer lines_;
   std::uint64_t writes_ = 0;  // among the exchanges
   std::atomic<std::uint64_t> exchanges_ = 0;
-  std::atomic<std::uint64_t> ignored_lines_ = 0;
+  std::atomic<std::uint64_t> ignoredlines_ = 0;
   std::thread thread_;
 };
 

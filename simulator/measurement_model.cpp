@@ -40,15 +40,15 @@ double ThermistorRatio(double t) {
 }  // namespace
 
 double BathTemperature(std::uint64_t seed, std::int32_t channel, std::int64_t sample) {
-  const auto channel_key = static_cast<std::uint64_t>(channel);
-  const auto sample_key = static_cast<std::uint64_t>(sample);
-  const double phase = ScatterUnit({seed, kPhaseKey, channel_key});
+  const auto channelkey = static_cast<std::uint64_t>(channel);
+  const auto samplekey = static_cast<std::uint64_t>(sample);
+  const double phase = ScatterUnit({seed, kPhaseKey, channelkey});
   const double wave =
       std::sin(2 * std::numbers::pi * (static_cast<double>(sample) / kDriftSamples + phase));
   // Four uniform numbers, each of variance 1/12, come close to a normal one.
   double sum = -2;
   for (std::uint64_t i = 0; i < 4; ++i) {
-    sum += ScatterUnit({seed, kNoiseKey, channel_key, sample_key, i});
+    sum += ScatterUnit({seed, kNoiseKey, channelkey, samplekey, i});
   }
   const double level = kLevels.at(static_cast<std::size_t>(channel - 1));
   return level + kDrift * wave + kNoise * std::numbers::sqrt3 * sum;
@@ -57,13 +57,13 @@ double BathTemperature(std::uint64_t seed, std::int32_t channel, std::int64_t sa
 double SensorResistance(const Sensor& sensor, double celsius) {
   switch (sensor.kind) {
     case ESensor::PLATINUM:
-      return sensor.nominal_ohms * PlatinumRatio(celsius);
+      return sensor.nominalohms * PlatinumRatio(celsius);
     case ESensor::THERMISTOR:
-      return sensor.nominal_ohms * ThermistorRatio(celsius);
+      return sensor.nominalohms * ThermistorRatio(celsius);
     case ESensor::RESISTOR:
       break;
   }
-  return sensor.nominal_ohms;
+  return sensor.nominalohms;
 }
 
 }  // namespace vane::simulator

@@ -15,7 +15,7 @@ enum class ESensor {
 
 struct Sensor {
   ESensor kind;
-  double nominal_ohms;
+  double nominalohms;
 };
 
 /// Bath temperature in °C: a fixed level per instrument channel (1 to 12), a slow drift and a

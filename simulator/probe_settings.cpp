@@ -2,11 +2,10 @@
 
 #include <algorithm>
 #include <iterator>
-#include <limits>
 #include <span>
 
 #include "simulator/readout_numbers.h"
-#include "simulator/readout_words.h"
+#include "simulator/stored_values.h"
 
 namespace vane::simulator {
 namespace {
@@ -22,31 +21,29 @@ constexpr Word kReferences[] = {
 constexpr Word kConversions[] = {{"90", "ITS-90"},       {"68", "IPTS-68"},   {"CVD", "CVD"},
                                  {"POLY", "POLYNOMIAL"}, {"TR", "THRM-T(R)"}, {"TT", "THRM-R(T)"},
                                  {"O", "R(\xF4)"},       {"W", "W(T90)"},     {"R", "RATIO"}};
-// No write brings back the unknown scale, so it has no code.
-constexpr Word kScales[] = {{"90", "90"}, {"68", "68"}};
-constexpr std::string_view kUnknownScaleText = "NONE";
+constexpr Word kScales[] = {{"90", "90"}, {"68", "68"}, {"", "NONE"}};
 
-struct WordSetting {
+struct ProbeWord {
   ECommand read;
   std::size_t Probe::*member;
   std::span<const Word> words;
 };
 
-constexpr WordSetting kWords[] = {
+constexpr ProbeWord kProbeWords[] = {
     {READ_CONVERSION_TYPE, &Probe::conversion, kConversions},
     {READ_REF_RESISTOR, &Probe::reference, kReferences},
     {READ_IPTS68_SCALE, &Probe::scale, kScales},
 };
 
-struct RangeSetting {
+struct ProbeRange {
   ECommand read;
   std::int32_t Probe::*member;
-  std::int32_t lowest;
-  std::int32_t highest;
+  Limits limits;
 };
 
-constexpr RangeSetting kLowRange = {READ_ITS90_LOW_RANGE, &Probe::low_range, kNoLowRange, 5};
-constexpr RangeSetting kHighRange = {READ_ITS90_HIGH_RANGE, &Probe::high_range, 6, kNoHighRange};
+constexpr ProbeRange kLowRange = {READ_ITS90_LOW_RANGE, &Probe::lowrange, {kNoLowRange, 5, true}};
+constexpr ProbeRange kHighRange = {
+    READ_ITS90_HIGH_RANGE, &Probe::highrange, {6, kNoHighRange, true}};
 
 // The subranges of ITS-90, from 1.
 constexpr std::string_view kRangeTexts[] = {
@@ -59,39 +56,42 @@ constexpr std::string_view kRangeTexts[] = {
 // Which subrange a command about a coefficient has to name.
 enum class ERangeRule { NONE, LOW, HIGH, FOUR };
 
-struct NumberSetting {
+struct ProbeNumber {
   ECommand read;
   std::size_t first;  // place in the record
   ERangeRule range = ERangeRule::NONE;
   std::int32_t count = 1;  // more than one: picked by Index
   std::int32_t start = 0;
-  double lowest = std::numeric_limits<double>::lowest();
-  double highest = std::numeric_limits<double>::max();
+  Limits limits = {};
 };
 
-constexpr NumberSetting kNumbers[] = {
-    {.read = READ_PROBE_CURRENT, .first = kCurrent, .lowest = 0.0001, .highest = 21},
-    {.read = READ_PROBE_3WIRE_OFFSET, .first = kOffset, .lowest = 0, .highest = 1e6},
-    {.read = READ_ITS90_RTPW, .first = kRtpw},
-    {.read = READ_ITS90_LOW_A, .first = kLow, .range = ERangeRule::LOW},
-    {.read = READ_ITS90_LOW_B, .first = kLow + 1, .range = ERangeRule::LOW},
-    {.read = READ_ITS90_LOW_C, .first = kLow + 2, .range = ERangeRule::LOW, .count = 5, .start = 1},
-    {.read = READ_ITS90_HIGH_A, .first = kHigh, .range = ERangeRule::HIGH},
-    {.read = READ_ITS90_HIGH_B, .first = kHigh + 1, .range = ERangeRule::HIGH},
-    {.read = READ_ITS90_HIGH_C, .first = kHigh + 2, .range = ERangeRule::HIGH},
-    {.read = READ_ITS90_HIGH_D, .first = kHigh + 3},
-    {.read = READ_IPTS68_R0, .first = kIpts},
-    {.read = READ_IPTS68_ALPHA, .first = kIpts + 1},
-    {.read = READ_IPTS68_DELTA, .first = kIpts + 2},
-    {.read = READ_IPTS68_A, .first = kIpts + 3, .range = ERangeRule::FOUR},
-    {.read = READ_IPTS68_C, .first = kIpts + 4, .range = ERangeRule::FOUR},
-    {.read = READ_CVD_R0, .first = kCvd},
-    {.read = READ_CVD_ALPHA, .first = kCvd + 1},
-    {.read = READ_CVD_DELTA, .first = kCvd + 2},
-    {.read = READ_CVD_BETA, .first = kCvd + 3},
-    {.read = READ_THERMISTOR_RT, .first = kRt, .count = 4},
-    {.read = READ_THERMISTOR_TR, .first = kTr, .count = 4},
-    {.read = READ_POLYNOMIAL, .first = kPoly, .count = 11},
+constexpr ProbeNumber kProbeNumbers[] = {
+    {.read = READ_PROBE_CURRENT, .first = NUMBER_CURRENT, .limits = {0.0001, 21}},
+    {.read = READ_PROBE_3WIRE_OFFSET, .first = NUMBER_OFFSET, .limits = {0, 1e6}},
+    {.read = READ_ITS90_RTPW, .first = NUMBER_RTPW},
+    {.read = READ_ITS90_LOW_A, .first = NUMBER_LOW, .range = ERangeRule::LOW},
+    {.read = READ_ITS90_LOW_B, .first = NUMBER_LOW + 1, .range = ERangeRule::LOW},
+    {.read = READ_ITS90_LOW_C,
+     .first = NUMBER_LOW + 2,
+     .range = ERangeRule::LOW,
+     .count = 5,
+     .start = 1},
+    {.read = READ_ITS90_HIGH_A, .first = NUMBER_HIGH, .range = ERangeRule::HIGH},
+    {.read = READ_ITS90_HIGH_B, .first = NUMBER_HIGH + 1, .range = ERangeRule::HIGH},
+    {.read = READ_ITS90_HIGH_C, .first = NUMBER_HIGH + 2, .range = ERangeRule::HIGH},
+    {.read = READ_ITS90_HIGH_D, .first = NUMBER_HIGH + 3},
+    {.read = READ_IPTS68_R0, .first = NUMBER_IPTS68},
+    {.read = READ_IPTS68_ALPHA, .first = NUMBER_IPTS68 + 1},
+    {.read = READ_IPTS68_DELTA, .first = NUMBER_IPTS68 + 2},
+    {.read = READ_IPTS68_A, .first = NUMBER_IPTS68 + 3, .range = ERangeRule::FOUR},
+    {.read = READ_IPTS68_C, .first = NUMBER_IPTS68 + 4, .range = ERangeRule::FOUR},
+    {.read = READ_CVD_R0, .first = NUMBER_CVD},
+    {.read = READ_CVD_ALPHA, .first = NUMBER_CVD + 1},
+    {.read = READ_CVD_DELTA, .first = NUMBER_CVD + 2},
+    {.read = READ_CVD_BETA, .first = NUMBER_CVD + 3},
+    {.read = READ_THERMISTOR_RT, .first = NUMBER_RT, .count = 4},
+    {.read = READ_THERMISTOR_TR, .first = NUMBER_TR, .count = 4},
+    {.read = READ_POLYNOMIAL, .first = NUMBER_POLYNOMIAL, .count = 11},
 };
 
 template <typename Row>
@@ -101,46 +101,34 @@ const Row* FindRow(std::span<const Row> rows, ECommand command) {
   return row == rows.end() ? nullptr : &*row;
 }
 
-Reply AnswerSerial(const protocol::ParsedCommand& command, Probe& probe) {
+CReply AnswerSerial(const protocol::ParsedCommand& command, Probe& probe) {
   const std::string& text = command.fields.value;
   if (command.row->IsRead()) return probe.serial;
   if (text.size() > kMaxSerialLength) return ERefusal::TEXT_TOO_LONG;
-  if (text.empty()) return Reply::Done();
+  if (text.empty()) return CReply::Done();
   // What is taken in has to be an answer later.
   if (!protocol::FitsForm(protocol::FindCommand(READ_PROBE_SERIAL)->form, text)) {
     return ERefusal::NOT_A_SERIAL_NUMBER;
   }
   probe.serial = text;
-  return Reply::Done();
+  return CReply::Done();
 }
 
-Reply AnswerWord(const WordSetting& setting, const protocol::ParsedCommand& command, Probe& probe) {
+CReply AnswerWord(const ProbeWord& setting, const protocol::ParsedCommand& command, Probe& probe) {
   std::size_t& stored = probe.*setting.member;
-  if (command.row->IsRead()) {
-    return std::string(stored < setting.words.size() ? setting.words[stored].text
-                                                     : kUnknownScaleText);
-  }
-  if (command.fields.value.empty()) return Reply::Done();
-  const auto place = FindCode(setting.words, command.fields.value);
-  if (!place) return ERefusal::UNKNOWN_CODE;
-  stored = *place;
-  return Reply::Done();
+  if (command.row->IsRead()) return std::string(setting.words[stored].text);
+  return WriteWord(setting.words, command.fields.value, stored);
 }
 
 // The number one below the first subrange, or one above the last, stands for none.
-Reply AnswerRange(const RangeSetting& setting, const protocol::ParsedCommand& command,
-                  Probe& probe) {
+CReply AnswerRange(const ProbeRange& setting, const protocol::ParsedCommand& command,
+                   Probe& probe) {
   std::int32_t& stored = probe.*setting.member;
   if (command.row->IsRead()) {
     const bool none = stored == kNoLowRange || stored == kNoHighRange;
     return std::string(none ? "NONE" : kRangeTexts[stored - 1]);
   }
-  if (command.fields.value.empty()) return Reply::Done();
-  const auto value = ParseWhole(command.fields.value);
-  if (!value) return ERefusal::NOT_A_NUMBER;
-  if (*value < setting.lowest || *value > setting.highest) return ERefusal::OUT_OF_RANGE;
-  stored = *value;
-  return Reply::Done();
+  return WriteNumber(setting.limits, command.fields.value, stored);
 }
 
 std::optional<ERefusal> CheckRange(ERangeRule rule, const std::string& text, const Probe& probe) {
@@ -151,15 +139,15 @@ std::optional<ERefusal> CheckRange(ERangeRule rule, const std::string& text, con
     return *range == 4 ? std::nullopt : std::optional(ERefusal::OUT_OF_RANGE);
   }
   const bool low = rule == ERangeRule::LOW;
-  if (*range < 1 || *range > 11 || (*range <= kLowRange.highest) != low) {
+  if (*range < 1 || *range > 11 || (*range <= kLowRange.limits.highest) != low) {
     return ERefusal::OUT_OF_RANGE;
   }
-  if (*range != (low ? probe.low_range : probe.high_range)) return ERefusal::NOT_A_RANGE_OF_PROBE;
+  if (*range != (low ? probe.lowrange : probe.highrange)) return ERefusal::NOT_A_RANGE_OF_PROBE;
   return std::nullopt;
 }
 
-Reply AnswerNumber(const NumberSetting& setting, const protocol::ParsedCommand& command,
-                   Probe& probe) {
+CReply AnswerNumber(const ProbeNumber& setting, const protocol::ParsedCommand& command,
+                    Probe& probe) {
   if (const auto refusal = CheckRange(setting.range, command.fields.Range, probe)) return *refusal;
   std::int32_t place = 0;
   if (setting.count > 1) {
@@ -172,12 +160,7 @@ Reply AnswerNumber(const NumberSetting& setting, const protocol::ParsedCommand& 
   }
   double& stored = probe.numbers.at(setting.first + static_cast<std::size_t>(place));
   if (command.row->IsRead()) return RealText(stored);
-  if (command.fields.value.empty()) return Reply::Done();
-  const auto value = ParseReal(command.fields.value);
-  if (!value) return ERefusal::NOT_A_NUMBER;
-  if (*value < setting.lowest || *value > setting.highest) return ERefusal::OUT_OF_RANGE;
-  stored = *value;
-  return Reply::Done();
+  return WriteNumber(setting.limits, command.fields.value, stored);
 }
 
 }  // namespace
@@ -187,8 +170,8 @@ std::optional<std::int32_t> ParseProbeNumber(std::string_view text) {
   return number && *number >= 1 && *number <= kProbeCount ? number : std::nullopt;
 }
 
-std::optional<Reply> AnswerProbeCommand(const protocol::ParsedCommand& command,
-                                        std::array<Probe, kProbeCount>& probes) {
+std::optional<CReply> AnswerProbeCommand(const protocol::ParsedCommand& command,
+                                         std::array<Probe, kProbeCount>& probes) {
   if (!command.row->text.starts_with("PROBE ")) return std::nullopt;
   const auto number = ParseProbeNumber(command.fields.Probe);
   if (!number) return ERefusal::OUT_OF_RANGE;
@@ -196,11 +179,12 @@ std::optional<Reply> AnswerProbeCommand(const protocol::ParsedCommand& command,
 
   const ECommand id = command.row->id;
   if (IsAbout(id, READ_PROBE_SERIAL)) return AnswerSerial(command, probe);
-  for (const RangeSetting& setting : {kLowRange, kHighRange}) {
+  for (const ProbeRange& setting : {kLowRange, kHighRange}) {
     if (IsAbout(id, setting.read)) return AnswerRange(setting, command, probe);
   }
-  if (const auto* word = FindRow<WordSetting>(kWords, id)) return AnswerWord(*word, command, probe);
-  if (const auto* row = FindRow<NumberSetting>(kNumbers, id))
+  if (const auto* word = FindRow<ProbeWord>(kProbeWords, id))
+    return AnswerWord(*word, command, probe);
+  if (const auto* row = FindRow<ProbeNumber>(kProbeNumbers, id))
     return AnswerNumber(*row, command, probe);
   return std::nullopt;
 }

@@ -15,7 +15,7 @@ std::optional<std::int32_t> ParseProbeNumber(std::string_view text);
 
 /// Answers a read or a write of a probe's record; nothing when the command is about something
 /// else. A refused or empty write changes nothing.
-std::optional<Reply> AnswerProbeCommand(const protocol::ParsedCommand& command,
-                                        std::array<Probe, kProbeCount>& probes);
+std::optional<CReply> AnswerProbeCommand(const protocol::ParsedCommand& command,
+                                         std::array<Probe, kProbeCount>& probes);
 
 }  // namespace vane::simulator

@@ -17,33 +17,33 @@ inline constexpr std::int32_t kProbeCount = 16;
 
 /// Where each number of a record lies in `Probe::numbers`.
 enum EProbeNumber : std::size_t {
-  kCurrent = 0,
-  kOffset = 1,
-  kRtpw = 2,
-  kLow = 3,    // a, b, c1 to c5
-  kHigh = 10,  // a, b, c, d
-  kIpts = 14,  // R0, alpha, delta, A4, C4
-  kCvd = 19,   // R0, alpha, delta, beta
-  kRt = 23,
-  kTr = 27,
-  kPoly = 31,
-  kProbeNumbers = 42,
+  NUMBER_CURRENT = 0,
+  NUMBER_OFFSET = 1,
+  NUMBER_RTPW = 2,
+  NUMBER_LOW = 3,      // a, b, c1 to c5
+  NUMBER_HIGH = 10,    // a, b, c, d
+  NUMBER_IPTS68 = 14,  // R0, alpha, delta, A4, C4
+  NUMBER_CVD = 19,     // R0, alpha, delta, beta
+  NUMBER_RT = 23,
+  NUMBER_TR = 27,
+  NUMBER_POLYNOMIAL = 31,
+  NUMBERS_OF_PROBE = 42,
 };
 
 /// Places in the word lists of `probe_settings.cpp`.
-enum EReference : std::size_t { kExternal, k1Ohm, k10Ohm, k100Ohm, k10KOhm };
+enum EReference : std::size_t { REF_EXTERNAL, REF_1_OHM, REF_10_OHM, REF_100_OHM, REF_10K_OHM };
 enum EConversion : std::size_t {
-  kConvIts90,
-  kConvIpts68,
-  kConvCvd,
-  kConvPolynomial,
-  kConvTr,
-  kConvRt,
-  kConvResistance,
-  kConvWt90,
-  kConvRatio,
+  CONV_ITS90,
+  CONV_IPTS68,
+  CONV_CVD,
+  CONV_POLYNOMIAL,
+  CONV_TR,
+  CONV_RT,
+  CONV_RESISTANCE,
+  CONV_WT90,
+  CONV_RATIO,
 };
-enum EScale : std::size_t { kScale90, kScale68, kScaleUnknown };
+enum EScale : std::size_t { SCALE_90, SCALE_68, SCALE_UNKNOWN };
 
 inline constexpr std::int32_t kNoLowRange = 0;
 inline constexpr std::int32_t kNoHighRange = 12;
@@ -53,10 +53,10 @@ struct Probe {
   Sensor sensor;
   std::size_t reference;
   std::size_t conversion;
-  std::size_t scale = kScale68;
-  std::int32_t low_range = kNoLowRange;    ///< 1 to 5, or `kNoLowRange`
-  std::int32_t high_range = kNoHighRange;  ///< 6 to 11, or `kNoHighRange`
-  std::array<double, kProbeNumbers> numbers{};
+  std::size_t scale = SCALE_68;
+  std::int32_t lowrange = kNoLowRange;    ///< 1 to 5, or `kNoLowRange`
+  std::int32_t highrange = kNoHighRange;  ///< 6 to 11, or `kNoHighRange`
+  std::array<double, NUMBERS_OF_PROBE> numbers{};
 };
 
 /// The probes of a readout that has been in use: each conversion and each ITS-90 subrange occurs.

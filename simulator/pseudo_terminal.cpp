@@ -61,16 +61,16 @@ CPseudoTerminal CPseudoTerminal::Open() {
       ptsname_r(near, name.data(), name.size()) != 0) {
     FailOfSystem("can't open a pseudo-terminal");
   }
-  terminal.device_path_ = name.data();
+  terminal.devicepath_ = name.data();
   terminal.far_ = CFile(open(name.data(), O_RDWR | O_NOCTTY | O_CLOEXEC));
   termios settings{};
   if (terminal.far_.Get() < 0 || tcgetattr(terminal.far_.Get(), &settings) != 0) {
-    FailOfSystem("can't open " + terminal.device_path_);
+    FailOfSystem("can't open " + terminal.devicepath_);
   }
   cfmakeraw(&settings);
   if (tcsetattr(terminal.far_.Get(), TCSANOW, &settings) != 0 ||
       fcntl(near, F_SETFL, O_NONBLOCK) != 0) {
-    FailOfSystem("can't set up " + terminal.device_path_);
+    FailOfSystem("can't set up " + terminal.devicepath_);
   }
   return terminal;
 }

@@ -36,7 +36,7 @@ class CPseudoTerminal {
   static CPseudoTerminal Open();
 
   int Get() const { return near_.Get(); }
-  const std::string& DevicePath() const { return device_path_; }
+  const std::string& DevicePath() const { return devicepath_; }
 
   /// What has come in, at most `size` bytes; 0 when nothing is there. Never waits.
   std::size_t Read(char* buffer, std::size_t size) const;
@@ -51,7 +51,7 @@ class CPseudoTerminal {
  private:
   CFile near_;
   CFile far_;
-  std::string device_path_;
+  std::string devicepath_;
 };
 
 /// A symbolic link that is removed at the end of the object's life, unless somebody else has

@@ -34,33 +34,33 @@ std::optional<std::int32_t> WholeWithin(std::string_view text, std::int32_t lowe
 
 struct CReadout::Handler {
   ECommand id;
-  Reply (CReadout::*answer)(const CommandParams&);
+  CReply (CReadout::*answer)(const CommandParams&);
 };
 
 CReadout::CReadout(ReadoutOptions options, Clock clock)
     : options_(std::move(options)),
       clock_(std::move(clock)),
       // The second step was never set, and the readout says so by an empty answer.
-      scan_steps_({1, std::nullopt, 2, 3, 10}),
-      counted_since_(clock_()),
-      clock_time_(kClockAtStart),
-      clock_set_at_(counted_since_) {
-  scan_steps_.resize(kMaxScanSteps);
-  for (std::size_t i = 0; i < probe_of_channel_.size(); ++i) {
-    probe_of_channel_[i] = static_cast<std::int32_t>(i) + 1;
+      scansteps_({1, std::nullopt, 2, 3, 10}),
+      countedsince_(clock_()),
+      clocktime_(kClockAtStart),
+      clocksetat_(countedsince_) {
+  scansteps_.resize(kMaxScanSteps);
+  for (std::size_t i = 0; i < probeofchannel_.size(); ++i) {
+    probeofchannel_[i] = static_cast<std::int32_t>(i) + 1;
   }
 }
 
 std::optional<std::string> CReadout::Answer(std::string_view command) {
-  if (command == protocol::kPasscodeCommand) return Reply(options_.passcode).Body();
+  if (command == protocol::kPasscodeCommand) return CReply(options_.passcode).Body();
   const auto parsed = protocol::ParseCommand(command);
-  if (!parsed) return Reply(ERefusal::UNKNOWN_COMMAND).Body();
+  if (!parsed) return CReply(ERefusal::UNKNOWN_COMMAND).Body();
   const ECommand id = parsed->row->id;
   if (id == READ_SCANNER_MODULES || id == READ_CHANNEL_COUNT) {
-    if (IsOldFirmware()) return Reply(ERefusal::UNKNOWN_COMMAND).Body();
+    if (IsOldFirmware()) return CReply(ERefusal::UNKNOWN_COMMAND).Body();
   } else if (!options_.scanner && parsed->row->text.starts_with("SCANNER:")) {
     if (IsOldFirmware()) return std::nullopt;
-    return Reply(ERefusal::NO_SCANNER).Body();
+    return CReply(ERefusal::NO_SCANNER).Body();
   }
   return Dispatch(*parsed).Body();
 }
@@ -68,14 +68,14 @@ std::optional<std::string> CReadout::Answer(std::string_view command) {
 std::string CReadout::Identification() const { return options_.model + ", " + options_.firmware; }
 
 std::chrono::sys_seconds CReadout::ClockTime() const {
-  return clock_time_ + std::chrono::floor<std::chrono::seconds>(clock_() - clock_set_at_);
+  return clocktime_ + std::chrono::floor<std::chrono::seconds>(clock_() - clocksetat_);
 }
 
 bool CReadout::IsOldFirmware() const {
   return ParseReal(options_.firmware).value_or(0) < kNewFirmware;
 }
 
-Reply CReadout::Dispatch(const protocol::ParsedCommand& command) {
+CReply CReadout::Dispatch(const protocol::ParsedCommand& command) {
   static constexpr Handler kHandlers[] = {
       {WRITE_INITIALIZE, &CReadout::Initialize},
       {READ_PROTECT_CONVERSION, &CReadout::ReadProtectConversion},
@@ -119,97 +119,99 @@ Reply CReadout::Dispatch(const protocol::ParsedCommand& command) {
   return (this->*handler->answer)(fields);
 }
 
-Reply CReadout::StartMeasure(const CommandParams&) {
+CReply CReadout::StartMeasure(const CommandParams&) {
   RestartSamples(Sample(), true);
-  return Reply::Done();
+  return CReply::Done();
 }
 
-Reply CReadout::StopMeasure(const CommandParams&) {
+CReply CReadout::StopMeasure(const CommandParams&) {
   RestartSamples(Sample(), false);
-  return Reply::Done();
+  return CReply::Done();
 }
 
-Reply CReadout::ReadMeasurement(const CommandParams& fields) {
+CReply CReadout::ReadMeasurement(const CommandParams& fields) {
   const auto channel = WholeWithin(fields.Channel, 1, kInputs);
   return channel ? Reading(*channel) : ERefusal::OUT_OF_RANGE;
 }
 
-Reply CReadout::ReadScannerMeasurement(const CommandParams& fields) {
+CReply CReadout::ReadScannerMeasurement(const CommandParams& fields) {
   const auto channel = WholeWithin(fields.Channel, 1, kScannerChannels);
   return channel ? Reading(kInputs + *channel) : ERefusal::OUT_OF_RANGE;
 }
 
-Reply CReadout::ReadNewData(const CommandParams&) {
-  return std::string(Sample() > last_fetched_ ? "1" : "0");
+CReply CReadout::ReadNewData(const CommandParams&) {
+  return std::string(Sample() > lastfetched_ ? "1" : "0");
 }
 
-Reply CReadout::ReadScannerModules(const CommandParams&) {
+CReply CReadout::ReadScannerModules(const CommandParams&) {
   return std::string(options_.scanner ? "1" : "0");
 }
 
-Reply CReadout::ReadChannelCount(const CommandParams&) {
+CReply CReadout::ReadChannelCount(const CommandParams&) {
   return std::to_string(kInputs + (options_.scanner ? kScannerChannels : 0));
 }
 
-Reply CReadout::ReadScanStep(const CommandParams& fields) {
+CReply CReadout::ReadScanStep(const CommandParams& fields) {
   const auto step = WholeWithin(fields.Index, 1, kMaxScanSteps);
   if (!step) return ERefusal::OUT_OF_RANGE;
-  const auto& channel = scan_steps_[static_cast<std::size_t>(*step - 1)];
+  const auto& channel = scansteps_[static_cast<std::size_t>(*step - 1)];
   return channel ? std::to_string(*channel) : std::string();
 }
 
-Reply CReadout::WriteScanStep(const CommandParams& fields) {
+CReply CReadout::WriteScanStep(const CommandParams& fields) {
   const auto step = WholeWithin(fields.Index, 1, kMaxScanSteps);
   const auto channel = WholeWithin(fields.Channel, 0, kScannerChannels);
   if (!step || !channel) return ERefusal::OUT_OF_RANGE;
-  scan_steps_[static_cast<std::size_t>(*step - 1)] = channel;
-  return Reply::Done();
+  scansteps_[static_cast<std::size_t>(*step - 1)] = channel;
+  return CReply::Done();
 }
 
-Reply CReadout::ReadInputProbe(const CommandParams& fields) {
+CReply CReadout::ReadInputProbe(const CommandParams& fields) {
   return ReadProbeOf(0, kInputs, fields);
 }
 
-Reply CReadout::WriteInputProbe(const CommandParams& fields) {
+CReply CReadout::WriteInputProbe(const CommandParams& fields) {
   return WriteProbeOf(0, kInputs, fields);
 }
 
-Reply CReadout::ReadScannerProbe(const CommandParams& fields) {
+CReply CReadout::ReadScannerProbe(const CommandParams& fields) {
   return ReadProbeOf(kInputs, kScannerChannels, fields);
 }
 
-Reply CReadout::WriteScannerProbe(const CommandParams& fields) {
+CReply CReadout::WriteScannerProbe(const CommandParams& fields) {
   return WriteProbeOf(kInputs, kScannerChannels, fields);
 }
 
-Reply CReadout::ReadHistoryLog(const CommandParams& fields) {
+CReply CReadout::ReadHistoryLog(const CommandParams& fields) {
   return ReadLog(ELog::HISTORY, fields);
 }
 
-Reply CReadout::ReadMemoryLog(const CommandParams& fields) { return ReadLog(ELog::MEMORY, fields); }
+CReply CReadout::ReadMemoryLog(const CommandParams& fields) {
+  return ReadLog(ELog::MEMORY, fields);
+}
 
-Reply CReadout::WriteDate(const CommandParams& fields) {
-  if (fields.value.empty()) return Reply::Done();
+CReply CReadout::WriteDate(const CommandParams& fields) {
+  if (fields.value.empty()) return CReply::Done();
   const auto date = ParseDate(fields.value);
   if (!date) return ERefusal::NOT_A_DATE_OR_TIME;
   const auto now = ClockTime();
   SetClockTime(*date + (now - std::chrono::floor<std::chrono::days>(now)));
-  return Reply::Done();
+  return CReply::Done();
 }
 
-Reply CReadout::WriteTime(const CommandParams& fields) {
-  if (fields.value.empty()) return Reply::Done();
+CReply CReadout::WriteTime(const CommandParams& fields) {
+  if (fields.value.empty()) return CReply::Done();
   const auto time = ParseTimeOfDay(fields.value);
   if (!time) return ERefusal::NOT_A_DATE_OR_TIME;
   SetClockTime(std::chrono::floor<std::chrono::days>(ClockTime()) + *time);
-  return Reply::Done();
+  return CReply::Done();
 }
 
-Reply CReadout::Reading(std::int32_t channel) {
-  last_fetched_ = Sample();
+CReply CReadout::Reading(std::int32_t channel) {
+  lastfetched_ = Sample();
   const auto place = static_cast<std::size_t>(channel - 1);
-  const Probe& probe = probes_[static_cast<std::size_t>(probe_of_channel_[place] - 1)];
-  const double celsius = BathTemperature(options_.seed, channel, last_fetched_);
+  const Probe& probe = probes_[static_cast<std::size_t>(probeofchannel_[place] - 1)];
+  const double celsius = BathTemperature(options_.seed, channel, lastfetched_);
   const double ohms = SensorResistance(probe.sensor, celsius);
   double value = celsius;
   switch (settings_.Units()) {
@@ -235,21 +237,21 @@ Reply CReadout::Reading(std::int32_t channel) {
   return FixedText(value, settings_.ReadingDigits());
 }
 
-Reply CReadout::ReadProbeOf(std::int32_t first, std::int32_t count, const CommandParams& fields) {
+CReply CReadout::ReadProbeOf(std::int32_t first, std::int32_t count, const CommandParams& fields) {
   const auto channel = WholeWithin(fields.Channel, 1, count);
   if (!channel) return ERefusal::OUT_OF_RANGE;
-  return std::to_string(probe_of_channel_[static_cast<std::size_t>(first + *channel - 1)]);
+  return std::to_string(probeofchannel_[static_cast<std::size_t>(first + *channel - 1)]);
 }
 
-Reply CReadout::WriteProbeOf(std::int32_t first, std::int32_t count, const CommandParams& fields) {
+CReply CReadout::WriteProbeOf(std::int32_t first, std::int32_t count, const CommandParams& fields) {
   const auto channel = WholeWithin(fields.Channel, 1, count);
   const auto probe = ParseProbeNumber(fields.Probe);
   if (!channel || !probe) return ERefusal::OUT_OF_RANGE;
-  probe_of_channel_[static_cast<std::size_t>(first + *channel - 1)] = *probe;
-  return Reply::Done();
+  probeofchannel_[static_cast<std::size_t>(first + *channel - 1)] = *probe;
+  return CReply::Done();
 }
 
-Reply CReadout::ReadLog(ELog log, const CommandParams& fields) const {
+CReply CReadout::ReadLog(ELog log, const CommandParams& fields) const {
   const auto index = ParseWhole(fields.Index);
   if (!index) return ERefusal::NOT_A_NUMBER;
   if (*index < 1) return ERefusal::OUT_OF_RANGE;
@@ -257,18 +259,18 @@ Reply CReadout::ReadLog(ELog log, const CommandParams& fields) const {
 }
 
 void CReadout::SetClockTime(std::chrono::sys_seconds time) {
-  clock_time_ = time;
-  clock_set_at_ = clock_();
+  clocktime_ = time;
+  clocksetat_ = clock_();
 }
 
 std::int64_t CReadout::Sample() const {
-  if (!measuring_) return samples_before_;
-  return samples_before_ + (clock_() - counted_since_) / std::chrono::seconds(settings_.Interval());
+  if (!measuring_) return samplesbefore_;
+  return samplesbefore_ + (clock_() - countedsince_) / std::chrono::seconds(settings_.Interval());
 }
 
 void CReadout::RestartSamples(std::int64_t samples, bool running) {
-  samples_before_ = samples;
-  counted_since_ = clock_();
+  samplesbefore_ = samples;
+  countedsince_ = clock_();
   measuring_ = running;
 }
 

@@ -59,37 +59,39 @@ class CReadout {
   struct Handler;
 
   bool IsOldFirmware() const;
-  Reply Dispatch(const protocol::ParsedCommand& command);
+  CReply Dispatch(const protocol::ParsedCommand& command);
 
-  Reply Initialize(const CommandParams&) { return Reply::Done(); }
-  Reply ReadProtectConversion(const CommandParams&) { return OnOff(options_.protect_conversion); }
-  Reply ReadProtectCalibration(const CommandParams&) { return OnOff(options_.protect_calibration); }
-  Reply ReadProtectSampling(const CommandParams&) { return OnOff(options_.protect_sampling); }
-  Reply ReadProtectUnits(const CommandParams&) { return OnOff(options_.protect_units); }
-  Reply StartMeasure(const CommandParams& fields);
-  Reply StopMeasure(const CommandParams& fields);
-  Reply ReadMeasurement(const CommandParams& fields);
-  Reply ReadScannerMeasurement(const CommandParams& fields);
-  Reply ReadNewData(const CommandParams& fields);
-  Reply ReadIdentification(const CommandParams&) { return Identification(); }
-  Reply ReadScannerModules(const CommandParams& fields);
-  Reply ReadChannelCount(const CommandParams& fields);
-  Reply ReadScanStep(const CommandParams& fields);
-  Reply WriteScanStep(const CommandParams& fields);
-  Reply ReadInputProbe(const CommandParams& fields);
-  Reply WriteInputProbe(const CommandParams& fields);
-  Reply ReadScannerProbe(const CommandParams& fields);
-  Reply WriteScannerProbe(const CommandParams& fields);
-  Reply ReadHistoryLog(const CommandParams& fields);
-  Reply ReadMemoryLog(const CommandParams& fields);
-  Reply WriteDate(const CommandParams& fields);
-  Reply WriteTime(const CommandParams& fields);
+  CReply Initialize(const CommandParams&) { return CReply::Done(); }
+  CReply ReadProtectConversion(const CommandParams&) { return OnOff(options_.protect_conversion); }
+  CReply ReadProtectCalibration(const CommandParams&) {
+    return OnOff(options_.protect_calibration);
+  }
+  CReply ReadProtectSampling(const CommandParams&) { return OnOff(options_.protect_sampling); }
+  CReply ReadProtectUnits(const CommandParams&) { return OnOff(options_.protect_units); }
+  CReply StartMeasure(const CommandParams& fields);
+  CReply StopMeasure(const CommandParams& fields);
+  CReply ReadMeasurement(const CommandParams& fields);
+  CReply ReadScannerMeasurement(const CommandParams& fields);
+  CReply ReadNewData(const CommandParams& fields);
+  CReply ReadIdentification(const CommandParams&) { return Identification(); }
+  CReply ReadScannerModules(const CommandParams& fields);
+  CReply ReadChannelCount(const CommandParams& fields);
+  CReply ReadScanStep(const CommandParams& fields);
+  CReply WriteScanStep(const CommandParams& fields);
+  CReply ReadInputProbe(const CommandParams& fields);
+  CReply WriteInputProbe(const CommandParams& fields);
+  CReply ReadScannerProbe(const CommandParams& fields);
+  CReply WriteScannerProbe(const CommandParams& fields);
+  CReply ReadHistoryLog(const CommandParams& fields);
+  CReply ReadMemoryLog(const CommandParams& fields);
+  CReply WriteDate(const CommandParams& fields);
+  CReply WriteTime(const CommandParams& fields);
 
-  static Reply OnOff(bool value) { return std::string(value ? "ON" : "OFF"); }
-  Reply Reading(std::int32_t channel);
-  Reply ReadProbeOf(std::int32_t first, std::int32_t count, const CommandParams& fields);
-  Reply WriteProbeOf(std::int32_t first, std::int32_t count, const CommandParams& fields);
-  Reply ReadLog(ELog log, const CommandParams& fields) const;
+  static CReply OnOff(bool value) { return std::string(value ? "ON" : "OFF"); }
+  CReply Reading(std::int32_t channel);
+  CReply ReadProbeOf(std::int32_t first, std::int32_t count, const CommandParams& fields);
+  CReply WriteProbeOf(std::int32_t first, std::int32_t count, const CommandParams& fields);
+  CReply ReadLog(ELog log, const CommandParams& fields) const;
   void SetClockTime(std::chrono::sys_seconds time);
 
   std::int64_t Sample() const;
@@ -99,18 +101,18 @@ class CReadout {
   const Clock clock_;
   CInstrumentSettings settings_;
   std::array<Probe, kProbeCount> probes_ = MakeProbes();
-  std::array<std::int32_t, kInputs + kScannerChannels> probe_of_channel_;
-  std::vector<std::optional<std::int32_t>> scan_steps_;
+  std::array<std::int32_t, kInputs + kScannerChannels> probeofchannel_;
+  std::vector<std::optional<std::int32_t>> scansteps_;
 
-  // Samples are counted and never stored: there were `samples_before_` of them at
-  // `counted_since_`, and since then one came per interval while measuring was on.
+  // Samples are counted and never stored: there were `samplesbefore_` of them at
+  // `countedsince_`, and since then one came per interval while measuring was on.
   bool measuring_ = true;
-  std::int64_t samples_before_ = 0;
-  Moment counted_since_;
-  std::int64_t last_fetched_ = 0;
+  std::int64_t samplesbefore_ = 0;
+  Moment countedsince_;
+  std::int64_t lastfetched_ = 0;
 
-  std::chrono::sys_seconds clock_time_;
-  Moment clock_set_at_;
+  std::chrono::sys_seconds clocktime_;
+  Moment clocksetat_;
 };
 
 }  // namespace vane::simulator

@@ -30,7 +30,7 @@ std::string_view RefusalText(ERefusal refusal) {
   return "refused";
 }
 
-std::string Reply::Body() const {
+std::string CReply::Body() const {
   if (!refusal_) return protocol::ValueBody(value_);
   return protocol::RefusalBody(static_cast<std::int32_t>(*refusal_), RefusalText(*refusal_));
 }

@@ -37,12 +37,12 @@ enum class ERefusal : std::int32_t {
 std::string_view RefusalText(ERefusal refusal);
 
 /// The body of an answer: a value ("" acknowledges a write) or a refusal.
-class Reply {
+class CReply {
  public:
-  Reply(std::string value) : value_(std::move(value)) {}  // NOLINT: a value is a reply
-  Reply(ERefusal refusal) : refusal_(refusal) {}          // NOLINT: a refusal is a reply
+  CReply(std::string value) : value_(std::move(value)) {}  // NOLINT: a value is a reply
+  CReply(ERefusal refusal) : refusal_(refusal) {}          // NOLINT: a refusal is a reply
 
-  static Reply Done() { return Reply(std::string()); }
+  static CReply Done() { return CReply(std::string()); }
 
   /// As it stands between tag and check value.
   std::string Body() const;

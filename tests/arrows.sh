@@ -34,7 +34,7 @@ adapters/headless/* vane/ adapters/(posix|serial|conversions|files|headless)/
 simulator/* protocol/ simulator/ vane/components/commands.h
 END
 
-twins=$(find . \( -path ./build -o -path ./apps \) -prune -o \( -name '*.h' -o -name '*.cpp' \) \
-        -not -name main.cpp -printf '%f\n' | sort | uniq -d)
+twins=$(find . -path ./build -prune -o \( -name '*.h' -o -name '*.cpp' \) -not -name main.cpp \
+        -printf '%f\n' | sort | uniq -d)
 [ -z "$twins" ] || { echo "Several files have the name" $twins; status=1; }
 exit $status

@@ -91,17 +91,17 @@ TEST(Readout, EachWriteIsWhatItsReadThenTells) {
         listed.contains(row.id)
             ? listed.at(row.id)
             : std::pair(id + ".50E-07", id.substr(0, 1) + "." + id.substr(1) + "5E-05");
-    const CommandParams read_fields = FieldsFor(row);
+    const CommandParams readfields = FieldsFor(row);
     CommandParams fields = FieldsFor(row, value);
     if (row.id == READ_SCAN_STEP || row.id == READ_SCAN_CHANNEL) fields.Channel = value;
     if (row.id == READ_SCANNER_PROBE_INDEX || row.id == READ_PROBE_INDEX) fields.Probe = value;
 
-    const std::string before = Ask(readout, row.id, read_fields);
+    const std::string before = Ask(readout, row.id, readfields);
     ASSERT_EQ(before.front(), '=') << before;
     EXPECT_NE(before, "=" + answer);
     if (write->text.ends_with("{value}") || write->text.ends_with("{FilterCode}")) {
-      EXPECT_EQ(Ask(readout, write->id, read_fields), "=");
-      EXPECT_EQ(Ask(readout, row.id, read_fields), before) << "after an empty write";
+      EXPECT_EQ(Ask(readout, write->id, readfields), "=");
+      EXPECT_EQ(Ask(readout, row.id, readfields), before) << "after an empty write";
     }
     EXPECT_EQ(Ask(readout, write->id, fields), "=");
     told[row.id] = "=" + answer;
@@ -432,7 +432,7 @@ TEST(SimulatedLine, FaultsOnARealTerminal) {
       "--fault at=13:late=0.2 --fault at=14:hangup=0.05"));
   line.Start();
   const std::string path = line.Path();
-  const std::string first_device = std::filesystem::read_symlink(path);
+  const std::string firstdevice = std::filesystem::read_symlink(path);
   const auto framed = [](std::uint16_t tag, const std::string& body) {
     return protocol::FrameLine(tag, body) + "\r\n";
   };
@@ -445,7 +445,7 @@ TEST(SimulatedLine, FaultsOnARealTerminal) {
   EXPECT_EQ(Talk(path, framed(5, "UNITS F")), framed(5, "!20 busy"));
   EXPECT_EQ(line.Ask("UNITS?"), "=C") << "a refused command is not obeyed";
   EXPECT_EQ(Talk(path, framed(6, "UNITS?")), framed(6, "=T312B, 5.03"));
-  const int old_end = open(path.c_str(), O_RDWR | O_NOCTTY);
+  const int oldend = open(path.c_str(), O_RDWR | O_NOCTTY);
   EXPECT_EQ(Talk(path, framed(7, "UNITS?")), "(lost)");
   const auto waitforplug = [&path] {
     int unplugged = 0;
@@ -462,8 +462,8 @@ TEST(SimulatedLine, FaultsOnARealTerminal) {
   };
   waitforplug();
   EXPECT_EQ(Talk(path, framed(8, "UNITS?")), framed(8, "=C"));
-  EXPECT_NE(std::filesystem::read_symlink(path), first_device) << "the old end is still open";
-  close(old_end);
+  EXPECT_NE(std::filesystem::read_symlink(path), firstdevice) << "the old end is still open";
+  close(oldend);
   EXPECT_EQ(Talk(path, "units K\r"), "=12.3.4\r\n") << "the second write";
   EXPECT_EQ(Talk(path, "UNITS K\r"), "!-5 refused\r\n");
   EXPECT_EQ(Talk(path, "UNITS K\r"), "=\r\n");

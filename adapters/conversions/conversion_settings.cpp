@@ -11,7 +11,7 @@ namespace {
 
 // What is not a number never replaces a number.
 template <class T>
-using Value = CTracked<T, CChangedFlag, OrderedDiffers>;
+using MarkedValue = CTracked<T, CChangedFlag, OrderedDiffers>;
 
 // The position of a caller's index; `at` refuses what lies outside, negative ones included.
 std::size_t Position(std::int32_t index) { return static_cast<std::size_t>(index); }
@@ -19,14 +19,14 @@ std::size_t Position(std::int32_t index) { return static_cast<std::size_t>(index
 class CCoefficients {
  public:
   CCoefficients(CChangedFlag& changed, std::size_t count)
-      : values_(count, Value<double>(changed)) {}
+      : values_(count, MarkedValue<double>(changed)) {}
 
   double Get(std::int32_t index) const { return values_.at(Position(index)).Get(); }
   void Set(std::int32_t index, double value) { values_.at(Position(index)).Set(value); }
   std::int16_t Count() const { return static_cast<std::int16_t>(values_.size()); }
 
  private:
-  std::vector<Value<double>> values_;
+  std::vector<MarkedValue<double>> values_;
 };
 
 class CSubrange : public CITS90Range {
@@ -59,7 +59,7 @@ class CSubrange : public CITS90Range {
   std::int32_t minrange_;
   std::int32_t maxrange_;
   std::string format_;
-  Value<std::int32_t> range_;
+  MarkedValue<std::int32_t> range_;
   CCoefficients coefficients_;
 };
 
@@ -75,7 +75,7 @@ class CTriplePoint : public Interface {
   void SetRTPWFormat(const std::string& format) override { format_ = format; }
 
  private:
-  Value<double> rtpw_;
+  MarkedValue<double> rtpw_;
   std::string format_;
 };
 
@@ -133,8 +133,8 @@ class CIPTS68 : public CFormattedCoefficients<CIPTS68Settings> {
   void SetIPTS68Scale(std::int32_t value) override { scale_.Set(value); }
 
  private:
-  Value<bool> scaleenabled_;
-  Value<std::int32_t> scale_;
+  MarkedValue<bool> scaleenabled_;
+  MarkedValue<std::int32_t> scale_;
 };
 
 // Coefficients with one format for all.
@@ -172,7 +172,7 @@ class CPolynomial : public CNumberedCoefficients<CPolynomialSettings> {
   void SetOrder(std::int32_t value) override { order_.Set(value); }
 
  private:
-  Value<std::int32_t> order_;
+  MarkedValue<std::int32_t> order_;
 };
 
 }  // namespace

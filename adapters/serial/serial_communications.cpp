@@ -110,7 +110,7 @@ std::string CSerialCommunications::Run(const char* label, ECommand id, bool isre
   std::string reply;
   LineFailure failure;
   try {
-    const Command command = MakeCommand(id, isread, rawtext);
+    const SentCommand command = MakeCommand(id, isread, rawtext);
     if (settings_->preview && !isread) {
       settings_->preview(protocol::FrameLine(++tag_, command.text));
     } else {
@@ -137,13 +137,13 @@ std::string CSerialCommunications::Run(const char* label, ECommand id, bool isre
   throw LibraryError(failure.number, label, failure.description);
 }
 
-CSerialCommunications::Command CSerialCommunications::MakeCommand(
+CSerialCommunications::SentCommand CSerialCommunications::MakeCommand(
     ECommand id, bool isread, const std::string& rawtext) const {
   if (instrumentkind_ != kKindT312B) {
     Fail(ERR_LINE_INSTRUMENT_KIND, "Instruments of the kind " + std::to_string(instrumentkind_) +
                                        " can't be reached; only 9, the T312B, can.");
   }
-  Command command{rawtext, isread && id == ECommand::RAW, {.kind = protocol::EReply::ANY}};
+  SentCommand command{rawtext, isread && id == ECommand::RAW, {.kind = protocol::EReply::ANY}};
   if (command.issecret) {
     const auto isprintable = [](char c) { return c >= ' ' && c <= '~'; };
     if (rawtext.empty() || !std::ranges::all_of(rawtext, isprintable)) {
@@ -169,7 +169,7 @@ CSerialCommunications::Command CSerialCommunications::MakeCommand(
   return command;
 }
 
-std::string CSerialCommunications::Exchange(const Command& command) {
+std::string CSerialCommunications::Exchange(const SentCommand& command) {
   if (!port_.IsOpen()) Open();
   // What gets reported is what says most about what is wrong: an unexpected answer before damage,
   // damage before silence.
@@ -216,7 +216,7 @@ std::string CSerialCommunications::DevicePath() const {
   return ports[static_cast<std::size_t>(place) - 1].path;
 }
 
-CSerialCommunications::EOutcome CSerialCommunications::Try(const Command& command,
+CSerialCommunications::EOutcome CSerialCommunications::Try(const SentCommand& command,
                                                            std::string& reply) {
   // What came before the sending can't be its answer. A line that isn't complete stays: its end
   // comes next, and would be taken for noise without its beginning.
@@ -258,7 +258,7 @@ CSerialCommunications::EOutcome CSerialCommunications::Try(const Command& comman
 
 // SILENT for a line that belongs to an earlier sending.
 CSerialCommunications::EOutcome CSerialCommunications::Judge(const protocol::ReceivedLine& line,
-                                                             const Command& command,
+                                                             const SentCommand& command,
                                                              std::string& reply) {
   const auto frame = line.overlong ? std::nullopt : FindFrame(line.text);
   const bool isours = frame && frame->tag == tag_;
@@ -281,7 +281,7 @@ CSerialCommunications::EOutcome CSerialCommunications::Judge(const protocol::Rec
 }
 
 CSerialCommunications::EOutcome CSerialCommunications::TakeAnswer(std::string_view body,
-                                                                  const Command& command,
+                                                                  const SentCommand& command,
                                                                   std::string& reply) {
   const auto answer = protocol::ParseAnswer(body);
   if (answer && answer->refused && answer->number != 0) {
@@ -329,7 +329,7 @@ void CSerialCommunications::FailPort(EPortResult result) const {
   }
 }
 
-void CSerialCommunications::FailExchange(EOutcome outcome, const Command& command) const {
+void CSerialCommunications::FailExchange(EOutcome outcome, const SentCommand& command) const {
   const std::string tries = Tries() == 1 ? "(1 try)" : "(" + std::to_string(Tries()) + " tries)";
   switch (outcome) {
     case EOutcome::GARBLED:

@@ -85,7 +85,7 @@ class CSerialCommunications final : public CVaneCommunications {
   void WriteSetting(ECommand id) override;
 
  private:
-  struct Command {
+  struct SentCommand {
     std::string text;
     bool issecret;  // a raw command: it and its answer are shown nowhere
     protocol::ReplyForm form;
@@ -93,18 +93,19 @@ class CSerialCommunications final : public CVaneCommunications {
   enum class EOutcome { ANSWERED, SILENT, GARBLED, OVERLONG, UNEXPECTED };
 
   std::string Run(const char* label, ECommand id, bool isread, const std::string& rawtext);
-  Command MakeCommand(ECommand id, bool isread, const std::string& rawtext) const;
-  std::string Exchange(const Command& command);
+  SentCommand MakeCommand(ECommand id, bool isread, const std::string& rawtext) const;
+  std::string Exchange(const SentCommand& command);
   void Open();
   std::string DevicePath() const;
-  EOutcome Try(const Command& command, std::string& reply);
-  EOutcome Judge(const protocol::ReceivedLine& line, const Command& command, std::string& reply);
-  EOutcome TakeAnswer(std::string_view body, const Command& command, std::string& reply);
+  EOutcome Try(const SentCommand& command, std::string& reply);
+  EOutcome Judge(const protocol::ReceivedLine& line, const SentCommand& command,
+                 std::string& reply);
+  EOutcome TakeAnswer(std::string_view body, const SentCommand& command, std::string& reply);
   std::int32_t Tries() const;
   void Trace(ETraceMark mark, std::string_view text) const;
   void TraceReceived(std::string_view text, bool isharmless) const;
   [[noreturn]] void FailPort(EPortResult result) const;
-  [[noreturn]] void FailExchange(EOutcome outcome, const Command& command) const;
+  [[noreturn]] void FailExchange(EOutcome outcome, const SentCommand& command) const;
 
   std::shared_ptr<LineSettings> settings_;
   CommandParams params_;

@@ -16,7 +16,7 @@ constexpr int kPatience = 3;
 
 // All that the signal handler may touch.
 std::atomic<int> interrupts{0};
-std::atomic<int> pipe_end{-1};
+std::atomic<int> pipeend{-1};
 static_assert(std::atomic<int>::is_always_lock_free);
 
 void UseDefault(int signal) {
@@ -32,19 +32,19 @@ void OnSignal(int) {
     for (const int signal : kSignals) UseDefault(signal);
   }
   // A full pipe has woken the reader already.
-  [[maybe_unused]] const ssize_t written = ::write(pipe_end, "!", 1);
+  [[maybe_unused]] const ssize_t written = ::write(pipeend, "!", 1);
   errno = error;
 }
 
 }  // namespace
 
 CInterrupts::CInterrupts() {
-  if (pipe_end >= 0) throw std::logic_error("Interrupts are already being handled.");
+  if (pipeend >= 0) throw std::logic_error("Interrupts are already being handled.");
   if (::pipe2(pipe_.data(), O_CLOEXEC | O_NONBLOCK) != 0) {
     throw std::system_error(errno, std::generic_category(), "Cannot make a pipe for interrupts");
   }
   interrupts = 0;
-  pipe_end = pipe_[1];
+  pipeend = pipe_[1];
   // Without SA_RESTART: a call that waits is how a program hangs.
   struct sigaction action {};
   action.sa_handler = OnSignal;
@@ -58,7 +58,7 @@ CInterrupts::~CInterrupts() {
   for (std::size_t i = 0; i < kSignals.size(); ++i) {
     ::sigaction(kSignals[i], &former_[i], nullptr);
   }
-  pipe_end = -1;
+  pipeend = -1;
   for (const int end : pipe_) ::close(end);
 }
 

@@ -12,12 +12,12 @@ namespace {
 using test::CTestHost;
 using test::kLineError;
 
-class ProbeChannel : public testing::Test {
+class MadeChannel : public testing::Test {
  protected:
   CTestHost host_;
 };
 
-TEST_F(ProbeChannel, IsMadeInOrderAndCountsAsChanged) {
+TEST_F(MadeChannel, IsMadeInOrderAndCountsAsChanged) {
   host_.logsettings = true;
   CVaneT312BPRTTHRMChannel channel(host_.components);
   EXPECT_EQ(host_.log.Text(),
@@ -27,7 +27,7 @@ TEST_F(ProbeChannel, IsMadeInOrderAndCountsAsChanged) {
   EXPECT_EQ(channel.ProbeRefResistor(), ET312BProbeRefResistor::PRR_NONE);
 }
 
-TEST_F(ProbeChannel, MarksItselfAndItsProbeTogether) {
+TEST_F(MadeChannel, MarksItselfAndItsProbeTogether) {
   CVaneT312BPRTTHRMChannel channel(host_.components);
   const std::function<void()> tracked[] = {
       [&] { channel.SetProbeCurrent(25); },
@@ -52,7 +52,7 @@ TEST_F(ProbeChannel, MarksItselfAndItsProbeTogether) {
   EXPECT_TRUE(channel.Changed());
 }
 
-TEST_F(ProbeChannel, KeepsTheRegistryThatItsProbeHandsBack) {
+TEST_F(MadeChannel, KeepsTheRegistryThatItsProbeHandsBack) {
   CVaneT312BPRTTHRMChannel channel(host_.components);
   auto& probe = dynamic_cast<test::CFakeProbe&>(*channel.Probe());
   channel.SetRegistry(host_.registry);
@@ -62,7 +62,7 @@ TEST_F(ProbeChannel, KeepsTheRegistryThatItsProbeHandsBack) {
   EXPECT_EQ(channel.Registry(), probe.replacement);
 }
 
-TEST_F(ProbeChannel, CreationFailsUnderTheLabelOfWhatIsMade) {
+TEST_F(MadeChannel, CreationFailsUnderTheLabelOfWhatIsMade) {
   host_.probesfail = true;
   EXPECT_EQ(CTestHost::ErrorOf([&] { CVaneT312BPRTTHRMChannel made(host_.components); }).Source(),
             "CVaneT312BPRTTHRMChannel - Class_Initialize");
@@ -70,13 +70,13 @@ TEST_F(ProbeChannel, CreationFailsUnderTheLabelOfWhatIsMade) {
             "CVaneM420Multiplexer - Class_Initialize");
 }
 
-TEST_F(ProbeChannel, CannotReadWithoutAnInstrument) {
+TEST_F(MadeChannel, CannotReadWithoutAnInstrument) {
   CVaneT312BPRTTHRMChannel channel(host_.components);
   EXPECT_EQ(CTestHost::ErrorOf([&] { channel.QueryProbeIndex(); }).Source(),
             "CVaneT312BPRTTHRMChannel - QueryProbeIndex");
 }
 
-TEST_F(ProbeChannel, ModulesRefuseAChannelThatTheyDoNotHave) {
+TEST_F(MadeChannel, ModulesRefuseAChannelThatTheyDoNotHave) {
   CVaneT312BBaseModule inputs(host_.components);
   CVaneM420Multiplexer scanner(host_.components);
   const struct {
@@ -99,7 +99,7 @@ TEST_F(ProbeChannel, ModulesRefuseAChannelThatTheyDoNotHave) {
   }
 }
 
-class ProbeNumbers : public ProbeChannel {
+class ProbeNumbers : public MadeChannel {
  protected:
   ProbeNumbers() {
     host_.ConnectWith(true);
@@ -153,7 +153,7 @@ TEST_F(ProbeNumbers, OfAModuleClimbWhenTheyFail) {
 }
 
 // Conversion set-ups: the members in their order, and the type that a code becomes.
-class ConversionSetUp : public ProbeChannel {
+class ConversionSetUp : public MadeChannel {
  protected:
   std::string SetTo(int ct) {
     host_.log.Clear();

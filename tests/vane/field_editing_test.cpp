@@ -171,7 +171,7 @@ TEST_F(FieldEditing, FiltersLetTheirKeysThrough) {
 }
 
 TEST(KeyFilters, ASeparatorThatNobodyTellsIsAPoint) {
-  const auto expect_point = [] {
+  const auto expectpoint = [] {
     for (const auto filter : {FilterRealKey, FilterExponentKey}) {
       for (const char typed : std::string(".7-,x\b")) {
         std::int16_t key = typed;
@@ -181,7 +181,7 @@ TEST(KeyFilters, ASeparatorThatNobodyTellsIsAPoint) {
     }
   };
   SetDecimalSeparator({});
-  expect_point();  // nothing is installed
+  expectpoint();  // nothing is installed
 
   struct CMutePlatform : test::CRecordingPlatform {
     using CRecordingPlatform::CRecordingPlatform;
@@ -193,7 +193,7 @@ TEST(KeyFilters, ASeparatorThatNobodyTellsIsAPoint) {
   const Components components{platform, host};
   {
     const CInstalledComponents installed(components);
-    expect_point();
+    expectpoint();
   }
   // What could not be found out is asked for again.
   std::int16_t key = '.';

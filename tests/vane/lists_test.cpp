@@ -21,7 +21,7 @@ class CSortedList : public ui::CListControl {
   void AddItem(const std::string& text) override {
     if (items_.size() == failat) throw LibraryError(test::kLineError, "list", "full");
     const auto place =
-        sorts ? std::ranges::lower_bound(items_, text, {}, &Item::text) : items_.end();
+        sorts ? std::ranges::lower_bound(items_, text, {}, &Entry::text) : items_.end();
     const auto added = items_.insert(place, {text, 0});
     newindex_ = static_cast<std::int32_t>(added - items_.begin());
   }
@@ -37,7 +37,7 @@ class CSortedList : public ui::CListControl {
   // "text#code", separated by "|".
   std::string Text() const {
     std::string text;
-    for (const Item& item : items_) {
+    for (const Entry& item : items_) {
       text += (text.empty() ? "" : "|") + item.text + "#" + std::to_string(item.data);
     }
     return text;
@@ -47,11 +47,11 @@ class CSortedList : public ui::CListControl {
   std::optional<std::size_t> failat;
 
  private:
-  struct Item {
+  struct Entry {
     std::string text;
     std::int32_t data;
   };
-  std::vector<Item> items_;
+  std::vector<Entry> items_;
   std::int32_t newindex_ = -1;
   std::int32_t selected_ = -1;
 };
