@@ -33,8 +33,8 @@ bool IsCalibration(const PropertyValue& value) {
 // One by one where every value can be, else all in one run. The scanner's come first, as in that.
 std::vector<Stage> Stages(CHost& host, std::vector<PropertyValue> assignments) {
   CVaneT312B& instrument = host.Instrument();
-  std::ranges::stable_partition(assignments, [](const PropertyValue& assignment) {
-    return assignment.row->group == EPropertyGroup::SCAN;
+  std::stable_partition(assignments.begin(), assignments.end(), [](const PropertyValue& one) {
+    return one.row->group == EPropertyGroup::SCAN;
   });
   std::vector<Stage> stages;
   if (std::ranges::all_of(assignments,

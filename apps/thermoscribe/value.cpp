@@ -5,6 +5,12 @@
 
 namespace vane::thermoscribe {
 
+// Here, where a member is a complete type.
+Value::Value(double number) : held(number) {}
+Value::Value(std::string text) : held(std::move(text)) {}
+Value::Value(std::string_view text) : held(std::string(text)) {}
+Value::Value(const char* text) : held(std::string(text)) {}
+Value::Value(List list) : held(std::move(list)) {}
 Value::Value(Members members) : held(std::move(members)) {}
 
 double Value::Number() const {

@@ -30,12 +30,12 @@ struct Value {
 
   Value() = default;
   Value(std::same_as<bool> auto flag) : held(flag) {}
-  Value(WholeNumber auto number) : held(static_cast<std::int64_t>(number)) {}
-  Value(double number) : held(number) {}
-  Value(std::string text) : held(std::move(text)) {}
-  Value(std::string_view text) : held(std::string(text)) {}
-  Value(const char* text) : held(std::string(text)) {}
-  Value(List list) : held(std::move(list)) {}
+  Value(WholeNumber auto number) : held(std::in_place_type<std::int64_t>, number) {}
+  Value(double number);
+  Value(std::string text);
+  Value(std::string_view text);
+  Value(const char* text);
+  Value(List list);
   Value(Members members);
 
   template <class T>
