@@ -117,8 +117,8 @@ TEST(Probe, TypeReplacesTheValuesAndUnknownTypesHaveNone) {
 class UserFiles : public testing::Test {
  protected:
   void Put(const std::string& text) {
-    fs::create_directories(path.parent_path());
-    std::ofstream(path) << text;
+    fs::create_directories(path_.parent_path());
+    std::ofstream(path_) << text;
   }
   static std::vector<std::string> Names(const fs::path& in) {
     std::vector<std::string> names;
@@ -127,29 +127,29 @@ class UserFiles : public testing::Test {
     return names;
   }
 
-  test::CTemporaryFolder folder;
-  fs::path path = folder / "VaneT312B/registry.toml";
-  std::vector<std::string> reports;
-  std::function<void(const std::string&)> report = [this](const std::string& text) {
-    reports.push_back(text);
+  test::CTemporaryFolder folder_;
+  fs::path path_ = folder_ / "VaneT312B/registry.toml";
+  std::vector<std::string> reports_;
+  std::function<void(const std::string&)> report_ = [this](const std::string& text) {
+    reports_.push_back(text);
   };
 };
 
 TEST_F(UserFiles, RegistryGivesTheValueOrTheFallback) {
-  CConfigRegistry registry(report, path);
+  CConfigRegistry registry(report_, path_);
   EXPECT_EQ(registry.ReadBoolean("COMAutoClose", true, kCurrentUserRoot, ""), 1);
-  EXPECT_FALSE(fs::exists(path));
+  EXPECT_FALSE(fs::exists(path_));
   Put("[values]\nCOMAutoClose = true\nDownloadFolder = 7\n[values.a.b]\nx = \"deep\"\n");
   EXPECT_EQ(registry.ReadBoolean("COMAutoClose", false, kCurrentUserRoot, ""), 1);
   EXPECT_EQ(registry.ReadBoolean("COMAutoClose", false, kCurrentUserRoot + 1, ""), 0);
   EXPECT_EQ(registry.ReadText("DownloadFolder", "/f", kCurrentUserRoot, ""), "/f");
   EXPECT_EQ(registry.ReadText("x", "", kCurrentUserRoot, "a\\b"), "deep");
   EXPECT_EQ(registry.ReadText("x", "none", kCurrentUserRoot, "a"), "none");
-  EXPECT_THAT(reports, ElementsAre());
+  EXPECT_THAT(reports_, ElementsAre());
 }
 
 TEST_F(UserFiles, RegistryKeepsThePlacesOfWindows) {
-  CConfigRegistry registry(report, path);
+  CConfigRegistry registry(report_, path_);
   const auto restored = [&](const char* name) {
     ui::CForm window(name, std::make_unique<CUnseenView>());
     registry.RestoreFormPlacement(window, 0, true);
@@ -157,7 +157,7 @@ TEST_F(UserFiles, RegistryKeepsThePlacesOfWindows) {
   };
   ui::CForm window("frmT312BSettings", std::make_unique<CUnseenView>());
   registry.SaveFormPlacement(window, 0, true);
-  EXPECT_FALSE(fs::exists(path));
+  EXPECT_FALSE(fs::exists(path_));
   ui::CUser(window).Move({-5, 20, 300, 200});
   registry.SaveFormPlacement(window, 0, true);
   EXPECT_EQ(restored("frmT312BSettings"), (ui::Placement{-5, 20, 300, 200}));
@@ -190,25 +190,25 @@ TEST(TerminalView, RefusesAWindowThatItCannotDraw) {
 
 TEST_F(UserFiles, RegistryKeepsWhatItDoesNotKnow) {
   Put("version = 3\n[window]\nsize = [4, 5.5]\n[values]\nother = 2020-01-02\n");
-  CConfigRegistry registry(report, path);
+  CConfigRegistry registry(report_, path_);
   registry.WriteText("DownloadFolder", "/home/\"Zoë\"\n", "a");
   registry.WriteBoolean("COMAutoClose", true);
   EXPECT_EQ(registry.ReadText("DownloadFolder", "", kCurrentUserRoot, "a"), "/home/\"Zoë\"\n");
   for (const char* kept : {"version = 3", "size = [ 4, 5.5 ]", "other = 2020-01-02"}) {
-    EXPECT_THAT(FileText(path), HasSubstr(kept));
+    EXPECT_THAT(FileText(path_), HasSubstr(kept));
   }
-  const std::string before = FileText(path);
+  const std::string before = FileText(path_);
   EXPECT_THROW(registry.WriteBoolean("a", true), LibraryError);
   EXPECT_THROW(registry.WriteBoolean("x", true, "COMAutoClose"), LibraryError);
   EXPECT_THROW(registry.WriteText("DownloadFolder", "\xE9"), LibraryError);
-  EXPECT_EQ(FileText(path), before);
+  EXPECT_EQ(FileText(path_), before);
 }
 
 TEST_F(UserFiles, RegistryTellsAHostWhyThereIsNoText) {
-  CConfigRegistry registry(report, path);
+  CConfigRegistry registry(report_, path_);
   registry.Remove("baud", "a");
   EXPECT_EQ(registry.FindText("baud", "a"), std::nullopt);
-  EXPECT_FALSE(fs::exists(path));
+  EXPECT_FALSE(fs::exists(path_));
   Put("[values.a]\nport = ' x'\nbaud = 19_200\nlimit = 2.50\nflag = true\n[values.b]\nbaud = 1\n");
   for (const auto& [name, text] : {std::pair{"port", " x"}, {"baud", "19200"}, {"limit", "2.5"}}) {
     EXPECT_EQ(registry.FindText(name, "a"), text);
@@ -221,43 +221,44 @@ TEST_F(UserFiles, RegistryTellsAHostWhyThereIsNoText) {
   Put("[values");
   EXPECT_THROW(registry.FindText("port", "a"), std::runtime_error);
   EXPECT_THROW(registry.Remove("port", "a"), std::runtime_error);
-  EXPECT_EQ(FileText(path), "[values");
+  EXPECT_EQ(FileText(path_), "[values");
 }
 
 TEST_F(UserFiles, RegistryPutsADamagedFileAsideAtTheFirstWrite) {
   Put("[values\nCOMAutoClose = true\n");
-  CConfigRegistry registry(report, path);
+  CConfigRegistry registry(report_, path_);
   EXPECT_EQ(registry.ReadBoolean("COMAutoClose", false, kCurrentUserRoot, ""), 0);
   registry.ReadBoolean("SelectPrinter", true, kCurrentUserRoot, "");
-  EXPECT_THAT(reports, ElementsAre(HasSubstr("is damaged, line 1")));
-  std::ofstream(path.string() + ".damaged-1") << "older";
+  EXPECT_THAT(reports_, ElementsAre(HasSubstr("is damaged, line 1")));
+  std::ofstream(path_.string() + ".damaged-1") << "older";
   registry.WriteBoolean("SelectPrinter", false);
-  EXPECT_EQ(FileText(path.string() + ".damaged-1"), "older");
-  EXPECT_EQ(FileText(path.string() + ".damaged-2"), "[values\nCOMAutoClose = true\n");
+  EXPECT_EQ(FileText(path_.string() + ".damaged-1"), "older");
+  EXPECT_EQ(FileText(path_.string() + ".damaged-2"), "[values\nCOMAutoClose = true\n");
 }
 
 TEST_F(UserFiles, RegistryThatCannotBeReadIsReportedOnceAndNotReplaced) {
-  fs::create_directories(path.parent_path());
-  const fs::path fifo = folder / "fifo", huge = folder / "huge";
+  fs::create_directories(path_.parent_path());
+  const fs::path fifo = folder_ / "fifo", huge = folder_ / "huge";
   EXPECT_EQ(mkfifo(fifo.c_str(), 0600), 0);
   std::ofstream(huge).close();
   fs::resize_file(huge, 1 << 30);
-  const std::pair<fs::path, const char*> rows[] = {{folder.Path(), "no regular file"},
+  const std::pair<fs::path, const char*> rows[] = {{folder_.Path(), "no regular file"},
                                                    {fifo, "no regular file"},
                                                    {"/dev/zero", "no regular file"},
                                                    {huge, "too large"}};
   for (const auto& [target, reason] : rows) {
-    fs::create_symlink(target, path);
-    CConfigRegistry registry(report, path);
+    fs::create_symlink(target, path_);
+    CConfigRegistry registry(report_, path_);
     for (int i = 0; i < 2; ++i) {
       EXPECT_EQ(registry.ReadText("DownloadFolder", "/f", kCurrentUserRoot, ""), "/f");
     }
-    EXPECT_THAT(reports, ElementsAre(testing::AllOf(HasSubstr(path.string()), HasSubstr(reason))));
-    reports.clear();
+    EXPECT_THAT(reports_,
+                ElementsAre(testing::AllOf(HasSubstr(path_.string()), HasSubstr(reason))));
+    reports_.clear();
     if (target != "/dev/zero") {
       EXPECT_THROW(registry.WriteBoolean("SelectPrinter", false), std::runtime_error);
     }
-    fs::remove(path);
+    fs::remove(path_);
   }
   EXPECT_TRUE(fs::is_fifo(fifo));
 }
@@ -265,7 +266,7 @@ TEST_F(UserFiles, RegistryThatCannotBeReadIsReportedOnceAndNotReplaced) {
 TEST_F(UserFiles, TwoProcessesLoseNothingOfEachOther) {
   constexpr int kWrites = 40;
   const auto write = [this](const std::string& name) {
-    CConfigRegistry registry({}, path);
+    CConfigRegistry registry({}, path_);
     for (int i = 0; i < kWrites; ++i) registry.WriteBoolean(name + std::to_string(i), true);
   };
   const pid_t other = fork();
@@ -277,13 +278,13 @@ TEST_F(UserFiles, TwoProcessesLoseNothingOfEachOther) {
   int status = -1;
   waitpid(other, &status, 0);
   EXPECT_EQ(status, 0);
-  CConfigRegistry registry(report, path);
+  CConfigRegistry registry(report_, path_);
   for (int i = 0; i < kWrites; ++i) {
     for (const std::string name : {"other", "this"}) {
       EXPECT_EQ(registry.ReadBoolean(name + std::to_string(i), false, kCurrentUserRoot, ""), 1);
     }
   }
-  EXPECT_THAT(Names(path.parent_path()), ElementsAre("registry.toml", "registry.toml.lock"));
+  EXPECT_THAT(Names(path_.parent_path()), ElementsAre("registry.toml", "registry.toml.lock"));
 }
 
 TEST_F(UserFiles, DefaultPathIsTheUsersConfigurationFolder) {
@@ -300,19 +301,19 @@ TEST_F(UserFiles, AtomicWriteReplacesTheFileBehindALink) {
   const auto mode = [](const fs::path& file) {
     return static_cast<unsigned>(fs::status(file).permissions());
   };
-  const fs::path real = folder / "new" / "real", link = folder / "link";
+  const fs::path real = folder_ / "new" / "real", link = folder_ / "link";
   fs::create_symlink("new/real", link);
   EXPECT_THROW(WriteFileAtomically(link, "one", 0640), std::system_error);
-  EXPECT_FALSE(fs::exists(folder / "new")) << "nobody has asked for a folder";
-  MakePrivateFolders(folder / "new");
+  EXPECT_FALSE(fs::exists(folder_ / "new")) << "nobody has asked for a folder";
+  MakePrivateFolders(folder_ / "new");
   WriteFileAtomically(link, "one", 0640);
-  EXPECT_EQ(mode(folder / "new"), 0700u);
+  EXPECT_EQ(mode(folder_ / "new"), 0700u);
   EXPECT_EQ(mode(real), 0640u);
   WriteFileAtomically(link, "two", 0600);
   EXPECT_TRUE(fs::is_symlink(link));
   EXPECT_EQ(FileText(real), "two");
   EXPECT_EQ(mode(real), 0640u);
-  EXPECT_THAT(Names(folder / "new"), ElementsAre("real"));
+  EXPECT_THAT(Names(folder_ / "new"), ElementsAre("real"));
   EXPECT_THROW(WriteFileAtomically(real / "below", "", 0600), std::system_error);
 }
 
@@ -320,25 +321,25 @@ TEST_F(UserFiles, AtomicWriteReplacesTheFileBehindALink) {
 
 class Terminal : public test::CUserTerminal, public testing::Test {
  protected:
-  Terminal() { EXPECT_EQ(pipe(line), 0); }
+  Terminal() { EXPECT_EQ(pipe(line_), 0); }
   ~Terminal() override {
-    for (const int fd : line) close(fd);
+    for (const int fd : line_) close(fd);
   }
 
-  std::string Piped() const { return test::Printed(line[0], line[1]); }
+  std::string Piped() const { return test::Printed(line_[0], line_[1]); }
 
-  int line[2] = {-1, -1};  // a pipe, which is no terminal
-  CInterrupts interrupts;
-  CTerminalPlatform platform{interrupts, host, host};
+  int line_[2] = {-1, -1};  // a pipe, which is no terminal
+  CInterrupts interrupts_;
+  CTerminalPlatform platform_{interrupts_, host, host};
 };
 
 TEST_F(Terminal, BoxIsItsText) {
-  platform.MessageBox("An error occurred.\r\rError: 5 - \x1B[2J Öl", "Corvane",
-                      kBoxStop + kBoxHelpButton, "VaneT312B.hlp", 40);
-  platform.OpenHelp("VaneT312B.hlp", 1, 7);
-  CTerminalProgress progress(interrupts, host);
+  platform_.MessageBox("An error occurred.\r\rError: 5 - \x1B[2J Öl", "Corvane",
+                       kBoxStop + kBoxHelpButton, "VaneT312B.hlp", 40);
+  platform_.OpenHelp("VaneT312B.hlp", 1, 7);
+  CTerminalProgress progress(interrupts_, host);
   progress.Start("Reading", 50);
-  for (int i = 0; i < 2; ++i) platform.MessageBox("Done.", "Corvane", kBoxInformation, "", 0);
+  for (int i = 0; i < 2; ++i) platform_.MessageBox("Done.", "Corvane", kBoxInformation, "", 0);
   const std::string screen = Screen();
   EXPECT_THAT(screen, testing::StartsWith("Corvane: Error\nAn error occurred.\n\n"
                                           "Error: 5 - ?[2J Öl\nHelp: VaneT312B.hlp, topic 40\n"
@@ -354,39 +355,39 @@ TEST_F(Terminal, QuestionAsksUntilItIsAnswered) {
   const std::string head = "Corvane: Question\nWrite?\n";
   const std::string again = "Please answer yes or no: ";
   Type("\nmaybe\n Yes \nn\n");
-  EXPECT_EQ(ask(platform), EBoxButton::YES);
-  EXPECT_EQ(ask(platform), EBoxButton::NO);
+  EXPECT_EQ(ask(platform_), EBoxButton::YES);
+  EXPECT_EQ(ask(platform_), EBoxButton::NO);
   EXPECT_EQ(Screen(), head + "Yes or no? " + again + again + head + "Yes or no? ");
   Type("\x04");
-  EXPECT_EQ(ask(platform), EBoxButton::NO);
+  EXPECT_EQ(ask(platform_), EBoxButton::NO);
   EXPECT_THAT(Screen(), EndsWith("\nNo: the input has ended.\n"));
   std::jthread later([] {
     std::this_thread::sleep_for(30ms);
     kill(getpid(), SIGINT);
   });
-  EXPECT_EQ(ask(platform), EBoxButton::NO);
+  EXPECT_EQ(ask(platform_), EBoxButton::NO);
   EXPECT_THAT(Screen(), EndsWith("\nNo: interrupted.\n"));
-  CTerminalPlatform piped(interrupts, line[0], line[1]);
+  CTerminalPlatform piped(interrupts_, line_[0], line_[1]);
   EXPECT_EQ(ask(piped), EBoxButton::NO);
   EXPECT_EQ(Piped(), head + "No: there is no terminal to ask on.\n");
 }
 
 TEST_F(Terminal, InterruptWakesTheMessageQueueOnceAndStaysPending) {
   int handled = 0;
-  platform.SetInterruptHandler([&handled] { ++handled; });
+  platform_.SetInterruptHandler([&handled] { ++handled; });
   std::jthread later([] {
     std::this_thread::sleep_for(30ms);
     kill(getpid(), SIGTERM);
   });
   const auto start = std::chrono::steady_clock::now();
-  platform.RunMessageQueue(20000);
+  platform_.RunMessageQueue(20000);
   EXPECT_LT(std::chrono::steady_clock::now() - start, 10s);
   EXPECT_EQ(handled, 1);
-  const std::uint32_t ticks = platform.TickCount();
-  platform.RunMessageQueue(40);
-  EXPECT_GE(platform.TickCount() - ticks, 39u);
+  const std::uint32_t ticks = platform_.TickCount();
+  platform_.RunMessageQueue(40);
+  EXPECT_GE(platform_.TickCount() - ticks, 39u);
   EXPECT_EQ(handled, 1);
-  EXPECT_TRUE(interrupts.Pending());
+  EXPECT_TRUE(interrupts_.Pending());
 }
 
 TEST_F(Terminal, ThirdInterruptGivesTheKeyBackToTheSystem) {
@@ -412,9 +413,9 @@ TEST_F(Terminal, InterruptEndsACallThatWaits) {
     kill(getpid(), SIGHUP);
   });
   char c = 0;
-  EXPECT_EQ(read(line[0], &c, 1), -1);
+  EXPECT_EQ(read(line_[0], &c, 1), -1);
   EXPECT_EQ(errno, EINTR);
-  EXPECT_TRUE(interrupts.Pending());
+  EXPECT_TRUE(interrupts_.Pending());
 }
 
 TEST_F(Terminal, PasscodeSourceIsOneLineAndNotWaitedForWithoutEnd) {
@@ -424,7 +425,7 @@ TEST_F(Terminal, PasscodeSourceIsOneLineAndNotWaitedForWithoutEnd) {
   Patience patience;
   patience.meeting = patience.silence = 60ms;
   const auto take = [&](const std::string& source) -> std::string {
-    CTerminalPasscodeDialog dialog(interrupts, source, host, host, patience);
+    CTerminalPasscodeDialog dialog(interrupts_, source, host, host, patience);
     std::string entered;
     try {
       return dialog.ShowDialog(entered, nullptr) ? entered : Screen();
@@ -432,10 +433,10 @@ TEST_F(Terminal, PasscodeSourceIsOneLineAndNotWaitedForWithoutEnd) {
       return error.what();
     }
   };
-  EXPECT_EQ(write(line[1], "K9 zQ\r\nnext\n", 13), 13);
-  EXPECT_EQ(take(std::to_string(line[0])), "K9 zQ");
-  EXPECT_EQ(take("/dev/fd/" + std::to_string(line[0])), "next");
-  EXPECT_THAT(take(std::to_string(line[0])), HasSubstr("nothing has come for"));
+  EXPECT_EQ(write(line_[1], "K9 zQ\r\nnext\n", 13), 13);
+  EXPECT_EQ(take(std::to_string(line_[0])), "K9 zQ");
+  EXPECT_EQ(take("/dev/fd/" + std::to_string(line_[0])), "next");
+  EXPECT_THAT(take(std::to_string(line_[0])), HasSubstr("nothing has come for"));
   EXPECT_THAT(take("/dev/zero"), HasSubstr("is too long"));
   EXPECT_THAT(take(fifo), HasSubstr("fifo': nobody has opened the pipe"));
   EXPECT_THAT(take(folder.Path()), EndsWith("Is a directory"));
@@ -451,7 +452,7 @@ TEST_F(Terminal, PasscodeSourceIsOneLineAndNotWaitedForWithoutEnd) {
 }
 
 TEST_F(Terminal, ProgressDrawsOneLineAndTakesItAway) {
-  CTerminalProgress bar(interrupts, host);
+  CTerminalProgress bar(interrupts_, host);
   CVaneProgress& progress = bar;
   progress.Start("Reading settings...", 30.0);
   EXPECT_EQ(Screen(), "\rReading settings... [--------------------------------]   0%");
@@ -484,7 +485,7 @@ TEST_F(Terminal, ProgressDrawsOneLineAndTakesItAway) {
 }
 
 TEST_F(Terminal, ProgressStopsAtAnInterruptForGood) {
-  CTerminalProgress bar(interrupts, line[1]);
+  CTerminalProgress bar(interrupts_, line_[1]);
   CVaneProgress& progress = bar;
   progress.Start("Reading...", 20.0);
   EXPECT_TRUE(progress.Step());
@@ -492,17 +493,17 @@ TEST_F(Terminal, ProgressStopsAtAnInterruptForGood) {
   EXPECT_FALSE(progress.Step());
   EXPECT_FALSE(progress.Step());
   progress.Finish();
-  EXPECT_TRUE(interrupts.Pending());
-  CTerminalProgress next(interrupts, line[1]);
+  EXPECT_TRUE(interrupts_.Pending());
+  CTerminalProgress next(interrupts_, line_[1]);
   next.Start("Writing...", 20.0);
   EXPECT_FALSE(static_cast<CVaneProgress&>(next).Step()) << "the program would go on after Ctrl-C";
   EXPECT_EQ(Piped(), "");
 }
 
 TEST_F(Terminal, ClockFollowsTheRegionalFormat) {
-  static constexpr std::chrono::local_seconds midnight{-24h};
+  static constexpr std::chrono::local_seconds kMidnight{-24h};
   const auto text = [](std::chrono::seconds time, const char* format) {
-    return ClockText(midnight + time, format);
+    return ClockText(kMidnight + time, format);
   };
   EXPECT_EQ(text(15h + 7min + 9s, "%r"), "3:07:09 PM");
   EXPECT_EQ(text(0s, "%p %-I:%M"), "12:00:00 AM");
@@ -512,14 +513,14 @@ TEST_F(Terminal, ClockFollowsTheRegionalFormat) {
 }
 
 TEST_F(Terminal, MachineIsTold) {
-  EXPECT_EQ(platform.DecimalSeparator(), ".");
-  EXPECT_TRUE(fs::exists(fs::path(platform.FolderOfLibrary()) / program_invocation_short_name));
+  EXPECT_EQ(platform_.DecimalSeparator(), ".");
+  EXPECT_TRUE(fs::exists(fs::path(platform_.FolderOfLibrary()) / program_invocation_short_name));
   setenv("TMPDIR", "/var/tmp/", 1);
-  EXPECT_EQ(platform.TemporaryFolder(), "/var/tmp");
+  EXPECT_EQ(platform_.TemporaryFolder(), "/var/tmp");
   setenv("TZ", "UTC-5:30", 1);
   tzset();
-  const auto offset =
-      platform.LocalTime().time_since_epoch() - std::chrono::system_clock::now().time_since_epoch();
+  const auto offset = platform_.LocalTime().time_since_epoch() -
+                      std::chrono::system_clock::now().time_since_epoch();
   EXPECT_LT(std::chrono::abs(offset - 330min), 2s);
 }
 

@@ -67,74 +67,74 @@ TEST(FieldReader, TakesTheLargestLog) {
 class SavedFile : public test::CUserTerminal, public testing::Test {
  protected:
   SavedFile() {
-    for (const char* each : {"bin", "out", "out/sub"}) fs::create_directory(folder / each);
-    setenv("PATH", (folder / "bin").c_str(), 1);
-    file.SetFolder((folder / "out" / "").string());
-    file.SetFileName("-a b;$(x).txt");
-    path = folder / "out" / file.FileName();
-    file.SetNumColumns(3);
-    for (std::int16_t column = 0; column < 3; ++column) file.SetColumnWidth(column, 8);
+    for (const char* each : {"bin", "out", "out/sub"}) fs::create_directory(folder_ / each);
+    setenv("PATH", (folder_ / "bin").c_str(), 1);
+    file_.SetFolder((folder_ / "out" / "").string());
+    file_.SetFileName("-a b;$(x).txt");
+    path_ = folder_ / "out" / file_.FileName();
+    file_.SetNumColumns(3);
+    for (std::int16_t column = 0; column < 3; ++column) file_.SetColumnWidth(column, 8);
   }
-  ~SavedFile() override { setenv("PATH", formerpath.c_str(), 1); }
+  ~SavedFile() override { setenv("PATH", formerpath_.c_str(), 1); }
 
   // A program that notes its name and arguments.
   void PutProgram(const std::string& name, const std::string& body) const {
     const std::string note = "printf '<%s>' " + name + " \"$@\" >>";
-    std::ofstream(folder / "bin" / name) << "#!/bin/sh\n" + note << folder / "calls"
-                                         << ";" + body;
-    fs::permissions(folder / "bin" / name, fs::perms::owner_all);
+    std::ofstream(folder_ / "bin" / name) << "#!/bin/sh\n" + note << folder_ / "calls"
+                                          << ";" + body;
+    fs::permissions(folder_ / "bin" / name, fs::perms::owner_all);
   }
   std::string Calls() const {
-    const std::string calls = FileText(folder / "calls");
-    fs::remove(folder / "calls");
+    const std::string calls = FileText(folder_ / "calls");
+    fs::remove(folder_ / "calls");
     return calls;
   }
   bool PathIsAlone() const {  // nothing lies beside the file
-    return std::distance(fs::directory_iterator(folder / "out"), {}) == 2 && fs::exists(path);
+    return std::distance(fs::directory_iterator(folder_ / "out"), {}) == 2 && fs::exists(path_);
   }
   void SetFields(const Texts& texts) {
     std::int16_t column = 0;
-    for (const std::string& text : texts) file.SetField(column++, text);
+    for (const std::string& text : texts) file_.SetField(column++, text);
   }
   // Empty when `action` has succeeded.
   template <class Action>
   std::string Error(Action action) {
-    success = true;
+    success_ = true;
     try {
       action();
     } catch (const std::exception& error) {
-      EXPECT_FALSE(success);
+      EXPECT_FALSE(success_);
       return error.what();
     }
-    EXPECT_TRUE(success);
+    EXPECT_TRUE(success_);
     return {};
   }
 
-  const std::string formerpath = getenv("PATH");
-  test::CTemporaryFolder folder;
-  fs::path path;
-  Texts offered;
-  std::optional<std::string> answer = "lab";
-  CColumnTextFile file{[this](const Texts& printers) {
-    offered = printers;
-    return answer;
+  const std::string formerpath_ = getenv("PATH");
+  test::CTemporaryFolder folder_;
+  fs::path path_;
+  Texts offered_;
+  std::optional<std::string> answer_ = "lab";
+  CColumnTextFile file_{[this](const Texts& printers) {
+    offered_ = printers;
+    return answer_;
   }};
-  bool success = false;
-  CInterrupts interrupts;
+  bool success_ = false;
+  CInterrupts interrupts_;
 };
 
 TEST_F(SavedFile, RowsAreFilledUpByCharacters) {
-  file.SetHeader("\r\nModel: T312B\r\nChannel: 3");
-  file.Create(true, success);
+  file_.SetHeader("\r\nModel: T312B\r\nChannel: 3");
+  file_.Create(true, success_);
   SetFields({"Date", "Reading", "Label"});
-  file.WriteHeader(8, success);
+  file_.WriteHeader(8, success_);
   for (const Texts& row :
        {Texts{"", "25.00 °C", "Ω"}, {"a", "overlong °C", ""}, {"", "", "123456789"}}) {
     SetFields(row);
-    EXPECT_EQ(Error([&] { file.WriteRow(success); }), "");
+    EXPECT_EQ(Error([&] { file_.WriteRow(success_); }), "");
   }
-  EXPECT_EQ(Error([&] { file.Close(success); }), "");
-  EXPECT_EQ(FileText(path),
+  EXPECT_EQ(Error([&] { file_.Close(success_); }), "");
+  EXPECT_EQ(FileText(path_),
             "\nModel: T312B\nChannel: 3\n"
             "Date    Reading Label   \n"
             "        25.00 °CΩ       \n"
@@ -143,54 +143,54 @@ TEST_F(SavedFile, RowsAreFilledUpByCharacters) {
 }
 
 TEST_F(SavedFile, OlderFileStaysUntilClose) {
-  const auto mode = [&] { return static_cast<unsigned>(fs::status(path).permissions()); };
+  const auto mode = [&] { return static_cast<unsigned>(fs::status(path_).permissions()); };
   const mode_t mask = umask(027);
-  fs::create_symlink(folder / "linked", path);
-  file.Create(true, success);
-  file.Close(success);
+  fs::create_symlink(folder_ / "linked", path_);
+  file_.Create(true, success_);
+  file_.Close(success_);
   umask(mask);
-  EXPECT_TRUE(fs::is_symlink(path) && fs::is_regular_file(folder / "linked"));
+  EXPECT_TRUE(fs::is_symlink(path_) && fs::is_regular_file(folder_ / "linked"));
   EXPECT_EQ(mode(), 0640u);
 
-  fs::permissions(path, fs::perms(0604));
+  fs::permissions(path_, fs::perms(0604));
   for (const bool close : {false, true}) {
-    std::ofstream(path) << "old";
+    std::ofstream(path_) << "old";
     CColumnTextFile next;
-    next.SetFolder(file.Folder());
-    next.SetFileName(file.FileName());
-    next.Create(true, success);
-    for (int i = 0; i < 100000; ++i) next.WriteRow(success);
-    EXPECT_EQ(FileText(path), "old");
-    if (close) next.Close(success);
+    next.SetFolder(file_.Folder());
+    next.SetFileName(file_.FileName());
+    next.Create(true, success_);
+    for (int i = 0; i < 100000; ++i) next.WriteRow(success_);
+    EXPECT_EQ(FileText(path_), "old");
+    if (close) next.Close(success_);
   }
-  EXPECT_EQ(FileText(path), std::string(100000, '\n'));
+  EXPECT_EQ(FileText(path_), std::string(100000, '\n'));
   EXPECT_EQ(mode(), 0604u);
   EXPECT_TRUE(PathIsAlone());
 }
 
 TEST_F(SavedFile, WhatCannotBeMadeIsAnErrorThatNamesIt) {
-  std::ofstream(path) << "old";
-  const std::string in = folder.Path().string() + "/";
+  std::ofstream(path_) << "old";
+  const std::string in = folder_.Path().string() + "/";
   struct Row {
     std::string folder, name, reason;
     bool replace = true;
   };
   for (const Row& row :
        {Row{in + "none/", "a", "the folder '" + in + "none': No such file or directory"},
-        {path.string() + "/", "a", "the folder '" + path.string() + "': Not a directory"},
+        {path_.string() + "/", "a", "the folder '" + path_.string() + "': Not a directory"},
         {in, "out", "'" + in + "out': Is a directory"},
-        {file.Folder(), file.FileName(), "'" + path.string() + "': File exists", false}}) {
-    file.SetFolder(row.folder);
-    file.SetFileName(row.name);
-    EXPECT_THAT(Error([&] { file.Create(row.replace, success); }), EndsWith(row.reason));
-    EXPECT_THAT(Error([&] { file.WriteHeader(8, success); }), HasSubstr("not open"));
+        {file_.Folder(), file_.FileName(), "'" + path_.string() + "': File exists", false}}) {
+    file_.SetFolder(row.folder);
+    file_.SetFileName(row.name);
+    EXPECT_THAT(Error([&] { file_.Create(row.replace, success_); }), EndsWith(row.reason));
+    EXPECT_THAT(Error([&] { file_.WriteHeader(8, success_); }), HasSubstr("not open"));
   }
   EXPECT_TRUE(PathIsAlone());
-  EXPECT_EQ(FileText(path), "old");
+  EXPECT_EQ(FileText(path_), "old");
 }
 
 TEST_F(SavedFile, FullDiskIsAnErrorAndLeavesTheOlderFile) {
-  std::ofstream(path) << "old";
+  std::ofstream(path_) << "old";
   rlimit former{};
   getrlimit(RLIMIT_FSIZE, &former);
   signal(SIGXFSZ, SIG_IGN);
@@ -198,48 +198,48 @@ TEST_F(SavedFile, FullDiskIsAnErrorAndLeavesTheOlderFile) {
   setrlimit(RLIMIT_FSIZE, &small);
   Texts errors;
   for (const int rows : {8000, 4500}) {  // found by a row, and by the last rest
-    file.Create(true, success);
+    file_.Create(true, success_);
     errors.push_back(Error([&] {
-      for (int i = 0; i < rows; ++i) file.WriteRow(success);
-      if (rows < 5000) file.Close(success);
+      for (int i = 0; i < rows; ++i) file_.WriteRow(success_);
+      if (rows < 5000) file_.Close(success_);
     }));
     errors.push_back(PathIsAlone() ? "" : "something is left");
-    EXPECT_THAT(Error([&] { file.Close(success); }), HasSubstr("not open"));
+    EXPECT_THAT(Error([&] { file_.Close(success_); }), HasSubstr("not open"));
   }
   setrlimit(RLIMIT_FSIZE, &former);
   signal(SIGXFSZ, SIG_DFL);
-  const auto named = HasSubstr(path.string() + "': File too large");
+  const auto named = HasSubstr(path_.string() + "': File too large");
   EXPECT_THAT(errors, ElementsAre(named, "", named, ""));
-  EXPECT_EQ(FileText(path), "old");
+  EXPECT_EQ(FileText(path_), "old");
 }
 
 TEST_F(SavedFile, DeviceInThePlaceOfTheFileGetsTheRows) {
-  fs::create_symlink("/dev/full", path);
-  file.SetField(0, "row");
-  file.Create(true, success);
-  file.WriteRow(success);
-  EXPECT_THAT(Error([&] { file.Close(success); }), EndsWith("No space left on device"));
-  fs::remove(path);
-  fs::create_symlink("/proc/self/fd/" + std::to_string(host), path);
-  file.Create(true, success);
-  file.WriteRow(success);
-  file.Close(success);
+  fs::create_symlink("/dev/full", path_);
+  file_.SetField(0, "row");
+  file_.Create(true, success_);
+  file_.WriteRow(success_);
+  EXPECT_THAT(Error([&] { file_.Close(success_); }), EndsWith("No space left on device"));
+  fs::remove(path_);
+  fs::create_symlink("/proc/self/fd/" + std::to_string(host), path_);
+  file_.Create(true, success_);
+  file_.WriteRow(success_);
+  file_.Close(success_);
   EXPECT_EQ(Screen(), "row" + std::string(21, ' ') + "\n");
-  EXPECT_TRUE(PathIsAlone() && fs::is_symlink(path));
-  EXPECT_EQ(Error([&] { file.Print(false, success); }), "No file has been written.");
+  EXPECT_TRUE(PathIsAlone() && fs::is_symlink(path_));
+  EXPECT_EQ(Error([&] { file_.Print(false, success_); }), "No file has been written.");
 }
 
 TEST_F(SavedFile, ShowAndPrintHandThePathToAProgram) {
-  const auto print = [&](bool select) { return Error([&] { file.Print(select, success); }); };
+  const auto print = [&](bool select) { return Error([&] { file_.Print(select, success_); }); };
   const auto show = [&] {
-    return Error([&] { success = false, file.Show(true), success = true; });
+    return Error([&] { success_ = false, file_.Show(true), success_ = true; });
   };
   EXPECT_EQ(print(true), "No file has been written.");
   EXPECT_EQ(show(), "No file has been written.");
-  file.Create(true, success);
-  file.Close(success);
+  file_.Create(true, success_);
+  file_.Close(success_);
 
-  const std::string lpstat = "<lpstat><-a><lp>", named = "<" + path.string() + ">";
+  const std::string lpstat = "<lpstat><-a><lp>", named = "<" + path_.string() + ">";
   const std::string two =
       "printf 'office accepting\\n\\tidle\\nlab accepting\\nold not accepting\\n'";
   struct Row {
@@ -255,14 +255,14 @@ TEST_F(SavedFile, ShowAndPrintHandThePathToAProgram) {
     PutProgram("lpstat", row.printers);
     EXPECT_EQ(print(row.select), "");
     EXPECT_EQ(Calls(), row.calls);
-    EXPECT_EQ(offered, row.offered);
+    EXPECT_EQ(offered_, row.offered);
   }
-  answer.reset();
-  file.Print(true, success);
-  EXPECT_FALSE(success);
+  answer_.reset();
+  file_.Print(true, success_);
+  EXPECT_FALSE(success_);
   EXPECT_EQ(Calls(), "<lpstat><-a>");
   PutProgram("lp", "echo 'lp: no destination' >&2; exit 1");
-  EXPECT_THAT(print(false), EndsWith(path.string() + "': lp: no destination"));
+  EXPECT_THAT(print(false), EndsWith(path_.string() + "': lp: no destination"));
 
   Calls();
   PutProgram("xdg-open", "true");
@@ -270,14 +270,14 @@ TEST_F(SavedFile, ShowAndPrintHandThePathToAProgram) {
   EXPECT_EQ(Calls(), "<xdg-open>" + named);
   PutProgram("xdg-open", "exit 3");
   EXPECT_THAT(show(), EndsWith("xdg-open ended with code 3"));
-  fs::remove_all(folder / "bin");
+  fs::remove_all(folder_ / "bin");
   EXPECT_THAT(show(), HasSubstr("Cannot start 'xdg-open'"));
-  answer = "lab";
+  answer_ = "lab";
   EXPECT_THAT(print(true), HasSubstr("Cannot start 'lp'"));
 }
 
 TEST_F(SavedFile, FileDialogGivesThePathThatTheUserWants) {
-  const std::string in = file.Folder(), old = in + "old.txt";
+  const std::string in = file_.Folder(), old = in + "old.txt";
   std::ofstream(old) << "old";
   const std::string ask = "File [" + in + "download.txt]: ";
   const std::string exists = ask + "'" + old + "' exists. Replace it (y/n)? ";
@@ -287,13 +287,13 @@ TEST_F(SavedFile, FileDialogGivesThePathThatTheUserWants) {
   for (const Row& row :
        {Row{"\n", in + "download.txt", ask},
         {" my log \n", in + "my log.txt", ask},
-        {folder.Path().string() + "/a.dat\n", folder.Path().string() + "/a.dat", ask},
+        {folder_.Path().string() + "/a.dat\n", folder_.Path().string() + "/a.dat", ask},
         {"sub\n", in + "sub/download.txt", ask},
         {"no/a\nsub/a\n", in + "sub/a.txt", ask + "There is no folder '" + in + "no'.\n" + ask},
         {"old\nn\nold\n YES\n", old, exists + exists},
         {"old\n\x04", "", exists + "\nNo file: the input has ended.\n"},
         {"", "", ask + "\nNo file: interrupted.\n"}}) {
-    CTerminalFileDialog dialog(interrupts, host, host);
+    CTerminalFileDialog dialog(interrupts_, host, host);
     dialog.SetDefaultExt("txt");
     dialog.SetDialogTitle("Save As");
     dialog.SetFlags(0x280806);
@@ -301,7 +301,7 @@ TEST_F(SavedFile, FileDialogGivesThePathThatTheUserWants) {
     dialog.SetInitDir(in);
     if (row.screen.ends_with("interrupted.\n")) raise(SIGINT);
     Type(row.typed);
-    const std::string error = Error([&] { success = false, dialog.ShowSave(), success = true; });
+    const std::string error = Error([&] { success_ = false, dialog.ShowSave(), success_ = true; });
     EXPECT_EQ(error.empty() ? dialog.FileName() : "", row.path);
     EXPECT_EQ(Screen(), "Save As\n" + row.screen);
   }
@@ -310,7 +310,7 @@ TEST_F(SavedFile, FileDialogGivesThePathThatTheUserWants) {
 TEST_F(SavedFile, PrinterIsChosenByNumberOrName) {
   const auto choose = [&](const std::string& typed) {
     Type(typed);
-    return ChoosePrinter(interrupts, {"office", "lab"}, host, host).value_or("none");
+    return ChoosePrinter(interrupts_, {"office", "lab"}, host, host).value_or("none");
   };
   EXPECT_EQ(choose("2\n"), "lab");
   EXPECT_EQ(Screen(), "Printers\n  1  office\n  2  lab\nPrinter (none: don't print): ");
@@ -323,8 +323,8 @@ TEST_F(SavedFile, PrinterIsChosenByNumberOrName) {
 
 TEST_F(SavedFile, WithoutATerminalNothingIsAsked) {
   const int none = open("/dev/zero", O_RDONLY);
-  EXPECT_THROW(CTerminalFileDialog(interrupts, none, host).ShowSave(), LibraryError);
-  EXPECT_EQ(ChoosePrinter(interrupts, {"office", "lab"}, none, host), std::nullopt);
+  EXPECT_THROW(CTerminalFileDialog(interrupts_, none, host).ShowSave(), LibraryError);
+  EXPECT_EQ(ChoosePrinter(interrupts_, {"office", "lab"}, none, host), std::nullopt);
   EXPECT_THAT(Screen(), HasSubstr("No file: there is no terminal"));
   close(none);
 }

@@ -39,24 +39,24 @@ int InChild(Action action) {
 class OddFiles : public testing::Test {
  protected:
   OddFiles() {
-    EXPECT_EQ(mkfifo(fifo.c_str(), 0600), 0);
-    EXPECT_EQ(pipe(line), 0);
-    patience.meeting = patience.silence = 100ms;
+    EXPECT_EQ(mkfifo(fifo_.c_str(), 0600), 0);
+    EXPECT_EQ(pipe(line_), 0);
+    patience_.meeting = patience_.silence = 100ms;
   }
   ~OddFiles() override {
-    for (const int fd : line) close(fd);
+    for (const int fd : line_) close(fd);
   }
 
   std::string Read(const fs::path& path) const {
     try {
-      return ReadWholeFile(path, 100'000, patience);
+      return ReadWholeFile(path, 100'000, patience_);
     } catch (const std::runtime_error& error) {
       return error.what();
     }
   }
   std::string Write(const fs::path& path, const std::string& text) const {
     try {
-      WriteWholeFile(path, text, 0600, patience);
+      WriteWholeFile(path, text, 0600, patience_);
       return "";
     } catch (const std::runtime_error& error) {
       return error.what();
@@ -64,77 +64,77 @@ class OddFiles : public testing::Test {
   }
   static std::string NameOf(int fd) { return "/proc/self/fd/" + std::to_string(fd); }
 
-  test::CTemporaryFolder folder;
-  const fs::path fifo = folder / "fifo";
-  int line[2] = {-1, -1};
-  Patience patience;
+  test::CTemporaryFolder folder_;
+  const fs::path fifo_ = folder_ / "fifo";
+  int line_[2] = {-1, -1};
+  Patience patience_;
 };
 
 TEST_F(OddFiles, ReadingEndsWithATextOrAReason) {
-  std::ofstream(folder / "full") << std::string(100'000, 'x');
-  std::ofstream(folder / "over") << std::string(100'001, 'x');
-  EXPECT_EQ(Read(folder / "full").size(), 100'000u);
+  std::ofstream(folder_ / "full") << std::string(100'000, 'x');
+  std::ofstream(folder_ / "over") << std::string(100'001, 'x');
+  EXPECT_EQ(Read(folder_ / "full").size(), 100'000u);
   const std::pair<fs::path, const char*> rows[] = {
-      {folder / "over", "over': it holds more than 100000 bytes"},
+      {folder_ / "over", "over': it holds more than 100000 bytes"},
       {"/dev/zero", "it holds more than 100000 bytes"},
-      {folder.Path(), "Is a directory"},
-      {folder / "none", "none': No such file or directory"},
-      {fifo, "fifo': nobody has opened the pipe to write to it for 1 second"},
-      {NameOf(line[0]), "nothing has come for 1 second"}};
+      {folder_.Path(), "Is a directory"},
+      {folder_ / "none", "none': No such file or directory"},
+      {fifo_, "fifo': nobody has opened the pipe to write to it for 1 second"},
+      {NameOf(line_[0]), "nothing has come for 1 second"}};
   for (const auto& [path, reason] : rows) EXPECT_THAT(Read(path), EndsWith(reason));
 
-  patience.meeting = patience.silence = 20s;
+  patience_.meeting = patience_.silence = 20s;
   const std::string piped(70'000, 'p');  // more than a pipe holds
   std::jthread writer([&] {
     std::this_thread::sleep_for(20ms);
-    std::ofstream(fifo) << piped;
+    std::ofstream(fifo_) << piped;
   });
-  EXPECT_EQ(Read(fifo), piped);
-  close(std::exchange(line[1], -1));
-  EXPECT_EQ(Read(NameOf(line[0])), "") << "its writer is done";
+  EXPECT_EQ(Read(fifo_), piped);
+  close(std::exchange(line_[1], -1));
+  EXPECT_EQ(Read(NameOf(line_[0])), "") << "its writer is done";
 }
 
 TEST_F(OddFiles, WhatIsNoRegularFileIsWrittenAndStaysWhatItIs) {
-  const fs::path link = folder / "link";
+  const fs::path link = folder_ / "link";
   fs::create_symlink("/dev/null", link);
   EXPECT_EQ(Write(link, "lost"), "");
   EXPECT_TRUE(fs::is_symlink(link) && fs::is_character_file("/dev/null"));
   EXPECT_THAT(Write("/dev/full", "text"), EndsWith("No space left on device"));
-  EXPECT_THAT(Write(folder.Path(), "text"), EndsWith("Is a directory"));
-  EXPECT_THAT(Write(folder / "none/file", "text"),
-              HasSubstr("the folder '" + (folder / "none").string()));
-  EXPECT_THAT(Write(fifo, "text"), HasSubstr("nobody has opened the pipe to read it"));
+  EXPECT_THAT(Write(folder_.Path(), "text"), EndsWith("Is a directory"));
+  EXPECT_THAT(Write(folder_ / "none/file", "text"),
+              HasSubstr("the folder '" + (folder_ / "none").string()));
+  EXPECT_THAT(Write(fifo_, "text"), HasSubstr("nobody has opened the pipe to read it"));
 
   const std::string text(200'000, 't');
   std::string got;
-  std::jthread reader([&] { got = FileText(fifo); });
-  EXPECT_EQ(Write(fifo, text), "");
+  std::jthread reader([&] { got = FileText(fifo_); });
+  EXPECT_EQ(Write(fifo_, text), "");
   reader.join();
   EXPECT_EQ(got, text);
 
   // What the process has written to its open file before isn't lost with a new one.
-  const int opened = open((folder / "out").c_str(), O_WRONLY | O_CREAT, 0600);
+  const int opened = open((folder_ / "out").c_str(), O_WRONLY | O_CREAT, 0600);
   EXPECT_EQ(write(opened, "one,", 4), 4);
   fs::remove(link);
   fs::create_symlink(NameOf(opened), link);
   EXPECT_EQ(Write(link, "two,"), "");
   EXPECT_EQ(write(opened, "three", 5), 5);
   close(opened);
-  EXPECT_EQ(FileText(folder / "out"), "one,two,three");
+  EXPECT_EQ(FileText(folder_ / "out"), "one,two,three");
 }
 
 TEST_F(OddFiles, InterruptEndsEachWait) {
-  patience = {};
+  patience_ = {};
   int asked = 0;
-  patience.interrupted = [&asked] { return ++asked % 3 == 0; };
-  EXPECT_THAT(Read(fifo), EndsWith("interrupted"));
-  EXPECT_THAT(Write(fifo, "text"), EndsWith("interrupted"));
-  EXPECT_THAT(Write(NameOf(line[1]), std::string(200'000, 'x')), EndsWith("interrupted"))
+  patience_.interrupted = [&asked] { return ++asked % 3 == 0; };
+  EXPECT_THAT(Read(fifo_), EndsWith("interrupted"));
+  EXPECT_THAT(Write(fifo_, "text"), EndsWith("interrupted"));
+  EXPECT_THAT(Write(NameOf(line_[1]), std::string(200'000, 'x')), EndsWith("interrupted"))
       << "a pipe in blocking mode that nobody empties";
 }
 
 TEST_F(OddFiles, NothingIsLeftOfAFileThatDidNotBecomeWhole) {
-  const fs::path target = folder / "target";
+  const fs::path target = folder_ / "target";
   std::ofstream(target) << "old";
   const auto begin = [&](std::size_t size) {
     CReplacingFile file(target);
@@ -151,7 +151,7 @@ TEST_F(OddFiles, NothingIsLeftOfAFileThatDidNotBecomeWhole) {
   });
   EXPECT_EQ(status, 0);
   EXPECT_EQ(FileText(target), "old");
-  EXPECT_EQ(std::distance(fs::directory_iterator(folder.Path()), {}), 2);
+  EXPECT_EQ(std::distance(fs::directory_iterator(folder_.Path()), {}), 2);
 }
 
 TEST_F(OddFiles, ClosedStandardDescriptorsAreFilledBeforeAnythingElseIsOpened) {

@@ -15,8 +15,8 @@ constexpr std::array<int, 3> kSignals = {SIGINT, SIGTERM, SIGHUP};
 constexpr int kPatience = 3;
 
 // All that the signal handler may touch.
-std::atomic<int> interrupts{0};
-std::atomic<int> pipeend{-1};
+std::atomic<int> g_interrupts{0};
+std::atomic<int> g_pipeend{-1};
 static_assert(std::atomic<int>::is_always_lock_free);
 
 void UseDefault(int signal) {
@@ -28,23 +28,23 @@ void UseDefault(int signal) {
 
 void OnSignal(int) {
   const int error = errno;
-  if (++interrupts >= kPatience) {
+  if (++g_interrupts >= kPatience) {
     for (const int signal : kSignals) UseDefault(signal);
   }
   // A full pipe has woken the reader already.
-  [[maybe_unused]] const ssize_t written = ::write(pipeend, "!", 1);
+  [[maybe_unused]] const ssize_t written = ::write(g_pipeend, "!", 1);
   errno = error;
 }
 
 }  // namespace
 
 CInterrupts::CInterrupts() {
-  if (pipeend >= 0) throw std::logic_error("Interrupts are already being handled.");
+  if (g_pipeend >= 0) throw std::logic_error("Interrupts are already being handled.");
   if (::pipe2(pipe_.data(), O_CLOEXEC | O_NONBLOCK) != 0) {
     throw std::system_error(errno, std::generic_category(), "Cannot make a pipe for interrupts");
   }
-  interrupts = 0;
-  pipeend = pipe_[1];
+  g_interrupts = 0;
+  g_pipeend = pipe_[1];
   // Without SA_RESTART: a call that waits is how a program hangs.
   struct sigaction action {};
   action.sa_handler = OnSignal;
@@ -58,11 +58,11 @@ CInterrupts::~CInterrupts() {
   for (std::size_t i = 0; i < kSignals.size(); ++i) {
     ::sigaction(kSignals[i], &former_[i], nullptr);
   }
-  pipeend = -1;
+  g_pipeend = -1;
   for (const int end : pipe_) ::close(end);
 }
 
-bool CInterrupts::Pending() const { return interrupts > 0; }
+bool CInterrupts::Pending() const { return g_interrupts > 0; }
 
 int CInterrupts::TakeArrivals() {
   int arrivals = 0;

@@ -222,7 +222,7 @@ TEST_F(SettingsWrite, NumbersCarryADotUnderADecimalCommaAndNothingThatIsNoNumber
 
 TEST_F(SettingsWrite, TheClockFollowsTheUsersClock) {
   using namespace std::chrono;
-  constexpr auto day = local_days{2026y / February / 3};
+  constexpr auto kDay = local_days{2026y / February / 3};
   const struct {
     seconds time;
     const char* users;
@@ -239,8 +239,8 @@ TEST_F(SettingsWrite, TheClockFollowsTheUsersClock) {
     for (const bool stored : {false, true}) {
       Reset();
       host_.platform.longtime = row.users;
-      host_.platform.now = stored ? local_seconds{} : local_seconds{day + row.time};
-      it_.SetSystemClock(stored ? DateOf(day + row.time) : 0);
+      host_.platform.now = stored ? local_seconds{} : local_seconds{kDay + row.time};
+      it_.SetSystemClock(stored ? DateOf(kDay + row.time) : 0);
       EXPECT_TRUE(it_.UpdateSystemClock(nullptr));
       EXPECT_EQ(host_.log.Text(),
                 std::string("write 288 value=02-03-2026\nwrite 290 value=") + row.sent + "\n");

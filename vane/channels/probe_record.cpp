@@ -11,7 +11,7 @@ namespace {
 
 using Channel = CVaneT312BPRTTHRMChannel;
 
-constexpr WordRow<ET312BProbeRefResistor> kRefResistors[] = {
+constexpr WordRow<ET312BProbeRefResistor> kResistorWords[] = {
     {"EXT", "EXT", ET312BProbeRefResistor::PRR_EXTERNAL},
     {"10 KOHM", "10K", ET312BProbeRefResistor::PRR_10K_OHM},
     {"100 OHM", "100", ET312BProbeRefResistor::PRR_100_OHM},
@@ -20,7 +20,7 @@ constexpr WordRow<ET312BProbeRefResistor> kRefResistors[] = {
 };
 
 // The reply for R(T) also holds the mark of a resistance.
-constexpr WordRow<EVaneConversionType> kConversionTypes[] = {
+constexpr WordRow<EVaneConversionType> kConversionWords[] = {
     {"ITS-90", "90", EVaneConversionType::CONV_ITS90},
     {"IPTS-68", "68", EVaneConversionType::CONV_IPTS68},
     {"CVD", "CVD", EVaneConversionType::CONV_CVD},
@@ -50,10 +50,10 @@ constexpr ProbeRow kRefResistor{
     ECommand::READ_REF_RESISTOR,
     [](Channel& channel, const std::string& reply) {
       channel.SetProbeRefResistor(
-          ValueOf<ET312BProbeRefResistor>(reply, kRefResistors, ET312BProbeRefResistor::PRR_NONE));
+          ValueOf<ET312BProbeRefResistor>(reply, kResistorWords, ET312BProbeRefResistor::PRR_NONE));
     },
     [](const Channel& channel) {
-      return CodeOf<ET312BProbeRefResistor>(channel.ProbeRefResistor(), kRefResistors);
+      return CodeOf<ET312BProbeRefResistor>(channel.ProbeRefResistor(), kResistorWords);
     },
 };
 
@@ -91,10 +91,10 @@ constexpr ProbeRow kConversionType{
     ECommand::READ_CONVERSION_TYPE,
     [](Channel& channel, const std::string& reply) {
       channel.SetConversionType(
-          ValueOf<EVaneConversionType>(reply, kConversionTypes, EVaneConversionType::CONV_NONE));
+          ValueOf<EVaneConversionType>(reply, kConversionWords, EVaneConversionType::CONV_NONE));
     },
     [](const Channel& channel) {
-      return CodeOf<EVaneConversionType>(channel.Probe()->ConversionType(), kConversionTypes);
+      return CodeOf<EVaneConversionType>(channel.Probe()->ConversionType(), kConversionWords);
     },
 };
 

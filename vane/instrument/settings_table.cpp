@@ -6,19 +6,19 @@
 namespace vane {
 namespace {
 
-constexpr WordRow<ET312BFilterType> kFilterTypes[] = {
+constexpr WordRow<ET312BFilterType> kFilterWords[] = {
     {"NONE", "n", ET312BFilterType::FT_NONE},
     {"AVERAGE", "a", ET312BFilterType::FT_AVERAGE},
     {"EXP", "e", ET312BFilterType::FT_EXPONENTIAL},
 };
 
-constexpr WordRow<ET312BSampleAction> kSampleActions[] = {
+constexpr WordRow<ET312BSampleAction> kActionWords[] = {
     {"R", "R", ET312BSampleAction::SA_RUN},
     {"ST", "ST", ET312BSampleAction::SA_STOP},
     {"SAMPLE N", "SN", ET312BSampleAction::SA_SAMPLE_N},
 };
 
-constexpr WordRow<ET312BOven> kOvens[] = {
+constexpr WordRow<ET312BOven> kOvenWords[] = {
     {"ON", "ON", ET312BOven::OVEN_ON},
     {"OFF", "OFF", ET312BOven::OVEN_OFF},
 };
@@ -50,7 +50,7 @@ std::string TitleOf(const SettingRow& row) {
 
 bool StoreFilterType(CVaneT312B& instrument, const std::string& reply) {
   instrument.SetFilterType(
-      ValueOf<ET312BFilterType>(reply, kFilterTypes, ET312BFilterType::FT_NONE));
+      ValueOf<ET312BFilterType>(reply, kFilterWords, ET312BFilterType::FT_NONE));
   return true;
 }
 
@@ -68,12 +68,12 @@ bool StoreScannerScanMode(CVaneT312B& instrument, const std::string& reply) {
 
 bool StoreSampleAction(CVaneT312B& instrument, const std::string& reply) {
   instrument.SetSampleAction(
-      ValueOf<ET312BSampleAction>(reply, kSampleActions, ET312BSampleAction::SA_STOP));
+      ValueOf<ET312BSampleAction>(reply, kActionWords, ET312BSampleAction::SA_STOP));
   return true;
 }
 
 bool StoreOven(CVaneT312B& instrument, const std::string& reply) {
-  instrument.SetOven(ValueOf<ET312BOven>(UpperCase(reply), kOvens, ET312BOven::OVEN_OFF));
+  instrument.SetOven(ValueOf<ET312BOven>(UpperCase(reply), kOvenWords, ET312BOven::OVEN_OFF));
   return true;
 }
 
@@ -83,11 +83,11 @@ bool StoreUnits(CVaneT312B& instrument, const std::string& reply) {
 }
 
 std::string FilterTypeCode(const CVaneT312B& instrument) {
-  return CodeOf<ET312BFilterType>(instrument.FilterType(), kFilterTypes);
+  return CodeOf<ET312BFilterType>(instrument.FilterType(), kFilterWords);
 }
 
 std::string SampleActionCode(const CVaneT312B& instrument) {
-  return CodeOf<ET312BSampleAction>(instrument.SampleAction(), kSampleActions);
+  return CodeOf<ET312BSampleAction>(instrument.SampleAction(), kActionWords);
 }
 
 std::string OvenCode(const CVaneT312B& instrument) {

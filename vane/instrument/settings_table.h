@@ -98,8 +98,9 @@ bool StoreCalParam(CVaneT312B& instrument, const std::string& reply) {
 
 template <std::int32_t Index>
 std::string CalParamText(const CVaneT312B& instrument) {
-  constexpr auto cp = static_cast<ET312BCalParams>(Index);
-  return ToDotDecimal(FormatNumber(instrument.CalParams(cp), instrument.CalParamsFormat(cp)));
+  constexpr auto kParam = static_cast<ET312BCalParams>(Index);
+  return ToDotDecimal(
+      FormatNumber(instrument.CalParams(kParam), instrument.CalParamsFormat(kParam)));
 }
 
 inline std::string ADCText(const CVaneT312B& instrument) {

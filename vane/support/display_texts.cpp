@@ -23,7 +23,7 @@ std::string TextOf(std::span<const CodeText> rows, std::int32_t first, std::int3
   return row.id != EText::NO_TEXT ? ResourceText(row.id) : std::string(row.text);
 }
 
-constexpr CodeText kUnits[] = {
+constexpr CodeText kUnitTexts[] = {
     {"", EText::KEEP_EXISTING},
     {"°C"},
     {"°F"},
@@ -38,7 +38,7 @@ constexpr CodeText kUnits[] = {
     {"W"},
 };
 
-constexpr CodeText kConversionTypes[] = {
+constexpr CodeText kConversionTypeTexts[] = {
     {"", EText::KEEP_EXISTING},
     {"ITS-90"},
     {"IPTS-68"},
@@ -73,9 +73,9 @@ std::string TextInRow(Enum code, Enum first, Enum last, EText firsttext) {
 
 }  // namespace
 
-std::string UnitsText(std::int16_t code) { return TextOf(kUnits, -1, code); }
+std::string UnitsText(std::int16_t code) { return TextOf(kUnitTexts, -1, code); }
 
-std::string ConversionTypeText(std::int32_t code) { return TextOf(kConversionTypes, -1, code); }
+std::string ConversionTypeText(std::int32_t code) { return TextOf(kConversionTypeTexts, -1, code); }
 
 std::string FilterTypeText(ET312BFilterType code) {
   using enum ET312BFilterType;
