@@ -310,9 +310,11 @@ class CVaneT312B {
   /// instrument first and writes what the user applies. False when he leaves by Cancel, also behind
   /// an Apply; true by OK, whether or not anything was written. What was read stays in this copy.
   bool Edit();
+
   /// `Edit` of the channel with that instrument channel number; false when no module has it. Below
   /// 1 and above the owner's last channel, `ERR_INVALID_CHANNEL`.
   bool EditChannel(std::int16_t chnidx);
+
   /// Shows the dialog in which the user chooses what of a log to download, as often as he likes.
   /// True when he has closed it, whatever has become of the downloads.
   bool DownloadLoggedData();
