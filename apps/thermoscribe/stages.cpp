@@ -5,10 +5,12 @@
 namespace vane::thermoscribe {
 namespace {
 
-std::string Names(const std::vector<Stage>& stages, std::size_t first, std::size_t last) {
-  std::string text;
-  for (std::size_t i = first; i < last; ++i) Append(text, ", ", stages[i].name);
-  return text.empty() ? "nothing" : text;
+// Adds a sentence on the stages from `first` to `last`, where there are any.
+void AddPart(std::string& account, const char* title, const std::vector<Stage>& stages,
+             std::size_t first, std::size_t last) {
+  std::string names;
+  for (std::size_t i = first; i < last; ++i) Append(names, ", ", stages[i].name);
+  if (!names.empty()) Append(account, " ", title + names + ".");
 }
 
 }  // namespace
@@ -37,10 +39,13 @@ EExitCode RunStages(CHost& host, const std::vector<Stage>& stages, const std::st
     }
   }
   if (code == EExitCode::DONE) return code;
-  host.Say((code == EExitCode::ABORTED ? "Aborted. Written: " : "Written: ") +
-           Names(stages, 0, written) + ". Written in part at most: " +
-           Names(stages, written, begun) + ". Not written: " + Names(stages, begun, stages.size()) +
-           "." + (advice.empty() ? "" : " " + advice));
+  if (begun == 0) return NothingWritten(host, code);
+  std::string account = code == EExitCode::ABORTED ? "Aborted." : "";
+  AddPart(account, "Written: ", stages, 0, written);
+  AddPart(account, "Written in part at most: ", stages, written, begun);
+  AddPart(account, "Not written: ", stages, begun, stages.size());
+  if (!advice.empty()) Append(account, " ", advice);
+  host.Say(account);
   return code;
 }
 
