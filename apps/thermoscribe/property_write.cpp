@@ -13,9 +13,9 @@ namespace vane::thermoscribe {
 namespace {
 
 // What can only be judged once the instrument is known. Empty: nothing is wrong.
-std::string ProblemOf(const PropertyValue& assignment, const CVaneT312B& instrument) {
+std::string ProblemOf(const PropertyValue& assignment, const std::string& name,
+                      const CVaneT312B& instrument) {
   const auto& [row, value] = assignment;
-  const std::string name(row->name);
   if (NeedsScanner(*row, value) && !instrument.HasScanners()) {
     return name + " can't be " + TextOf(value) + ": no scanner is attached.";
   }
@@ -105,11 +105,14 @@ bool WriteAllSettings(CHost& host, const std::vector<PropertyValue>& values) {
   return instrument.UpdateInfo(host.ProgressWindow());
 }
 
-EExitCode WriteSettings(CHost& host, const std::vector<PropertyValue>& assignments, bool dryrun) {
+EExitCode WriteSettings(CHost& host, const std::vector<PropertyValue>& assignments, bool dryrun,
+                        std::string (*label)(const PropertyRow& row)) {
   if (const EExitCode code = ReadBeforeWriting(host); code != EExitCode::DONE) return code;
   CVaneT312B& instrument = host.Instrument();
   for (const PropertyValue& assignment : assignments) {
-    if (std::string problem = ProblemOf(assignment, instrument); !problem.empty()) {
+    const PropertyRow& row = *assignment.row;
+    const std::string name = label != nullptr ? label(row) : std::string(row.name);
+    if (const std::string problem = ProblemOf(assignment, name, instrument); !problem.empty()) {
       host.Say(problem);
       return NothingWritten(host, EExitCode::USAGE);
     }

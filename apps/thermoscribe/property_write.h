@@ -35,6 +35,8 @@ bool WriteAllSettings(CHost& host, const std::vector<PropertyValue>& values);
 /// Reads all settings, asks for the passcode where it takes one, writes the assignments, reads all
 /// settings again, and shows what has changed. A value that did not arrive is told, and so is one
 /// that has changed and should not have. Nothing is written unless everything was read well.
-EExitCode WriteSettings(CHost& host, const std::vector<PropertyValue>& assignments, bool dryrun);
+/// `label` gives what the user has called a property; null where that is its name.
+EExitCode WriteSettings(CHost& host, const std::vector<PropertyValue>& assignments, bool dryrun,
+                        std::string (*label)(const PropertyRow& row) = nullptr);
 
 }  // namespace vane::thermoscribe

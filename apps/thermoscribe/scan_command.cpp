@@ -1,5 +1,6 @@
 // thermoscribe scan: what the readout measures and how it walks its channels.
 
+#include <algorithm>
 #include <cstdint>
 #include <memory>
 #include <sstream>
@@ -69,7 +70,7 @@ EExitCode RunScanShow(CHost& host) {
 // An option stands for a property.
 struct ScanOption {
   const char* option;
-  const char* property;
+  std::string_view property;
   const char* text;
   std::string brief;
 };
@@ -86,6 +87,10 @@ const ScanOption kScanOptions[] = {
      "the user-defined sequence: channels of the instrument\nfrom " + std::to_string(kNumInputs) +
          " on, such as 2,3,5"},
 };
+
+std::string OptionOf(const PropertyRow& property) {
+  return std::ranges::find(kScanOptions, property.name, &ScanOption::property)->option;
+}
 
 Command ScanSetCommand() {
   struct Options {
@@ -106,7 +111,7 @@ Examples:
   thermoscribe scan set --scanner-mode "User-defined scanner sequence" --sequence 2,3,5)",
       .body =
           [options](CHost& host) {
-            return WriteSettings(host, options->assignments, options->dryrun);
+            return WriteSettings(host, options->assignments, options->dryrun, OptionOf);
           },
       .needsoption = true};
   for (const ScanOption& row : kScanOptions) {
