@@ -2,6 +2,7 @@
 
 #include <pthread.h>
 
+#include <cerrno>
 #include <csignal>
 #include <exception>
 #include <iostream>
@@ -19,9 +20,16 @@ int Fail(const std::exception& error, int status) {
   return status;
 }
 
+constexpr int kReaderGone = 141;  // as a shell has it of a program that such a pipe has ended
+
+struct ReaderGone {};
+
 // A text that nobody gets is a failure.
 void Print(const std::string& text) {
-  if (!(std::cout << text << std::flush)) throw std::runtime_error("the output can't be written");
+  errno = 0;
+  if (std::cout << text << std::flush) return;
+  if (errno == EPIPE) throw ReaderGone();
+  throw std::runtime_error("the output can't be written");
 }
 
 // What ends the program. Under nohup a hang-up doesn't: in a blocked set even an ignored signal
@@ -68,6 +76,8 @@ int main(int argc, char** argv) {
     line.Start();
     int signal = 0;
     sigwait(&signals, &signal);
+  } catch (const ReaderGone&) {
+    return kReaderGone;
   } catch (const std::runtime_error& error) {
     return Fail(error, 1);
   }
