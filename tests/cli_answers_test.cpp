@@ -5,7 +5,6 @@
 
 #include <cmath>
 #include <fstream>
-#include <nlohmann/json.hpp>
 #include <string>
 #include <thread>
 #include <vector>
@@ -23,7 +22,9 @@ using testing::StartsWith;
 
 std::vector<int> ChannelsOf(const Outcome& outcome) {
   std::vector<int> channels;
-  for (const json& reading : JsonLines(outcome.out)) channels.push_back(reading["channel"]);
+  for (const Answer& reading : JsonLines(outcome.out)) {
+    channels.push_back(static_cast<int>(reading["channel"].Number()));
+  }
   return channels;
 }
 
@@ -77,7 +78,7 @@ TEST_F(Cli, AReadingBetweenTwoUnitsIsTakenAgain) {
   for (const auto& c : cases) {
     StartSimulator(c.faults);
     std::filesystem::remove(TraceFile());
-    const std::vector<json> readings = JsonLines(Ask("measure --json").out);
+    const std::vector<Answer> readings = JsonLines(Ask("measure --json").out);
     ASSERT_EQ(readings.size(), 1u) << c.faults;
     EXPECT_EQ(readings[0]["unit"], c.unit) << c.faults;
     int taken = 0;
@@ -146,6 +147,9 @@ TEST_F(Cli, EndsQuietlyWhenNobodyReadsTheAnswer) {
         InShell("exec 3> >(true); wait $!; \"$T\" " + command + " >&3; echo $? >&2");
     EXPECT_EQ(outcome.err, "141\n") << command;
   }
+  EXPECT_EQ(
+      InShell("exec 3> >(true); wait $!; " THERMOSCRIBE_SIM_PATH " --help >&3; echo $? >&2").err,
+      "141\n");
   EXPECT_THAT(InShell("\"$T\" --help > /dev/full").err, HasSubstr("No space left"));
 }
 

@@ -17,7 +17,6 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <nlohmann/json.hpp>
 #include <string>
 #include <thread>
 #include <vector>
@@ -90,20 +89,20 @@ TEST_F(Cli, GivesAReadingWithAllTheDigitsOfTheLine) {
     SCOPED_TRACE(channel);
     const Outcome outcome = Ask("measure --json --channel " + channel);
     EXPECT_EQ(outcome.exitcode, 0);
-    const json object = json::parse(outcome.out);
+    const Answer object = ParsedJson(outcome.out);
     EXPECT_EQ(object["channel"], std::stoi(channel));
     EXPECT_THAT(LastNumber(), Not(IsEmpty()));
-    EXPECT_EQ(object["reading"].get<double>(), std::stod(LastNumber()));
-    EXPECT_THAT(object["time"].get<std::string>(),
+    EXPECT_EQ(object["reading"].Number(), std::stod(LastNumber()));
+    EXPECT_THAT(object["time"].Text(),
                 testing::MatchesRegex(
                     "[0-9]{4}-[0-9]{2}-[0-9]{2}T[0-9:]{8}\\.[0-9]{3}[+-][0-9]{2}:[0-9]{2}"));
     const Outcome text = Ask("measure --channel " + channel);
     const std::string line = Lines(text.out).at(0);
     EXPECT_EQ(line.substr(line.rfind(' ') + 1), LastNumber());
-    EXPECT_THAT(line, HasSubstr("  " + object["name"].get<std::string>() + " "));
+    EXPECT_THAT(line, HasSubstr("  " + object["name"].Text() + " "));
   }
   // Input 1 carries the scanner.
-  EXPECT_EQ(json::parse(Ask("measure --json").out)["channel"], 2);
+  EXPECT_EQ(ParsedJson(Ask("measure --json").out)["channel"], 2);
 }
 
 TEST_F(Cli, SwitchesMeasuringOffAndOn) {
@@ -153,10 +152,10 @@ TEST_F(Cli, RecoversFromASingleDamageOnTheLine) {
     StartSimulator("--fault at=7:" + fault);
     const Outcome outcome = Ask("measure --channel 3 --count 3 --json");
     EXPECT_EQ(outcome.exitcode, 0) << outcome.err;
-    const std::vector<json> readings = JsonLines(outcome.out);
+    const std::vector<Answer> readings = JsonLines(outcome.out);
     ASSERT_EQ(readings.size(), 3u);
-    EXPECT_EQ(readings[2]["reading"].get<double>(), std::stod(LastNumber()));
-    EXPECT_NEAR(readings[0]["reading"], readings[2]["reading"], 0.1);
+    EXPECT_EQ(readings[2]["reading"].Number(), std::stod(LastNumber()));
+    EXPECT_NEAR(readings[0]["reading"].Number(), readings[2]["reading"].Number(), 0.1);
   }
 }
 
@@ -166,8 +165,8 @@ TEST_F(Cli, TakesNoLateAnswerForTheAnswerToTheNextCommand) {
   const Outcome outcome = Ask("measure --channel 2 --json");
   EXPECT_EQ(outcome.exitcode, 0) << outcome.err;
   EXPECT_THAT(Trace(), HasSubstr("late answer, skipped"));
-  const double reading = json::parse(outcome.out)["reading"];
-  const double again = json::parse(Ask("measure --channel 2 --json").out)["reading"];
+  const double reading = ParsedJson(outcome.out)["reading"].Number();
+  const double again = ParsedJson(Ask("measure --channel 2 --json").out)["reading"].Number();
   EXPECT_NEAR(reading, again, 0.1);
 }
 
@@ -224,25 +223,25 @@ TEST_F(Cli, ReadsEveryProbeOfTheReadoutWhole) {
     const Outcome outcome = Ask("probe --json " + number);
     EXPECT_EQ(outcome.exitcode, 0);
     EXPECT_THAT(outcome.err, IsEmpty());
-    const auto record = nlohmann::ordered_json::parse(outcome.out);
+    const Answer record = ParsedJson(outcome.out);
     EXPECT_EQ(record["probe"], c.probe);
     EXPECT_EQ(record["conversion"], c.conversion);
     std::vector<std::string> names;
-    for (const auto& [name, value] : record["coefficients"].items()) {
+    for (const auto& [name, value] : record["coefficients"].Items()) {
       names.push_back(name);
       // The number is the one that stood on the line, digit for digit of its 64 bits.
-      EXPECT_TRUE(AnswersHold(value.get<double>())) << name;
+      EXPECT_TRUE(AnswersHold(value.Number())) << name;
     }
     EXPECT_EQ(names, c.names);
     const std::string text = Ask("probe " + number).out;
     for (const std::string& name : c.names) EXPECT_THAT(text, HasSubstr("\n  " + name + " "));
   }
-  const json channel = json::parse(Ask("channel 3 --json").out);
+  const Answer channel = ParsedJson(Ask("channel 3 --json").out);
   EXPECT_EQ(channel["name"], "Scanner 1");
   EXPECT_EQ(channel["probe"], 3);
   EXPECT_EQ(channel["serial"], "CAP-1881");
   EXPECT_EQ(channel["lowrange"], 1);
-  EXPECT_EQ(json::parse(Ask("probe 9 --json").out)["scale"], nullptr);
+  EXPECT_EQ(ParsedJson(Ask("probe 9 --json").out)["scale"], Answer());
   EXPECT_EQ(Ask("channel 13").exitcode, 2);
   EXPECT_EQ(Ask("probe 17").exitcode, 2);
   StartSimulator("--no-scanner");
@@ -289,7 +288,7 @@ TEST_F(Cli, ShowsEverySettingAsTheReadoutHasIt) {
   const struct {
     std::string command;
     std::string property;
-    json value;
+    Answer value;
   } cases[] = {{"FILTER:TYPE e", "FilterType", "Exponential"},
                {"FILTER:RESPONSE 3.5", "FilterRespTime", 3.5},
                {"FILTER:THRESHOLD 0.0125", "FilterThreshold", 0.0125},
@@ -322,15 +321,16 @@ TEST_F(Cli, ShowsEverySettingAsTheReadoutHasIt) {
     for (const auto& c : cases) {
       if (isthere(c)) Tell(c.command);
     }
-    const json settings = json::parse(Ask("settings show --json").out);
+    const Answer settings = ParsedJson(Ask("settings show --json").out);
     for (const auto& c : cases) {
-      EXPECT_EQ(settings[c.property], isthere(c) ? c.value : json()) << c.property;
+      EXPECT_EQ(settings[c.property], isthere(c) ? c.value : Answer()) << c.property;
     }
-    const json scan = json::parse(Ask("scan show --json").out);
+    const Answer scan = ParsedJson(Ask("scan show --json").out);
     for (const std::string name : {"ChannelMode", "ScannerScanMode", "ScanChannel"}) {
       EXPECT_EQ(scan[name], settings[name]) << name;
     }
-    EXPECT_EQ(scan["sequence"].size(), scanner ? 2u : 0u);
+    const Answer steps = scan["sequence"];
+    EXPECT_EQ(steps.IsNone() ? 0u : steps.Elements().size(), scanner ? 2u : 0u);
     EXPECT_EQ(
         Ask("scan show").out.find("  Step 1                12  Scanner 10\n") != std::string::npos,
         scanner);
@@ -428,14 +428,14 @@ TEST_F(Cli, EndsAtOnceOnCtrlCWithEveryFinishedReadingPrinted) {
   for (const auto& c : cases) {
     SCOPED_TRACE(c.command);
     CProcess program(THERMOSCRIBE_PATH, OnPort(c.command, Port()));
-    EXPECT_TRUE(json::parse(program.ReadLine()).contains("reading"));
+    EXPECT_TRUE(ParsedJson(program.ReadLine())["reading"].IsNumber());
     const auto pressed = std::chrono::steady_clock::now();
     program.Signal(SIGINT);
     const Outcome outcome = program.Wait();
     EXPECT_LT(std::chrono::steady_clock::now() - pressed, std::chrono::seconds(1));
     EXPECT_EQ(outcome.exitcode, c.exitcode) << outcome.err;
     EXPECT_TRUE(outcome.out.empty() || outcome.out.back() == '\n');
-    for (const json& reading : JsonLines(outcome.out)) EXPECT_EQ(reading["kind"], "reading");
+    for (const Answer& reading : JsonLines(outcome.out)) EXPECT_EQ(reading["kind"], "reading");
     EXPECT_EQ(outcome.err.empty(), c.exitcode == 0) << outcome.err;
   }
 }
@@ -551,8 +551,8 @@ TEST_F(Cli, HelpNamesEveryCommandAndEachTellsItsOwn) {
 }
 
 TEST_F(Cli, NeedsNoReadoutForPortsAndNoHardwareForASimulatedOne) {
-  for (const json& port : JsonLines(Run({"ports", "--json"}).out)) {
-    EXPECT_THAT(port["path"].get<std::string>(), StartsWith("/dev/"));
+  for (const Answer& port : JsonLines(Run({"ports", "--json"}).out)) {
+    EXPECT_THAT(port["path"].Text(), StartsWith("/dev/"));
   }
   EXPECT_THAT(Run({"ports"}).out, Not(IsEmpty()));
 

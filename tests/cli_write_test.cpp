@@ -10,17 +10,18 @@ namespace {
 
 using testing::HasSubstr;
 using testing::IsEmpty;
+using thermoscribe::Members;
 
-json File(const std::string& path) {
+Answer File(const std::string& path) {
   std::ifstream stream(path);
-  return json::parse(stream);
+  return ParsedJson({std::istreambuf_iterator<char>(stream), {}});
 }
 
 TEST_F(Cli, WhatOneProcessWritesTheNextOneShows) {
   StartSimulator();
   EXPECT_EQ(Ask("settings set units=k Interval=5").exitcode, 0);
   EXPECT_EQ(Ask("scan set --sequence 2,3,12").exitcode, 0);
-  const json settings = json::parse(Ask("settings show --json").out);
+  const Answer settings = ParsedJson(Ask("settings show --json").out);
   EXPECT_EQ(settings["Units"], "K");
   EXPECT_EQ(settings["Interval"], 5);
   EXPECT_EQ(settings["ScanChannels"], "2,3,12");
@@ -28,11 +29,11 @@ TEST_F(Cli, WhatOneProcessWritesTheNextOneShows) {
   EXPECT_THAT(Trace(), HasSubstr("11-24-2026"));
   EXPECT_THAT(Trace(), HasSubstr("15:07:09"));
 
-  const json untouched = json::parse(Ask("probe 5 --json").out);
+  const Answer untouched = ParsedJson(Ask("probe 5 --json").out);
   EXPECT_THAT(Ask("channel 3 set probe=5").out, HasSubstr("probe: 3 -> 5"));
   EXPECT_EQ(Trace().find("PROBE 5:CONVERSION "), std::string::npos);
-  json channel = json::parse(Ask("channel 3 --json").out);
-  for (const auto& [name, value] : untouched.items()) {
+  Answer channel = ParsedJson(Ask("channel 3 --json").out);
+  for (const auto& [name, value] : untouched.Items()) {
     EXPECT_EQ(name == "kind" ? value : channel[name], value) << name;
   }
 }
@@ -40,11 +41,11 @@ TEST_F(Cli, WhatOneProcessWritesTheNextOneShows) {
 TEST_F(Cli, WritesAProbeOfEachConversion) {
   const struct {
     Arguments words;
-    json expected;  // null: refused
-    json coefficients;
+    Members expected;  // empty: refused
+    Members coefficients;
   } cases[] = {
       {{"conversion=its-90", "lowrange=5", "highrange=NONE", "rtpw=25.25", "B5=-1e-5"},
-       {{"conversion", "ITS-90"}, {"lowrange", 5}, {"highrange", nullptr}},
+       {{"conversion", "ITS-90"}, {"lowrange", 5}, {"highrange", {}}},
        {{"RTPW", 25.25}, {"a5", 0.0}, {"b5", -1e-5}}},
       {{"c1=1"}, {}, {}},
       {{"conversion=IPTS-68", "scale=90", "c4=1e-15", "serial=ab-1"},
@@ -85,15 +86,15 @@ TEST_F(Cli, WritesAProbeOfEachConversion) {
     Arguments arguments = OnPort("probe 7 set", Port());
     arguments.insert(arguments.end(), c.words.begin(), c.words.end());
     const Outcome outcome = Run(arguments);
-    if (c.expected.is_null()) {
+    if (c.expected.empty()) {
       EXPECT_EQ(outcome.exitcode, 2);
       EXPECT_EQ(Trace().find("SERIAL "), std::string::npos);
       continue;
     }
     EXPECT_EQ(outcome.exitcode, 0) << outcome.err;
-    const json record = json::parse(Ask("probe 7 --json").out);
-    for (const auto& [name, value] : c.expected.items()) EXPECT_EQ(record[name], value) << name;
-    EXPECT_EQ(record["coefficients"], c.coefficients);
+    const Answer record = ParsedJson(Ask("probe 7 --json").out);
+    for (const auto& [name, value] : c.expected) EXPECT_EQ(record[name], value) << name;
+    EXPECT_EQ(record["coefficients"], Answer(c.coefficients));
   }
   for (const std::string words :
        {"current=22", "offset3wire=-1", "serial=123456789", "serial=a_b", "lowrange=6",
@@ -103,6 +104,8 @@ TEST_F(Cli, WritesAProbeOfEachConversion) {
     EXPECT_THAT(Trace(), IsEmpty());
   }
   EXPECT_THAT(Ask("probe 7 set current=22").err, HasSubstr("0.0001 to 21"));
+  // Its A1 is no former value of a1.
+  EXPECT_THAT(Ask("probe 13 set conversion=ITS-90 lowrange=1").out, HasSubstr("a1: - -> 0\n"));
 }
 
 TEST_F(Cli, ARestoredReadoutIsTheSavedOne) {
@@ -130,12 +133,12 @@ TEST_F(Cli, ARestoredReadoutIsTheSavedOne) {
   EXPECT_EQ(whole.exitcode, 0) << whole.err;
   ASSERT_EQ(Ask("settings save " + b).exitcode, 0);
   EXPECT_THAT(Run(Words("settings diff " + a + " " + b + " --json")).out, IsEmpty());
-  json first = File(a);
-  json second = File(b);
-  EXPECT_FALSE(first["readout"]["ProtectConversion"].get<bool>());
-  for (json* const file : {&first, &second}) {
-    file->erase("taken");
-    file->erase("readout");
+  Answer first = File(a);
+  Answer second = File(b);
+  EXPECT_FALSE(first["readout"]["ProtectConversion"].Flag());
+  for (Answer* const file : {&first, &second}) {
+    file->Put("/taken", {});
+    file->Put("/readout", {});
   }
   EXPECT_EQ(first, second);
 }
@@ -164,27 +167,28 @@ TEST_F(Cli, ARestoreThatStopsHalfWayTellsWhatIsWrittenAndASecondOneCompletesIt) 
   EXPECT_THAT(stopped.err, HasSubstr("Written: probe 14. Written in part at most: probe 16. "
                                      "Restore again"));
   std::this_thread::sleep_for(std::chrono::milliseconds(400));
-  EXPECT_EQ(json::parse(Ask("probe 14 --json").out)["current"], 1.0);
-  EXPECT_EQ(json::parse(Ask("probe 16 --json").out)["current"], 1.5);
+  EXPECT_EQ(ParsedJson(Ask("probe 14 --json").out)["current"], 1.0);
+  EXPECT_EQ(ParsedJson(Ask("probe 16 --json").out)["current"], 1.5);
   EXPECT_EQ(Ask("settings restore --yes " + a).exitcode, 0);
   EXPECT_EQ(Ask("settings diff " + a).exitcode, 0);
 
   // Without the scanner the rest can be restored.
   StartSimulator("--no-scanner");
+  EXPECT_THAT(Ask("scan set --channel 3").err, HasSubstr("--channel can't be 3: no scanner"));
   Tell("PROBE 14:CURRENT 1.5");
   const Outcome rest = Ask("settings restore --yes " + a);
   EXPECT_EQ(rest.exitcode, 1);
   EXPECT_THAT(rest.err, HasSubstr("no scanner is attached"));
-  EXPECT_EQ(json::parse(Ask("probe 14 --json").out)["current"], 1.0);
+  EXPECT_EQ(ParsedJson(Ask("probe 14 --json").out)["current"], 1.0);
 }
 
 TEST_F(Cli, ADamagedFileIsRefusedAtItsPlaceBeforeAnythingIsSent) {
   const std::string a = folder_ / "a.json";
   ASSERT_EQ(Run(Words("settings save --simulate " + a)).exitcode, 0);
-  const json whole = File(a);
+  const Answer whole = File(a);
   const struct {
     std::string pointer;
-    json value;
+    Answer value;
     std::string place;
   } cases[] = {
       {"/version", 2, "version"},
@@ -194,21 +198,21 @@ TEST_F(Cli, ADamagedFileIsRefusedAtItsPlaceBeforeAnythingIsSent) {
       {"/settings/ScanChannels", "2,13", "settings.ScanChannels"},
       {"/channels/3/probe", 17, "channels[3].probe"},
       {"/probes/4/current", "1", "probe 5: current"},
-      {"/probes/4/coefficients/RTPW", nullptr, "coefficients.RTPW"},
+      {"/probes/4/coefficients/RTPW", {}, "coefficients.RTPW"},
       {"/probes/4/coefficients/R0", 1, "probe 5: R0"},
       {"/probes/4/lowrange", 1, "probe 5: a3 is no coefficient of ITS-90"},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.pointer);
-    json damaged = whole;
-    damaged[json::json_pointer(c.pointer)] = c.value;
-    std::ofstream(a) << damaged;
+    Answer damaged = whole;
+    damaged.Put(c.pointer, c.value);
+    std::ofstream(a) << thermoscribe::JsonText(damaged);
     const Outcome outcome = Run(Words("settings restore --yes --port /dev/null " + a));
     EXPECT_EQ(outcome.exitcode, 1);
     EXPECT_THAT(outcome.err, HasSubstr(c.place));
     EXPECT_THAT(outcome.out, IsEmpty());
   }
-  std::string twice = whole.dump();
+  std::string twice = thermoscribe::JsonText(whole);
   twice.insert(twice.find("\"Units\""), R"("Units":"K",)");
   std::ofstream(a) << twice;
   EXPECT_THAT(Run(Words("settings diff " + a + " " + a)).err, HasSubstr("Units: given twice"));

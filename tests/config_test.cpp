@@ -60,14 +60,14 @@ TEST_F(Defaults, TheNearestOfFourPlacesIsTaken) {
     SetEnvironment(c.environment);
     const Outcome outcome = Run(Words("config --json " + c.options));
     EXPECT_EQ(outcome.exitcode, 0) << outcome.err;
-    const json config = json::parse(outcome.out);
+    const Answer config = ParsedJson(outcome.out);
     EXPECT_EQ(config["file"], file_.string());
-    json told = json::array();
-    for (const json& row : config["defaults"]) {
+    thermoscribe::List told;
+    for (const Answer row : config["defaults"].Elements()) {
       told.push_back(row["value"]);
       told.push_back(row["source"]);
     }
-    EXPECT_EQ(told, json::parse(c.expected));
+    EXPECT_EQ(thermoscribe::JsonText(told), c.expected);
   }
 }
 

@@ -19,13 +19,13 @@
 #include <filesystem>
 #include <fstream>
 #include <map>
-#include <nlohmann/json.hpp>
 #include <regex>
 #include <sstream>
 
 #include "apps/thermoscribe/run.h"
 #include "protocol/command_table.h"
 #include "simulator/line_server.h"
+#include "tests/support/json_answer.h"
 
 namespace vane::thermoscribe {
 namespace {
@@ -142,14 +142,14 @@ class FaultSweep : public testing::Test {
   void MakeSnapshots() {
     Run({"save", {"settings", "save", Path("same.json")}}, {}, {});
     std::ifstream stream(Path("same.json"));
-    auto snapshot = nlohmann::ordered_json::parse(stream);
-    snapshot["settings"]["Units"] = "K";
-    snapshot["settings"]["FilterRespTime"] = 7.25;
-    snapshot["settings"]["ScanChannels"] = "2,3,5";
-    snapshot["probes"][2]["serial"] = "AB-1";
-    snapshot["probes"][9]["coefficients"]["R0"] = 100.25;
-    snapshot["channels"][2]["probe"] = 12;
-    std::ofstream(Path("other.json")) << snapshot.dump(2);
+    Answer snapshot = ParsedJson({std::istreambuf_iterator<char>(stream), {}});
+    snapshot.Put("/settings/Units", "K");
+    snapshot.Put("/settings/FilterRespTime", 7.25);
+    snapshot.Put("/settings/ScanChannels", "2,3,5");
+    snapshot.Put("/probes/2/serial", "AB-1");
+    snapshot.Put("/probes/9/coefficients/R0", 100.25);
+    snapshot.Put("/channels/2/probe", 12);
+    std::ofstream(Path("other.json")) << JsonText(snapshot);
   }
 
   std::vector<Job> Jobs() const {

@@ -15,16 +15,16 @@
 #include <fstream>
 #include <iterator>
 #include <memory>
-#include <nlohmann/json.hpp>
 #include <regex>
 #include <sstream>
 #include <stdexcept>
 #include <string>
 #include <vector>
 
+#include "tests/support/json_answer.h"
+
 namespace vane {
 
-using nlohmann::json;
 using Arguments = std::vector<std::string>;
 
 inline constexpr unsigned kPatience = 20;  // s; a program that hangs longer ends by a signal
@@ -47,9 +47,9 @@ inline Arguments Words(const std::string& text) {
   return {std::istream_iterator<std::string>(stream), {}};
 }
 
-inline std::vector<json> JsonLines(const std::string& text) {
-  std::vector<json> objects;
-  for (const std::string& line : Lines(text)) objects.push_back(json::parse(line));
+inline std::vector<Answer> JsonLines(const std::string& text) {
+  std::vector<Answer> objects;
+  for (const std::string& line : Lines(text)) objects.push_back(ParsedJson(line));
   return objects;
 }
 
