@@ -56,11 +56,11 @@ TEST_F(Cli, MeasuresTheChannelsOfAListInItsOrderRoundForRound) {
 // The seventh exchange, the first reading, takes longer than a round may.
 TEST_F(Cli, ARoundThatComesLateIsNotMadeUpFor) {
   StartSimulator("--fault at=7:delay=0.7");
-  const std::vector<json> readings = JsonLines(
+  const std::vector<Answer> readings = JsonLines(
       Run(Words("measure --json --count 3 --every 0.4 --timeout 9 --port " + Port())).out);
   ASSERT_EQ(readings.size(), 3u);
   const auto second = [&](std::size_t i) {
-    return std::stod(readings[i]["time"].get<std::string>().substr(17, 6));
+    return std::stod(readings[i]["time"].Text().substr(17, 6));
   };
   EXPECT_GT(std::fmod(60 + second(2) - second(1), 60), 0.25);
 }

@@ -12,12 +12,12 @@
 #include "vane/components/conversion.h"
 #include "vane/components/field_parser.h"
 #include "vane/components/file_dialog.h"
+#include "vane/components/form.h"
 #include "vane/components/output_file.h"
 #include "vane/components/passcode_dialog.h"
 #include "vane/components/platform.h"
 #include "vane/components/progress.h"
 #include "vane/components/text_file.h"
-#include "vane/components/form.h"
 
 namespace vane {
 
