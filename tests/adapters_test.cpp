@@ -100,7 +100,8 @@ TEST(Probe, OnlyADifferentValueMarksIt) {
 }
 
 TEST(Probe, TypeReplacesTheValuesAndUnknownTypesHaveNone) {
-  CThermometerProbe probe;
+  EXPECT_FALSE(CThermometerProbe().ConversionHasSettings(CONV_WT90));
+  CThermometerProbe probe(true);
   SettingsOf<CCVDSettings>(probe, CONV_CVD).SetCoefficients(0, 100.0);
   EXPECT_EQ(SettingsOf<CCVDSettings>(probe, CONV_CVD).Coefficients(0), 0.0);
   EXPECT_TRUE(probe.ConversionHasSettings(CONV_WT90));
@@ -109,6 +110,7 @@ TEST(Probe, TypeReplacesTheValuesAndUnknownTypesHaveNone) {
     probe.SetConversionType(ct);
     EXPECT_EQ(probe.Conversion().Settings(), nullptr) << code;
     EXPECT_FALSE(probe.ConversionHasSettings(ct)) << code;
+    EXPECT_THROW(probe.Conversion().EditSettings(), LibraryError);
   }
 }
 

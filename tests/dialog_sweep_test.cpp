@@ -4,6 +4,7 @@
 
 #include <memory>
 
+#include "adapters/conversions/probe.h"
 #include "adapters/headless/headless_factory.h"
 #include "adapters/headless/headless_platform.h"
 #include "simulator/line_server.h"
@@ -44,6 +45,9 @@ class CDialogFactory final : public CHeadlessFactory {
       : CHeadlessFactory(std::move(line)), forms_(forms) {}
   std::unique_ptr<ui::CForm> MakeForm(const std::string& name) override {
     return forms_.Make(name);
+  }
+  std::unique_ptr<CVaneProbe> MakeProbe() override {
+    return std::make_unique<CThermometerProbe>(true);
   }
   std::unique_ptr<CVanePasscodeDialog> MakePasscodeDialog() override {
     return std::make_unique<CTypedPasscode>();
@@ -221,6 +225,74 @@ TEST_F(DialogSweep, EveryChannelFieldComesBackThroughTheSettingsDialog) {
   });
   EXPECT_THAT(typed, testing::HasSubstr("txtProbeSerial=Z-99\ncboReference=10K Ohm\n"
                                         "txtCurrent=0.1234\ntxt3WireOffset=0.012345\n"));
+}
+
+// Each conversion's own window, opened from the channel's, on the probe that keeps what it writes.
+TEST_F(DialogSweep, EveryConversionComesBackThroughItsEditor) {
+  struct Row {
+    const char* type;
+    std::vector<std::pair<const char*, const char*>> entries;  // a field or list, and its value
+  };
+  const Row rows[] = {
+      {"ITS-90",
+       {{"txtRTPW", "25.51234567"},
+        {"cboLowRange", "1: -259.3467 to 0.01 °C"},
+        {"txtLow(0)", "-1.5e-4"},
+        {"txtLow(6)", "7e-6"},
+        {"cboHighRange", "6: 0 to 961.78 °C"},
+        {"txtHigh(0)", "-2e-4"},
+        {"txtHigh(3)", "9e-9"}}},
+      {"IPTS-68",
+       {{"txtR0", "100.125"},
+        {"txtalpha", "0.0039271"},
+        {"txta4", "1.5e-7"},
+        {"cboScale", "ITS-90"}}},
+      {"Callendar-Van Dusen",
+       {{"txtR0", "99.9"}, {"txtalpha", "0.0039"}, {"txtdelta", "1.49"}, {"txtbeta", "0.11"}}},
+      {"W(T90)", {{"txtRTPW", "25.75"}}},
+      {"R(T)", {{"txtA0", "-4.5"}, {"txtA3", "2.5e-7"}}},
+      {"T(R)", {{"txtB0", "1.25e-3"}, {"txtB3", "1e-7"}}},
+      {"Polynomial", {{"txtOrder", "10"}, {"txtc0", "-245.5"}, {"txtc10", "1.5e-12"}}},
+  };
+  const auto edit = [&](CVaneT312B& instrument, const std::function<void(ui::CUser & user)>& acts) {
+    forms_.Expect("frmT312BPRTTHRMChannel", acts);
+    return instrument.EditChannel(5);
+  };
+  for (const Row& row : rows) {
+    std::string typed;
+    const auto shown = [](ui::CUser& user) { return FormText(user.Form(), {"txt", "cbo"}); };
+    auto writer = Fresh();
+    EXPECT_TRUE(edit(*writer, [&](ui::CUser& user) {
+      Press(user, "cmdEditProtected");
+      EXPECT_TRUE(PickText(user, "cboConversionType", row.type));
+      forms_.Expect("frmConversionSettings", [&](ui::CUser& values) {
+        for (const auto& [name, value] : row.entries) {
+          EXPECT_TRUE(name[0] == 't' ? Enter(values, name, value) : PickText(values, name, value))
+              << row.type << ' ' << name;
+        }
+        typed = shown(values);
+        EXPECT_TRUE(values.Return());
+      });
+      Press(user, "cmdConversionSettings");
+      forms_.ExpectBox("Do you wish to write the changes", EBoxButton::YES);
+      Press(user, "cmdOKCancelHelp(0)");
+    }));
+    writer.reset();
+    const auto reader = Fresh();
+    EXPECT_FALSE(edit(*reader, [&](ui::CUser& user) {
+      // Shut, and so to be looked at only.
+      forms_.Expect("frmConversionSettings", [&](ui::CUser& values) {
+        std::string open = shown(values);
+        for (std::size_t at; (at = open.find(" off\n")) != open.npos;) open.erase(at, 4);
+        EXPECT_EQ(open, typed) << row.type;
+        EXPECT_TRUE(values.Return());
+      });
+      Press(user, "cmdConversionSettings");
+      EXPECT_FALSE(reader->GetChannelReference(5)->Changed());
+      EXPECT_TRUE(user.Escape());
+    }));
+    EXPECT_FALSE(typed.empty());
+  }
 }
 
 }  // namespace

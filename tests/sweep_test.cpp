@@ -11,7 +11,7 @@
 #include "adapters/headless/headless_platform.h"
 #include "apps/thermoscribe/instrument_properties.h"
 #include "apps/thermoscribe/output.h"
-#include "apps/thermoscribe/probe_coefficients.h"
+#include "vane/channels/coefficients.h"
 #include "apps/thermoscribe/probe_input.h"
 #include "simulator/line_server.h"
 

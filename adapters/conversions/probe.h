@@ -1,9 +1,11 @@
-// A thermometer's record in memory. It needs no file, no window and no registry.
+// A thermometer's record in memory. It needs no file; the values of its conversion can be edited in
+// a window where the host has windows.
 #pragma once
 
 #include <memory>
 #include <string>
 
+#include "adapters/conversions/conversion_object.h"
 #include "vane/components/conversion.h"
 #include "vane/support/tracked.h"
 
@@ -12,21 +14,22 @@ namespace vane {
 /// A new probe is unchanged, without a serial number, and of type `CONV_NONE`, which has no values.
 class CThermometerProbe : public CVaneProbe {
  public:
-  CThermometerProbe();
+  /// `haswindows` says that the host's factory makes windows that can show any kind of control.
+  explicit CThermometerProbe(bool haswindows = false);
   CThermometerProbe(const CThermometerProbe&) = delete;
   CThermometerProbe& operator=(const CThermometerProbe&) = delete;
 
-  // For probes with dialogs and files of their own, and for other inputs than resistance.
+  void SetRegistry(std::shared_ptr<CVaneRegistry>& registry) override { host_.registry = registry; }
+
+  // For probes with files of their own, and for other inputs than resistance.
   void SetHelpFile(const std::string&) override {}
-  void SetRegistry(std::shared_ptr<CVaneRegistry>&) override {}
   void SetFilePath(const std::string&) override {}
   void SetInputKind(std::int32_t) override {}
 
   bool Changed() const override { return changed_.Changed(); }
   void SetChanged(bool value) override { changed_.SetChanged(value); }
 
-  /// True for every type that has values, though this component can't show them: what has values
-  /// is worth an editor, and `EditSettings` says that there is none.
+  /// True for the types that have values, where the host has windows to show them in.
   bool ConversionHasSettings(EVaneConversionType ct) const override;
 
   const std::string& SerialNumber() const override { return serialnumber_.Get(); }
@@ -41,6 +44,7 @@ class CThermometerProbe : public CVaneProbe {
   void SetConversionType(EVaneConversionType ct) override;
 
  private:
+  ConversionHost host_;
   CChangedFlag changed_;
   CTracked<std::string, CChangedFlag> serialnumber_;
   EVaneConversionType type_ = EVaneConversionType::CONV_NONE;

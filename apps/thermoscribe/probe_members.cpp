@@ -6,7 +6,7 @@
 
 #include "apps/thermoscribe/enum_words.h"
 #include "apps/thermoscribe/output.h"
-#include "apps/thermoscribe/probe_coefficients.h"
+#include "vane/channels/coefficients.h"
 #include "vane/support/display_texts.h"
 #include "vane/support/field_editing.h"
 #include "vane/support/texts.h"
