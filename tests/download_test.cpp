@@ -4,24 +4,18 @@
 #include <sys/resource.h>
 #include <sys/stat.h>
 
-#include <algorithm>
 #include <csignal>
 #include <filesystem>
 #include <fstream>
-#include <sstream>
 
-#include "adapters/files/column_file.h"
-#include "adapters/files/field_reader.h"
-#include "adapters/files/private_text_file.h"
-#include "tests/support/form_text.h"
-#include "tests/support/transcript.h"
-#include "vane/components/memory_forms.h"
+#include "tests/support/download_host.h"
 
 namespace vane {
 namespace {
 
 namespace fs = std::filesystem;
 using test::CTestHost;
+using test::Download;
 
 constexpr char kRows[] =
     "<no date>   <no time>   25.00 °C            <no label><no channel> \n"
@@ -31,182 +25,11 @@ constexpr char kHead[] =
     "\nThermometer Readout Model: T312B\n"
     "Date        Time        Reading             Label     Channel   \n";
 
-// Logs what an operation asks of an output file.
-class CRecordingFile : public CVaneOutputFile {
- public:
-  explicit CRecordingFile(test::CTranscript& log) : log_(log) {}
-
-  void SetHelpFile(const std::string& file) override { Add("help " + file); }
-  void SetLayoutOptionA(bool value) override { Add(value ? "A true" : "A false"); }
-  void SetLayoutOptionB(bool value) override { Add(value ? "B true" : "B false"); }
-  void SetRegistry(std::shared_ptr<CVaneRegistry> registry) override { registry_ = registry; }
-  const std::shared_ptr<CVaneRegistry>& Registry() const override { return registry_; }
-  const std::string& Folder() const override { return folder_; }
-  void SetFolder(const std::string& folder) override { Add("folder " + (folder_ = folder)); }
-  const std::string& Field(std::int16_t) const override { return field_; }
-  void SetField(std::int16_t column, const std::string& text) override {
-    if (column == 2) field_ = text;
-    Add(std::to_string(column) + "=" + text);
-  }
-  void SetColumnWidth(std::int16_t column, std::int16_t width) override {
-    Add("width " + std::to_string(column) + " " + std::to_string(width));
-  }
-  void SetNumColumns(std::int16_t count) override { Add("columns " + std::to_string(count)); }
-  const std::string& Header() const override { return header_; }
-  void SetHeader(const std::string& text) override { header_ = text; }
-  const std::string& FileName() const override { return name_; }
-  void SetFileName(const std::string& name) override { Add("name " + (name_ = name)); }
-  void Create(bool replace, bool& success) override {
-    Add(replace ? "create" : "");
-    success = creates;
-  }
-  void WriteHeader(std::int32_t kind, bool& success) override {
-    Add("head " + std::to_string(kind));
-    success = true;
-  }
-  void WriteRow(bool& success) override {
-    Add("row");
-    success = false;
-  }
-  void Close(bool&) override { Add("close"); }
-  void Show(bool flag) override { Add(flag ? "show" : ""); }
-  void Print(bool select, bool&) override { Add(select ? "print, asking" : "print"); }
-
-  bool creates = true;
-
- private:
-  void Add(const std::string& line) { log_.Add("file " + line); }
-
-  test::CTranscript& log_;
-  std::shared_ptr<CVaneRegistry> registry_;
-  std::string folder_, name_, field_, header_;
-};
-
-class CRecordingDialog : public CVaneFileDialog {
- public:
-  CRecordingDialog(test::CTranscript& log, std::string chosen)
-      : log_(log), chosen_(std::move(chosen)) {}
-
-  void SetOptionA(bool) override { log_.Add("dialog A"); }
-  void SetDefaultExt(const std::string& text) override { log_.Add("dialog ext " + text); }
-  void SetDialogTitle(const std::string& text) override { log_.Add("dialog title " + text); }
-  void SetFlags(std::int32_t flags) override { log_.Add("dialog flags " + std::to_string(flags)); }
-  void SetFileName(const std::string& name) override { log_.Add("dialog name " + name); }
-  void SetFilter(const std::string& text) override { log_.Add("dialog filter " + text); }
-  void SetOptionB(bool) override { log_.Add("dialog B"); }
-  void SetInitDir(const std::string& folder) override { log_.Add("dialog folder " + folder); }
-  void ShowSave() override {
-    log_.Add("dialog asks");
-    if (chosen_.empty()) throw LibraryError(ERR_PLATFORM_CALL, {}, "Cancelled");
-  }
-  const std::string& FileName() const override { return chosen_; }
-
- private:
-  test::CTranscript& log_;
-  std::string chosen_;
-};
-
-class CRecordingTrace : public CVaneTextFile {
- public:
-  explicit CRecordingTrace(test::CTranscript& log) : log_(log) {}
-  void WriteLine(const std::string& text) override { log_.Add("trace " + text); }
-  void Write(const std::string&) override {}
-  void Close() override {}
-
- private:
-  test::CTranscript& log_;
-};
-
 class CFailingParser : public CFieldReader {
   std::string f(std::int32_t i) override {
     if (i == 5) throw std::out_of_range("field");
     return CFieldReader::f(i);
   }
-};
-
-class CDownloadHost : public CTestHost {
- public:
-  std::unique_ptr<CVaneOutputFile> MakeOutputFile() override {
-    if (!recordsfile) return std::make_unique<CColumnTextFile>();
-    auto file = std::make_unique<CRecordingFile>(log);
-    file->creates = creates;
-    return file;
-  }
-  std::unique_ptr<CVaneFileDialog> MakeFileDialog() override {
-    return std::make_unique<CRecordingDialog>(log, chosen);
-  }
-  std::unique_ptr<AwkOne> MakeFieldParser() override { return std::make_unique<CFieldReader>(); }
-  std::unique_ptr<CVaneTextFile> CreateTextFile(const std::string& path) override {
-    if (recordstrace) return std::make_unique<CRecordingTrace>(log);
-    return std::make_unique<CPrivateTextFile>(path);
-  }
-
-  bool recordsfile = false;
-  bool recordstrace = false;
-  bool creates = true;
-  std::string chosen;  // by the user in the save dialog; empty: he cancels
-};
-
-class Download : public testing::Test {
- protected:
-  Download() {
-    fs::create_directories(out_);
-    fs::create_directories(temp_);
-    host_.platform.temporaryfolder = temp_;
-    host_.registry->texts["DownloadFolder"] = out_;
-    host_.ConnectWith(false);
-    SetLog({"25.0012 C 1", "77 F 2", "100.5 OHM 3"});
-  }
-  ~Download() override { fs::remove_all(folder_); }
-
-  void SetLog(const std::vector<std::string>& readings) {
-    auto& replies = host_.script.replies;
-    std::erase_if(replies, [](const auto& reply) { return reply.first.starts_with("read 275"); });
-    replies["read 275"] = "";
-    for (std::size_t i = 0; i < readings.size(); ++i) {
-      replies["read 275 Index=" + std::to_string(i + 1)] = readings[i];
-    }
-  }
-
-  // The user looks at the list and goes on.
-  void ExpectList() {
-    host_.forms.Expect("frmShowFiles", [this](ui::CUser& user) {
-      const auto& list = user.Find<ui::CListBox>("lstFiles");
-      for (std::int32_t i = 0; i < list.ListCount(); ++i) {
-        host_.log.Add("list " + list.ItemText(i) + " #" + std::to_string(list.ItemData(i)));
-      }
-      EXPECT_TRUE(user.Return());
-    });
-  }
-
-  bool Run(std::int16_t readings = 0, std::int16_t resol = 2, bool prompt = false) {
-    host_.log.Clear();
-    host_.steps = 0;
-    return it_.DownloadLog(parser_, ET312BDownloadLogOption::DOWNLOAD_HISTORY_LOG,
-                           ET312BDownloadOption::DOWNLOAD_SINGLE_FILE, readings, resol, prompt);
-  }
-
-  static std::string Content(const fs::path& path) {
-    std::ostringstream text;
-    text << std::ifstream(path, std::ios::binary).rdbuf();
-    return text.str();
-  }
-  std::string Trace() const { return Content(temp_ / "DNLDT312B.LOG"); }
-  std::string Raw() const { return Content(temp_ / "TMPDWNLD.LOG"); }
-  std::string File() const { return Content(out_ / "download.txt"); }
-  std::string Boxes() const { return host_.log.Only({"box", "list"}); }
-  std::string ListOfFile() const { return "list " + (out_ / "download.txt").string() + " #0\n"; }
-  std::size_t FilesIn(const fs::path& folder) const {
-    return static_cast<std::size_t>(std::distance(fs::directory_iterator(folder), {}));
-  }
-
-  CDownloadHost host_;
-  CVaneT312B& it_ = *host_.instrument;
-  CFieldReader parser_;
-  const fs::path folder_ =
-      fs::temp_directory_path() / ("vane-download-" + std::to_string(getpid()));
-  const fs::path out_ = folder_ / "out";
-  const fs::path temp_ = folder_ / "temp";
 };
 
 TEST_F(Download, AGoodRunLeavesTheFileTheTraceAndTheRawText) {
@@ -502,135 +325,6 @@ TEST_F(Download, TheListOpensOrPrintsAndItsFailureLeavesTheResult) {
             "box 16 Corvane: An error occurred while attempting to show download files.//Error: 5 "
             "- Nobody expected the window frmShowFiles./(CMemoryForms)\n");
   EXPECT_EQ(host_.log.Lines().back(), "busy off");
-}
-
-class DownloadOptions : public Download {
- protected:
-  DownloadOptions() { host_.platform.asksforms = true; }
-  ~DownloadOptions() override { EXPECT_EQ(host_.forms.Faults(), ""); }
-
-  // Opens the dialog for `acts`, which have to close it.
-  void Open(const std::function<void(ui::CUser& user)>& acts) {
-    host_.forms.Expect("frmT312BDownloadOptions", acts);
-    host_.log.Clear();
-    EXPECT_TRUE(it_.DownloadLoggedData());
-    EXPECT_EQ(ui::CForm::Active(), nullptr);
-  }
-
-  static ui::CButton& Button(ui::CUser& user, int index) {
-    return user.Find<ui::CButton>("cmdOKCancelHelp(" + std::to_string(index) + ")");
-  }
-  static bool Enter(ui::CUser& user, const char* name, const std::string& text) {
-    return user.Focus(user.Find<ui::CTextField>(name)) && user.SelectAll() && user.Paste(text) &&
-           user.Tab();
-  }
-  std::string Counted() const {
-    const std::size_t place = Trace().find("Count: ");
-    return Trace().substr(place, Trace().find('\n', place) - place);
-  }
-};
-
-constexpr char kFreshOptions[] =
-    "optLog=0\noptReadings=0\ntxtReadings=1 off\nudReadings off\nlblReadings off\n"
-    "txtResolution=8\noptFiles=0\nchkPrompt=no\ncmdOKCancelHelp(0)\ncmdOKCancelHelp(1)\n"
-    "cmdOKCancelHelp(2)\n";
-
-TEST_F(DownloadOptions, StartAfreshAtEachOpening) {
-  for (int opening = 0; opening < 2; ++opening) {
-    Open([&](ui::CUser& user) {
-      EXPECT_EQ(test::FormText(user.Form()), kFreshOptions);
-      EXPECT_EQ(host_.log.Text(), "queue 0\nbusy off\n");
-      EXPECT_EQ(user.Form().Caption(), "T312B 'Thermoscribe' Download Options");
-      EXPECT_EQ(user.Find<ui::CFrame>("framReadings").Caption(), "Readings:");
-      EXPECT_EQ(user.Find<ui::CLabel>("lblReadings").Caption(), "readings");
-      EXPECT_TRUE(user.Choose(user.Find<ui::COptionGroup>("optReadings"), 1));
-      EXPECT_EQ(test::FormText(user.Form(), {"Readings"}), "optReadings=1\ntxtReadings=1\n");
-      EXPECT_TRUE(user.Step(user.Find<ui::CUpDown>("udReadings"), true));
-      EXPECT_TRUE(user.Step(user.Find<ui::CUpDown>("udResolution"), false));
-      EXPECT_EQ(test::FormText(user.Form(), {"txt"}), "txtReadings=11\ntxtResolution=7\n");
-      EXPECT_TRUE(user.Click(user.Find<ui::CCheckBox>("chkPrompt")));
-      EXPECT_TRUE(user.Click(Button(user, 2)));
-      EXPECT_EQ(host_.log.Only({"help"}), "help VaneT312B.hlp 1 10852\n");
-      EXPECT_TRUE(opening == 0 ? user.Escape() : user.Click(Button(user, 1)));
-    });
-  }
-}
-
-TEST_F(DownloadOptions, FieldsAreLimitedWhenTheyAreLeft) {
-  const struct {
-    const char* field;
-    const char* text;
-    const char* shown;
-  } rows[] = {{"txtReadings", "500", "100"}, {"txtReadings", "", "1"},
-              {"txtReadings", "-3", "1"},    {"txtReadings", "12.5 x", "13"},
-              {"txtReadings", "7,9", "7"},   {"txtReadings", "1e999", "7"},
-              {"txtResolution", "9", "8"},   {"txtResolution", "x", "0"},
-              {"txtResolution", "2.4", "2"}, {"txtResolution", "40000", "8"}};
-  Open([&](ui::CUser& user) {
-    user.Choose(user.Find<ui::COptionGroup>("optReadings"), 1);
-    for (const auto& row : rows) {
-      EXPECT_TRUE(Enter(user, row.field, row.text));
-      EXPECT_EQ(user.Find<ui::CTextField>(row.field).Text(), row.shown) << row.text;
-    }
-    // By the default button the field is limited and keeps the focus.
-    EXPECT_TRUE(user.Focus(user.Find<ui::CTextField>("txtReadings")) && user.Type("40000"));
-    ExpectList();
-    EXPECT_TRUE(user.Return());
-    EXPECT_EQ(Counted(), "Count: 100");
-    EXPECT_TRUE(user.CloseBox());
-  });
-}
-
-TEST_F(DownloadOptions, DownloadsAsOftenAsTheUserLikes) {
-  Open([&](ui::CUser& user) {
-    user.Choose(user.Find<ui::COptionGroup>("optReadings"), 1);
-    EXPECT_TRUE(Enter(user, "txtReadings", "2") && Enter(user, "txtResolution", "1"));
-    ExpectList();
-    // A second one while the first runs does nothing, and neither does the close box.
-    host_.forms.AtPass(2, [&] {
-      EXPECT_FALSE(user.Click(Button(user, 0)) || user.CloseBox());
-      EXPECT_FALSE(user.Click(Button(user, 1)));
-    });
-    EXPECT_TRUE(user.Click(Button(user, 0)));
-    EXPECT_EQ(host_.forms.LastOwner(), &user.Form());
-    EXPECT_EQ(Counted(), "Count: 2");
-    EXPECT_THAT(File(), testing::HasSubstr(" 25.0 "));
-
-    // All readings, whatever the field holds; both logs, and both kinds of file.
-    user.Choose(user.Find<ui::COptionGroup>("optReadings"), 0);
-    user.Choose(user.Find<ui::COptionGroup>("optLog"), 1);
-    user.Choose(user.Find<ui::COptionGroup>("optFiles"), 1);
-    user.Click(user.Find<ui::CCheckBox>("chkPrompt"));
-    host_.chosen = (out_ / "mine.txt").string();
-    ExpectList();
-    host_.log.Clear();
-    host_.script.replies["read 276"] = "";
-    host_.script.replies["read 276 Index=1"] = "5 C 1";
-    EXPECT_TRUE(user.Click(Button(user, 0)));
-    EXPECT_EQ(Counted(), "Count: 100");
-    EXPECT_EQ(host_.log.Only({"dialog asks", "read 27"}),
-              "read 276 Index=1\nread 276 Index=2\ndialog asks\n");
-
-    // One that fails has told so itself, and the dialog stays.
-    host_.script.silent.insert("read 276");
-    host_.forms.ExpectBox("attempting to download log data");
-    EXPECT_TRUE(user.Click(Button(user, 0)));
-    EXPECT_TRUE(user.CloseBox());
-  });
-}
-
-TEST_F(DownloadOptions, FailuresOfTheDialog) {
-  host_.platform.onqueue = [] { throw LibraryError(7, "queue", "stuck"); };
-  host_.forms.ExpectBox("An error occurred while attempting to setup dialog.");
-  Open([&](ui::CUser& user) {
-    host_.platform.onqueue = nullptr;
-    EXPECT_EQ(user.Find<ui::CTextField>("txtResolution").Text(), "");
-    EXPECT_TRUE(user.CloseBox());
-  });
-  it_.SetRegistry(nullptr);
-  const LibraryError error = CTestHost::ErrorOf([&] { it_.DownloadLoggedData(); });
-  EXPECT_EQ(error.Source(), "CVaneT312B - DownloadLoggedData");
-  EXPECT_EQ(error.Description(), "There is no registry component.");
 }
 
 }  // namespace
