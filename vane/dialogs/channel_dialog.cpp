@@ -115,7 +115,7 @@ void frmT312BPRTTHRMChannel::LoadCaptions() {
 }
 
 void frmT312BPRTTHRMChannel::PaintFirst() {
-  CReadingSteps steps(ok_, apply_);
+  CReadingSteps steps(*form_, ok_, apply_);
   steps.Do([&] { PrepareFields(); });
   steps.Do([&] { ShowFrameOfTab(); });
   steps.Do([&] { form_->DrawNow(); });
@@ -128,7 +128,6 @@ void frmT312BPRTTHRMChannel::PaintFirst() {
   } else {
     steps.TellUnable();
   }
-  form_->SetEnabled(true);
 }
 
 void frmT312BPRTTHRMChannel::ShowFrameOfTab() {
@@ -201,7 +200,7 @@ void frmT312BPRTTHRMChannel::CloseProtection() {
 
 void frmT312BPRTTHRMChannel::ChooseProbe() {
   if (loading_) return;
-  CReadingSteps steps(ok_, apply_);
+  CReadingSteps steps(*form_, ok_, apply_);
   steps.Do([&] {
     const std::int16_t index = ToInteger(SelectedCode(probeselection_));
     form_->SetEnabled(false);
@@ -211,7 +210,6 @@ void frmT312BPRTTHRMChannel::ChooseProbe() {
       steps.TellUnable();
     }
   });
-  form_->SetEnabled(true);
 }
 
 void frmT312BPRTTHRMChannel::ChooseConversionType() {

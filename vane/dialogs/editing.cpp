@@ -35,7 +35,12 @@ void CReadingSteps::TellUnable() {
 }
 
 void CReadingSteps::ShowPending() {
-  ShowError(ResourceText(EText::ATTEMPTING_TO_READ_SETTINGS), kCompanyName, {}, 0);
+  try {
+    ShowError(ResourceText(EText::ATTEMPTING_TO_READ_SETTINGS), kCompanyName, {}, 0);
+  } catch (...) {
+    TakeAway();
+    throw;
+  }
   TakeAway();
 }
 

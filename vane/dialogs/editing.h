@@ -52,10 +52,15 @@ class CLoadedForm {
 };
 
 /// The steps in which a dialog reads the instrument. One that raises shows a box and takes OK and
-/// Apply away, and the next one is run all the same.
+/// Apply away, and the next one is run all the same. At the end the whole window is enabled, also
+/// when not even the box could be shown: the user has to get out.
 class CReadingSteps {
  public:
-  CReadingSteps(ui::CButton& ok, ui::CButton& apply) : ok_(ok), apply_(apply) {}
+  CReadingSteps(ui::CForm& form, ui::CButton& ok, ui::CButton& apply)
+      : form_(form), ok_(ok), apply_(apply) {}
+  ~CReadingSteps() { form_.SetEnabled(true); }
+  CReadingSteps(const CReadingSteps&) = delete;
+  CReadingSteps& operator=(const CReadingSteps&) = delete;
 
   template <class Step>
   void Do(Step&& step) {
@@ -82,6 +87,7 @@ class CReadingSteps {
   void ShowPending();
   void TakeAway();
 
+  ui::CForm& form_;
   ui::CButton& ok_;
   ui::CButton& apply_;
 };

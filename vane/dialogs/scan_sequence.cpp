@@ -1,6 +1,8 @@
 #include "vane/dialogs/scan_sequence.h"
 
+#include <algorithm>
 #include <cmath>
+#include <limits>
 #include <optional>
 
 #include "vane/components/library_error.h"
@@ -30,17 +32,18 @@ std::optional<double> LeadingNumber(const std::string& text) {
 
 }  // namespace
 
-CScanSequence::CScanSequence(ui::CListBox& list, ui::CUpDown& steps, ui::CDropDown& channel)
+CScanSequence::CScanSequence(ui::CListBox& list, ui::CTextField& steps, ui::CDropDown& channel)
     : list_(list), steps_(steps), channel_(channel) {
-  steps_.Field().OnChange([this] { Resize(); });
+  steps_.OnChange([this] { Resize(); });
   list_.OnClick([this] { ShowStep(); });
   channel_.OnClick([this] { SetChannel(); });
 }
 
 void CScanSequence::Resize() {
-  const std::optional<double> number = LeadingNumber(steps_.Field().Text());
-  if (!number) return;
-  const auto count = ToLong(Clamp<double>(*number, 0, steps_.Max()));
+  const std::optional<double> number = LeadingNumber(steps_.Text());
+  // Only pasting brings what no setting of the instrument can be; leaving the field mends it.
+  if (!number || *number > std::numeric_limits<std::int16_t>::max()) return;
+  const std::int32_t count = ToLong(std::max(*number, 0.0));
   const bool hadselection = list_.ListIndex() >= 0;
   while (list_.ListCount() > count) list_.RemoveItem(list_.ListCount() - 1);
   while (list_.ListCount() < count) {

@@ -13,9 +13,9 @@ namespace vane {
 
 class CScanSequence {
  public:
-  /// Of a list, the number of its steps with its limits, and the choice of a channel. Takes over
+  /// Of a list, the number of its steps, and the choice of a channel. Takes over
   /// the events of the lists and the change of the text.
-  CScanSequence(ui::CListBox& list, ui::CUpDown& steps, ui::CDropDown& channel);
+  CScanSequence(ui::CListBox& list, ui::CTextField& steps, ui::CDropDown& channel);
   CScanSequence(const CScanSequence&) = delete;
   CScanSequence& operator=(const CScanSequence&) = delete;
 
@@ -37,7 +37,7 @@ class CScanSequence {
   void SetChannel();
 
   ui::CListBox& list_;
-  ui::CUpDown& steps_;
+  ui::CTextField& steps_;
   ui::CDropDown& channel_;
   bool selecting_ = false;  // the choice is being emptied by this editor
   ui::Handler selected_;

@@ -53,7 +53,7 @@ frmT312BSettings::frmT312BSettings(const Components& components)
     : form_(components.factory.MakeForm("frmT312BSettings")),
       frame_(form_->Add<ui::CFrame>("framT312BSettings")),
       fields_(*form_, frame_),
-      sequence_(fields_.Find<ui::CListBox>(SEQUENCE), fields_.UpDown(STEPS),
+      sequence_(fields_.Find<ui::CListBox>(SEQUENCE), fields_.UpDown(STEPS).Field(),
                 fields_.Find<ui::CDropDown>(SELECTED_CHANNEL)),
       editprotected_(form_->Add<ui::CButton>("cmdEditProtected")),
       apply_(form_->Add<ui::CButton>("cmdApply")),
@@ -100,7 +100,7 @@ void frmT312BSettings::LoadCaptions() {
 }
 
 void frmT312BSettings::PaintFirst() {
-  CReadingSteps steps(ok_, apply_);
+  CReadingSteps steps(*form_, ok_, apply_);
   steps.Do([&] { fields_.ShowFrame(); });
   steps.Do([&] { form_->DrawNow(); });
   steps.Do([&] { form_->SetEnabled(false); });
@@ -113,7 +113,6 @@ void frmT312BSettings::PaintFirst() {
   } else {
     steps.TellUnable();
   }
-  form_->SetEnabled(true);
 }
 
 void frmT312BSettings::LoadFields() {
@@ -235,7 +234,7 @@ bool frmT312BSettings::ValidateSettings() {
   return AtBoundary([] { return ResourceText(EText::ATTEMPTING_TO_VALIDATE_SETTINGS); },
                     [&] {
                       if (instrument_->ScanChannels().find(kUnassigned) == std::string::npos &&
-                          !sequence_.LacksChannel()) {
+                          !(instrument_->HasScanners() && sequence_.LacksChannel())) {
                         return true;
                       }
                       ShowMessage(ResourceText(EText::EVERY_STEP_NEEDS_A_CHANNEL));
