@@ -5,9 +5,11 @@
 
 #include "adapters/files/config_registry.h"
 #include "adapters/serial/line_errors.h"
+#include "adapters/serial/serial_communications.h"
 #include "adapters/terminal/terminal_output.h"
 #include "apps/thermoscribe/command.h"
 #include "apps/thermoscribe/line_options.h"
+#include "simulator/line_server.h"
 #include "vane/channels/module.h"
 #include "vane/support/failure.h"
 #include "vane/support/text_table.h"
@@ -87,6 +89,10 @@ CHost::CHost(HostOptions options, CNotices& notices)
   // There is no help viewer to send the user to.
   instrument_.SetHelpFile({});
 }
+
+CHost::~CHost() = default;
+
+const LineFailure& CHost::LastFailure() const { return line_->lastfailure; }
 
 const std::shared_ptr<CConfigRegistry>& CHost::Registry() {
   if (!registry_) {

@@ -10,9 +10,7 @@
 #include <span>
 #include <string>
 
-#include "adapters/files/config_registry.h"
 #include "adapters/posix/patience.h"
-#include "adapters/serial/serial_communications.h"
 #include "adapters/terminal/interrupts.h"
 #include "adapters/terminal/terminal_platform.h"
 #include "apps/thermoscribe/exit_codes.h"
@@ -21,10 +19,19 @@
 #include "apps/thermoscribe/instrument_properties.h"
 #include "apps/thermoscribe/notices.h"
 #include "apps/thermoscribe/output.h"
-#include "simulator/line_server.h"
 #include "vane/components/components.h"
 #include "vane/components/ui.h"
 #include "vane/instrument/t312b.h"
+
+namespace vane {
+class CConfigRegistry;
+class CFileTrace;
+struct LineFailure;
+}  // namespace vane
+
+namespace vane::simulator {
+class CSimulatedLine;
+}
 
 namespace vane::thermoscribe {
 
@@ -58,6 +65,7 @@ class CHost {
  public:
   /// `notices` outlives the host.
   CHost(HostOptions options, CNotices& notices);
+  ~CHost();
   CHost(const CHost&) = delete;
   CHost& operator=(const CHost&) = delete;
 
@@ -120,7 +128,7 @@ class CHost {
   const WrittenFile& LatestFile() const { return factory_.LatestFile(); }
 
   /// The latest exchange; number 0 when it went well.
-  const LineFailure& LastFailure() const { return line_->lastfailure; }
+  const LineFailure& LastFailure() const;
 
   /// To be called inside a catch: shows the pending error once, with the failure of the line behind
   /// it where the error itself doesn't name that. `action` completes "An error occurred while".

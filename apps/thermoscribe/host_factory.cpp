@@ -6,6 +6,7 @@
 #include "adapters/files/column_file.h"
 #include "adapters/files/field_reader.h"
 #include "adapters/files/private_text_file.h"
+#include "adapters/serial/serial_communications.h"
 #include "adapters/terminal/terminal_file_dialog.h"
 #include "adapters/terminal/terminal_form.h"
 #include "adapters/terminal/terminal_passcode.h"

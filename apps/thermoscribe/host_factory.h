@@ -6,9 +6,12 @@
 #include <memory>
 #include <string>
 
-#include "adapters/serial/serial_communications.h"
 #include "adapters/terminal/interrupts.h"
 #include "vane/components/components.h"
+
+namespace vane {
+struct LineSettings;
+}
 
 namespace vane::thermoscribe {
 

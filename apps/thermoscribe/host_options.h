@@ -3,12 +3,15 @@
 
 #include <chrono>
 #include <functional>
-#include <optional>
+#include <memory>
 #include <string>
 #include <vector>
 
-#include "simulator/options.h"
 #include "vane/components/communications.h"
+
+namespace vane::simulator {
+struct Options;
+}
 
 namespace vane::thermoscribe {
 
@@ -19,8 +22,8 @@ struct RunSeams {
 };
 
 struct HostOptions {
-  std::string port;  ///< device path; empty: not chosen yet
-  std::optional<simulator::Options> simulated;
+  std::string port;                                     ///< device path; empty: not chosen yet
+  std::shared_ptr<const simulator::Options> simulated;  ///< null: a real line
   EVaneBaudRate baud = EVaneBaudRate::BR_9600;
   std::chrono::milliseconds timeout{1000};
   std::vector<std::string> given;  ///< names of the line's options that the command line gave

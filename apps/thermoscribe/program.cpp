@@ -7,6 +7,7 @@
 #include "adapters/terminal/terminal_passcode.h"
 #include "apps/thermoscribe/line_options.h"
 #include "apps/thermoscribe/program_commands.h"
+#include "simulator/options.h"
 
 namespace vane::thermoscribe {
 namespace {
@@ -70,7 +71,7 @@ Option Simulate(HostOptions& host) {
                 {}};
   option.take = [&host](const std::string& text) {
     try {
-      host.simulated = simulator::ParseOptions(text);
+      host.simulated = std::make_shared<const simulator::Options>(simulator::ParseOptions(text));
     } catch (const std::invalid_argument& error) {
       throw CUsageError(error.what());
     }

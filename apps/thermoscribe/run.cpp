@@ -13,6 +13,7 @@
 #include "apps/thermoscribe/line_output.h"
 #include "apps/thermoscribe/notices.h"
 #include "apps/thermoscribe/program.h"
+#include "simulator/options.h"
 
 namespace vane::thermoscribe {
 namespace {
