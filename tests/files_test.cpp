@@ -85,7 +85,7 @@ class SavedFile : public test::CUserTerminal, public testing::Test {
     fs::permissions(folder_ / "bin" / name, fs::perms::owner_all);
   }
   std::string Calls() const {
-    const std::string calls = FileText(folder_ / "calls");
+    std::string calls = FileText(folder_ / "calls");
     fs::remove(folder_ / "calls");
     return calls;
   }

@@ -160,7 +160,7 @@ TEST_F(OddFiles, ClosedStandardDescriptorsAreFilledBeforeAnythingElseIsOpened) {
     PrepareProcess();
     char c = 0;
     if (open("/dev/null", O_RDWR) <= 2) return 1;
-    if (read(0, &c, 1) != 0 || Read("-") != "") return 2;
+    if (read(0, &c, 1) != 0 || !Read("-").empty()) return 2;
     if (write(1, "x", 1) != -1 || write(2, "x", 1) != -1) return 3;
     if (!Write("-", "x").ends_with("'standard output': Bad file descriptor")) return 4;
     int alone[2];

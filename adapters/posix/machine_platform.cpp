@@ -43,9 +43,9 @@ std::string CMachinePlatform::LongTimeText(std::chrono::local_seconds moment) {
 
 std::string CMachinePlatform::FolderOfLibrary() {
   // Every channel asks, at each read of all settings.
-  static const std::string folder =
+  static const std::string kFolder =
       std::filesystem::read_symlink("/proc/self/exe").parent_path().string();
-  return folder;
+  return kFolder;
 }
 
 std::string CMachinePlatform::SystemFolder() { return "/usr/lib"; }

@@ -30,7 +30,7 @@ class CHelpFormatter final : public CLI::Formatter {
   }
   // What conflicts with an option is told when it happens; on a page of help it hides the options.
   std::string make_option_opts(const CLI::Option* option) const override {
-    const std::string value = option->get_option_text();
+    const std::string& value = option->get_option_text();
     if (option->get_positional() || value.empty()) return {};
     return value.front() == '[' ? value : " " + value;
   }

@@ -29,6 +29,7 @@ struct Value {
                             List, Members>;
 
   Value() = default;
+  // NOLINTBEGIN(google-explicit-constructor): what a value can hold is one.
   Value(std::same_as<bool> auto flag) : held(flag) {}
   Value(WholeNumber auto number) : held(std::in_place_type<std::int64_t>, number) {}
   Value(double number);
@@ -37,6 +38,7 @@ struct Value {
   Value(const char* text);
   Value(List list);
   Value(Members members);
+  // NOLINTEND(google-explicit-constructor)
 
   template <class T>
   bool Is() const {

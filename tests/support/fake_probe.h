@@ -166,7 +166,7 @@ class CFakeConversion : public CVaneConversion {
 
 class CFakeProbe : public CVaneProbe {
  public:
-  explicit CFakeProbe(Log log) : log_(log), conversion_(make(EVaneConversionType::CONV_NONE)) {}
+  explicit CFakeProbe(Log log) : log_(log), conversion_(Make(EVaneConversionType::CONV_NONE)) {}
 
   void SetHelpFile(const std::string& file) override { log_("probe HelpFile=" + file); }
   void SetRegistry(std::shared_ptr<CVaneRegistry>& registry) override {
@@ -186,7 +186,7 @@ class CFakeProbe : public CVaneProbe {
   EVaneConversionType ConversionType() const override { return type_; }
   void SetConversionType(EVaneConversionType ct) override {
     type_ = ct;
-    conversion_ = make(ct);
+    conversion_ = Make(ct);
     log_("probe ConversionType=" + Number(static_cast<int>(ct)));
   }
 
@@ -194,7 +194,7 @@ class CFakeProbe : public CVaneProbe {
   std::string filepath;
 
  private:
-  std::unique_ptr<CFakeConversion> make(EVaneConversionType ct) const {
+  std::unique_ptr<CFakeConversion> Make(EVaneConversionType ct) const {
     return std::make_unique<CFakeConversion>(log_, ct);
   }
 

@@ -14,7 +14,7 @@ namespace vane {
 struct Answer : thermoscribe::Value {
   using Value::Value;
   Answer() = default;
-  Answer(Value value) : Value(std::move(value)) {}
+  Answer(Value value) : Value(std::move(value)) {}  // NOLINT: a value is an answer
 
   // None when it isn't there.
   Answer operator[](std::string_view name) const {

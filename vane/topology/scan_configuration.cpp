@@ -23,7 +23,7 @@ std::string CodeText(Enum value) {
 // The text up to the next comma, which goes with it.
 std::string CutItem(std::string& list) {
   const std::size_t comma = list.find(',');
-  const std::string item = list.substr(0, comma);
+  std::string item = list.substr(0, comma);
   list.erase(0, comma == list.npos ? comma : comma + 1);
   return item;
 }
