@@ -70,10 +70,10 @@ Options Parse(const std::function<void(CLI::App&)>& parse) {
   app.set_version_flag("--version", "thermoscribe-sim " THERMOSCRIBE_VERSION,
                        "print the version and exit");
 
-  bool without_scanner = false;
+  bool withoutscanner = false;
   CLI::Option* const scanner =
       app.add_flag("--scanner", options.readout.scanner, "a scanner is attached (the default)");
-  app.add_flag("--no-scanner", without_scanner, "no scanner is attached")->excludes(scanner);
+  app.add_flag("--no-scanner", withoutscanner, "no scanner is attached")->excludes(scanner);
   app.add_option("--firmware", options.readout.firmware,
                  "firmware version; below 5.03 the commands that\n"
                  "count modules and channels are unknown, and an\n"
@@ -90,8 +90,8 @@ Options Parse(const std::function<void(CLI::App&)>& parse) {
       app.add_option("--passcode", options.readout.passcode, "passcode of the protected settings")
           ->type_name("TEXT")
           ->capture_default_str();
-  std::string passcode_file;
-  app.add_option("--passcode-file", passcode_file,
+  std::string passcodefile;
+  app.add_option("--passcode-file", passcodefile,
                  "take the passcode from the first line of FILE,\n"
                  "so that it shows in no list of processes")
       ->type_name("FILE")
@@ -133,8 +133,8 @@ Options Parse(const std::function<void(CLI::App&)>& parse) {
   } catch (const CLI::ParseError& error) {
     throw std::invalid_argument(error.what());
   }
-  if (without_scanner) options.readout.scanner = false;
-  if (!passcode_file.empty()) options.readout.passcode = FirstLine(passcode_file);
+  if (withoutscanner) options.readout.scanner = false;
+  if (!passcodefile.empty()) options.readout.passcode = FirstLine(passcodefile);
   if (!protocol::FitsForm(protocol::kPasscodeForm, options.readout.passcode)) {
     throw std::invalid_argument("the passcode must be " +
                                 protocol::FormText(protocol::kPasscodeForm));
@@ -143,10 +143,10 @@ Options Parse(const std::function<void(CLI::App&)>& parse) {
   const auto has = [&groups](const char* group) {
     return std::find(groups.begin(), groups.end(), group) != groups.end();
   };
-  options.readout.protect_conversion = has("conversion");
-  options.readout.protect_calibration = has("calibration");
-  options.readout.protect_sampling = has("sampling");
-  options.readout.protect_units = has("units");
+  options.readout.protectconversion = has("conversion");
+  options.readout.protectcalibration = has("calibration");
+  options.readout.protectsampling = has("sampling");
+  options.readout.protectunits = has("units");
   return options;
 }
 

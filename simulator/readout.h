@@ -30,10 +30,10 @@ struct ReadoutOptions {
   bool scanner = true;
   std::uint64_t seed = 1;
   std::string passcode = "1234";
-  bool protect_conversion = false;
-  bool protect_calibration = false;
-  bool protect_sampling = false;
-  bool protect_units = false;
+  bool protectconversion = false;
+  bool protectcalibration = false;
+  bool protectsampling = false;
+  bool protectunits = false;
 };
 
 inline constexpr std::int32_t kInputs = 2;
@@ -62,12 +62,10 @@ class CReadout {
   CReply Dispatch(const protocol::ParsedCommand& command);
 
   CReply Initialize(const CommandParams&) { return CReply::Done(); }
-  CReply ReadProtectConversion(const CommandParams&) { return OnOff(options_.protect_conversion); }
-  CReply ReadProtectCalibration(const CommandParams&) {
-    return OnOff(options_.protect_calibration);
-  }
-  CReply ReadProtectSampling(const CommandParams&) { return OnOff(options_.protect_sampling); }
-  CReply ReadProtectUnits(const CommandParams&) { return OnOff(options_.protect_units); }
+  CReply ReadProtectConversion(const CommandParams&) { return OnOff(options_.protectconversion); }
+  CReply ReadProtectCalibration(const CommandParams&) { return OnOff(options_.protectcalibration); }
+  CReply ReadProtectSampling(const CommandParams&) { return OnOff(options_.protectsampling); }
+  CReply ReadProtectUnits(const CommandParams&) { return OnOff(options_.protectunits); }
   CReply StartMeasure(const CommandParams& fields);
   CReply StopMeasure(const CommandParams& fields);
   CReply ReadMeasurement(const CommandParams& fields);
