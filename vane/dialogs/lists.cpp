@@ -143,7 +143,7 @@ void CVaneT312B::FillChannelList(ui::CListControl& lst) const {
     // With a scanner, Input 1 is the one that it is plugged into.
     for (std::int16_t i = HasScanners() ? kNumInputs : 1;
          i <= (HasScanners() ? kNumInputs : NumChannels()); ++i) {
-      add(i, *Modules(0)->Channels(static_cast<std::int16_t>(i - 1)));
+      add(i, *ModuleOf(*this, 0).Channels(static_cast<std::int16_t>(i - 1)));
     }
     for (std::int16_t m = 1; m < NumModules(); ++m) {
       const CModule& scanner = *Modules(m);
