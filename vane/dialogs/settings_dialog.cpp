@@ -31,7 +31,7 @@ struct GroupRow {
   void (CVaneT312B::*setstate)(ET312BPasscodeState value);
 };
 
-constexpr GroupRow kGroups[] = {
+constexpr GroupRow kGroupRows[] = {
     {EProtectedGroup::UNITS, &CVaneT312B::ProtectUnitsTime, &CVaneT312B::UnitsTimePasscodeState,
      &CVaneT312B::SetUnitsTimePasscodeState},
     {EProtectedGroup::SAMPLING, &CVaneT312B::ProtectSampling, &CVaneT312B::SamplingPasscodeState,
@@ -141,7 +141,7 @@ void frmT312BSettings::EnableScannerFields(bool enabled) {
 void frmT312BSettings::LoadPasscodeState() {
   Groups guarded{};
   Groups open{};
-  for (const GroupRow& row : kGroups) {
+  for (const GroupRow& row : kGroupRows) {
     Of(guarded, row.group) = (instrument_->*row.isprotected)();
     Of(open, row.group) = (instrument_->*row.state)() == PS_ENABLED;
   }
@@ -155,7 +155,7 @@ void frmT312BSettings::LoadPasscodeState() {
 }
 
 void frmT312BSettings::EnablePasscodeStates() {
-  for (const GroupRow& row : kGroups) (instrument_->*row.setstate)(PS_ENABLED);
+  for (const GroupRow& row : kGroupRows) (instrument_->*row.setstate)(PS_ENABLED);
 }
 
 void frmT312BSettings::ApplyPasscodeStates(const Groups& open) {
@@ -169,9 +169,10 @@ void frmT312BSettings::ApplyPasscodeStates(const Groups& open) {
 }
 
 void frmT312BSettings::ShowNotices(const Groups& shut) {
-  using enum EProtectedGroup;
-  fields_.Label(SAMPLING_NOTICE).SetVisible(Of(shut, EProtectedGroup::UNITS) || Of(shut, SAMPLING));
-  fields_.Label(CALIBRATION_NOTICE).SetVisible(Of(shut, CALIBRATION) || Of(shut, CONVERSION));
+  using Group = EProtectedGroup;
+  fields_.Label(SAMPLING_NOTICE).SetVisible(Of(shut, Group::UNITS) || Of(shut, Group::SAMPLING));
+  fields_.Label(CALIBRATION_NOTICE)
+      .SetVisible(Of(shut, Group::CALIBRATION) || Of(shut, Group::CONVERSION));
 }
 
 void frmT312BSettings::EnforceTimingOrder() {

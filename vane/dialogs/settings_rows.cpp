@@ -165,7 +165,7 @@ constexpr FieldRow Stepped(ESettingsField id, Tab tab, std::string_view name, ET
 using enum EFieldKind;
 using Param = ET312BCalParams;
 
-constexpr FieldRow kRows[] = {
+constexpr FieldRow kFieldRows[] = {
     ReadOnly(MODEL, "Model", EText::MODEL, [](const It& it) { return it.Model(); }),
     ReadOnly(IDENTIFICATION, "Identification", EText::IDENTIFICATION,
              [](const It& it) { return it.Identification(); }),
@@ -264,7 +264,7 @@ constexpr FieldRow kRows[] = {
 
 constexpr bool StandInTheOrderOfTheirIds() {
   std::int32_t next = 0;
-  for (const FieldRow& row : kRows) {
+  for (const FieldRow& row : kFieldRows) {
     if (row.id != ESettingsField{next++}) return false;
   }
   return ESettingsField{next} == END;
@@ -325,7 +325,7 @@ constexpr ESettingsField kToGather[] = {
 
 }  // namespace
 
-std::span<const FieldRow> SettingsRows() { return kRows; }
+std::span<const FieldRow> SettingsRows() { return kFieldRows; }
 std::span<const ESettingsField> FieldsToLoad() { return kToLoad; }
 std::span<const ESettingsField> ScannerFieldsToLoad() { return kScannerToLoad; }
 std::span<const ESettingsField> CalibrationFieldsToLoad() { return kCalibrationToLoad; }

@@ -30,7 +30,7 @@ struct FollowRow {
 
 constexpr std::int32_t kUserDefined = Of(ET312BScannerScanMode::SSM_USER_DEFINED);
 
-constexpr FollowRow kRows[] = {
+constexpr FollowRow kFollowRows[] = {
     {FILTER_TYPE, EMatch::IS_NOT, Of(ET312BFilterType::FT_NONE), {RESPONSE_TIME, THRESHOLD, END}},
     {SAMPLE_ACTION, EMatch::IS, Of(ET312BSampleAction::SA_SAMPLE_N), {SAMPLE_N, END, END}},
     {CHANNEL_MODE, EMatch::IS, Of(ET312BChannelMode::CM_SCANNER_CHANNEL), {SCAN_CHANNEL, END, END}},
@@ -57,7 +57,7 @@ bool Holds(const CSettingsFields& fields, const FollowRow& row) {
 }  // namespace
 
 void FollowChoice(CSettingsFields& fields, ESettingsField trigger) {
-  for (const FollowRow& row : kRows) {
+  for (const FollowRow& row : kFollowRows) {
     if (row.trigger != trigger) continue;
     const bool holds = Holds(fields, row);
     for (const ESettingsField field : row.fields) {
