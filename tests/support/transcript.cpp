@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <utility>
 
 #include "tests/support/fake_probe.h"
 #include "vane/components/library_error.h"
@@ -156,6 +157,7 @@ EBoxButton CRecordingPlatform::MessageBox(const std::string& text, const std::st
   std::string line = "box " + std::to_string(flags) + " " + title + ": " + OneLine(text);
   if (!helpfile.empty()) line += " help=" + helpfile + "#" + std::to_string(helpcontext);
   log_.Add(line);
+  if (std::exchange(failsatbox, false)) throw LibraryError(kLineError, "box", "no screen");
   return asksforms ? forms_.MessageBox(text, flags) : EBoxButton::OK;
 }
 

@@ -117,7 +117,8 @@ class CRecordingPlatform : public CPlatform {
   std::string folderoflibrary = "/opt/vane/lib";
   std::string systemfolder = "/usr/lib";
   std::string temporaryfolder = "/tmp";
-  bool asksforms = false;
+  bool asksforms = false;   ///< whether boxes are answered as `CTestHost::forms` was told
+  bool failsatbox = false;  ///< the next box can't be shown
 
  private:
   CTranscript& log_;

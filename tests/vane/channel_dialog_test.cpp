@@ -274,6 +274,18 @@ TEST_F(ChannelDialog, WhatCannotBeReadLeavesCancelAndHelp) {
   }
 }
 
+// Not even the box that would say so comes up: the user still gets out.
+TEST_F(ChannelDialog, ABoxThatCannotBeShownLocksNobodyIn) {
+  host_.script.silent.insert("read 140");
+  host_.platform.failsatbox = true;
+  host_.forms.ExpectBox("An error occurred while carrying out the command.");
+  EXPECT_FALSE(Edit([&](ui::CUser& user) {
+    EXPECT_TRUE(user.Form().Enabled());
+    EXPECT_FALSE(user.Return() || Apply(user));
+    EXPECT_TRUE(user.Escape());
+  }));
+}
+
 TEST_F(ChannelDialog, GatheringEndsAtWhatHasNoValue) {
   host_.script.replies["read 138"] = "?";
   EXPECT_FALSE(Edit([&](ui::CUser& user) {
