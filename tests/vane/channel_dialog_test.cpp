@@ -355,7 +355,7 @@ TEST_F(ChannelDialog, AWriteIsInterruptedByNoClick) {
     host_.forms.AtPass(1, [&] {
       EXPECT_FALSE(user.CloseBox() || Apply(user) || Press(user, 0) ||
                    PickText(user, "cboProbeSelection", "Probe 7") ||
-                   PickText(user, "cboConversionType", "Resistance"));
+                   PickText(user, "cboConversionType", "Ohms"));
       EXPECT_TRUE(Enter(user, "txt3WireOffset", "5"));
     });
     EXPECT_TRUE(Apply(user));

@@ -375,6 +375,26 @@ TEST_F(Form, BackEndIsToldEveryChange) {
   seen(form_, EAspect::SHOWN);
 }
 
+// What an event does to the controls around it leaves the focus where it can be.
+TEST_F(Form, FocusFollowsWhatEventsClose) {
+  field_.OnChange([this] { field_.SetEnabled(field_.Text() != "9"); });
+  field_.OnLostFocus([this] { box_.SetEnabled(false); });
+  EXPECT_EQ(Of([&](CUser& user) {
+              EXPECT_TRUE(user.Type("9"));
+              EXPECT_EQ(form_.Focused(), &fixed_);
+              field_.SetEnabled(true);
+              box_.SetEnabled(true);
+              EXPECT_TRUE(user.Focus(field_));
+              EXPECT_FALSE(user.Click(box_));
+              EXPECT_EQ(form_.Focused(), &field_);
+              field_.OnLostFocus([this] { list_.RemoveItem(2); });
+              EXPECT_FALSE(user.DoubleClick(list_, 2));
+              EXPECT_TRUE(form_.Shown());
+            }),
+            "field got\n");
+  EXPECT_FALSE(box_.Checked());
+}
+
 TEST(MemoryForms, TellsWhatNobodyExpectedAndWhatNobodyUsed) {
   CMemoryForms forms;
   forms.ExpectBox("write", EBoxButton::YES);
@@ -390,12 +410,18 @@ TEST(MemoryForms, TellsWhatNobodyExpectedAndWhatNobodyUsed) {
   forms.RunMessageQueue();
   forms.RunMessageQueue();
   EXPECT_EQ(passes, 11);
+  forms.Expect("frmShy", [&](CUser&) { ++passes; });
+  const auto shy = forms.Make("frmShy");
+  shy->OnFirstPaint([&] { shy->Hide(); });
+  shy->ShowModal(nullptr);
+  EXPECT_EQ(passes, 11);
   EXPECT_EQ(forms.MessageBox("sure?", kBoxYesNo), EBoxButton::NO);
   forms.ExpectBox("gone", EBoxButton::NO);
   EXPECT_EQ(forms.MessageBox("gone", kBoxStop), EBoxButton::NO);
   forms.ExpectBox("never");
   forms.Expect("frmNever", {});
   EXPECT_EQ(forms.Faults(),
+            "The window frmShy closed before anybody acted.\n"
             "Nobody expected the box \"sure?\".\n"
             "The box \"gone\" has no such button as was expected.\n"
             "The window frmNever has not come up.\nThe box \"never\" has not come up.\n"

@@ -63,10 +63,16 @@ void CForm::Load() {
   view_->Load(*this);
   loaded_ = true;
   painted_ = false;
-  Run(load_);
+  try {
+    Run(load_);
+  } catch (...) {
+    loaded_ = false;
+    throw;
+  }
 }
 
 void CForm::ShowModal(CWindow* owner) {
+  if (shown_) throw std::logic_error("The window " + Name() + " is shown already.");
   Load();
   {
     const COnTop ontop(*this);
@@ -75,7 +81,7 @@ void CForm::ShowModal(CWindow* owner) {
     Change(shown_, true, EAspect::SHOWN);
     try {
       Guarded([this] { MoveFocus(NextStop(nullptr, true)); });
-      view_->RunModal(*this, owner);
+      if (shown_) view_->RunModal(*this, owner);
     } catch (...) {
       Hide();
       throw;
@@ -133,8 +139,13 @@ bool CForm::SetFocus(CControl& control) {
 void CForm::MoveFocus(CControl* control) {
   if (focused_ == control) return;
   if (focused_ != nullptr) Run(focused_->lostfocus_);
+  // What the control that is left does may have closed the other.
+  if (control != nullptr && !control->IsOpen()) return;
   focused_ = control;
-  if (control == nullptr) return;
+  if (control == nullptr) {
+    Tell(EAspect::FOCUS);
+    return;
+  }
   control->Tell(EAspect::FOCUS);
   Run(control->gotfocus_);
 }

@@ -24,7 +24,8 @@ class CFormView {
   /// controls.
   virtual void Load(CForm& form) = 0;
 
-  /// A state has changed; the new one is there to be read. Only between `Load` and the end.
+  /// A state has changed; the new one is there to be read. Only between `Load` and the end. Must
+  /// not raise.
   virtual void Changed(CControl& control, EAspect aspect) = 0;
 
   /// Shows the window, calls `CForm::Paint` once it is there, and returns when `Shown` has become
@@ -134,7 +135,6 @@ class CForm final : public CWindow, public CControl {
   // Takes the focus from a control that can't have it any more.
   void SettleFocus();
 
-  const std::unique_ptr<CFormView> view_;
   std::vector<std::unique_ptr<CControl>> controls_;
   CControl* focused_ = nullptr;
   std::int32_t helpcontext_ = 0;
@@ -148,6 +148,7 @@ class CForm final : public CWindow, public CControl {
   Handler firstpaint_;
   Handler unload_;
   Handler failed_;
+  const std::unique_ptr<CFormView> view_;  // goes before the controls that it mirrors
 };
 
 }  // namespace vane::ui

@@ -24,7 +24,11 @@ class CMemoryForms::CMemoryView final : public ui::CFormView {
     expected.pop_front();
     form.Paint();
     ui::CUser user(form);
-    if (form.Shown()) window.acts(user);
+    if (!form.Shown()) {
+      forms_.faults_ += "The window " + form.Name() + " closed before anybody acted.\n";
+      return;
+    }
+    window.acts(user);
     if (form.Shown()) Fail("The window " + form.Name() + " was left open.");
   }
 
@@ -68,10 +72,10 @@ EBoxButton CMemoryForms::MessageBox(const std::string& text, std::int32_t flags)
 }
 
 void CMemoryForms::RunMessageQueue() {
-  ++passes_;
   // What acts may come to further passes.
+  const std::size_t pass = ++passes_;
   for (std::size_t i = 0; i < acts_.size();) {
-    if (acts_[i].pass != passes_) {
+    if (acts_[i].pass != pass) {
       ++i;
       continue;
     }

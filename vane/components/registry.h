@@ -1,7 +1,8 @@
 // The registry component: values and window places that outlive the program, per user.
 //
 // Made by the host, which shares it with the instrument object; that passes it on to modules,
-// channels and probes. The library reads values, and keeps the places of its windows. Lives on the user-interface thread.
+// channels and probes. The library reads values, and keeps the places of its windows. Lives on the
+// user-interface thread.
 #pragma once
 
 #include <cstdint>

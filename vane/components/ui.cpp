@@ -59,10 +59,11 @@ void CUpDown::SetRange(std::int32_t min, std::int32_t max, std::int32_t incremen
 }
 
 void CItemList::Clear() {
+  const bool hadselection = std::exchange(listindex_, -1) != -1;
   items_.clear();
   newindex_ = -1;
   Tell(EAspect::ITEMS);
-  Change(listindex_, -1, EAspect::SELECTION);
+  if (hadselection) Tell(EAspect::SELECTION);
 }
 
 void CItemList::AddItem(const std::string& text) {
@@ -88,9 +89,11 @@ void CItemList::RemoveItem(std::int32_t index) {
   At(index);
   items_.erase(items_.begin() + index);
   newindex_ = -1;
+  const bool moves = listindex_ >= index;
+  if (moves) listindex_ = listindex_ == index ? -1 : listindex_ - 1;
+  // A back end that looks at both sees an index that is there.
   Tell(EAspect::ITEMS);
-  if (listindex_ < index) return;
-  Change(listindex_, listindex_ == index ? -1 : listindex_ - 1, EAspect::SELECTION);
+  if (moves) Tell(EAspect::SELECTION);
 }
 
 void COptionGroup::Select(std::int32_t index) {

@@ -83,7 +83,7 @@ enum class EAspect : std::int32_t {
   RANGE,      ///< limits of an up-down or of a field's length
   CHECKED,
   TAB,    ///< the selected tab
-  FOCUS,  ///< the control has got the focus
+  FOCUS,  ///< the control has got the focus; of a form: no control has it
   SHOWN,  ///< of a form
   PLACE,  ///< of a form: the program has moved or sized it
 };

@@ -104,6 +104,7 @@ bool CUser::Key(std::int16_t code) {
       taken = key != 0;
     }
   });
+  form_.SettleFocus();
   return done && taken;
 }
 
@@ -122,16 +123,19 @@ bool CUser::Paste(const std::string& text) {
   bool taken = true;
   const bool done =
       form_.Guarded([&] { taken = Edit(*field, text.substr(0, text.find_first_of("\r\n"))); });
+  form_.SettleFocus();
   return done && taken;
 }
 
 bool CUser::Delete() {
   CTextField* const field = FieldToEdit();
   if (field == nullptr) return false;
-  return form_.Guarded([&] {
+  const bool done = form_.Guarded([&] {
     if (field->SelectionLength() == 0) field->SetSelection(field->SelectionStart(), 1);
     Edit(*field, {});
   });
+  form_.SettleFocus();
+  return done;
 }
 
 bool CUser::Select(std::int32_t start, std::int32_t length) {
@@ -195,10 +199,14 @@ bool CUser::Pick(CItemList& list, std::int32_t index) {
 
 bool CUser::DoubleClick(CListBox& list, std::int32_t index) {
   if (index < 0 || index >= list.ListCount()) return false;
-  return Do(list, true, [&] {
+  bool there = false;
+  const bool done = Do(list, true, [&] {
+    there = index < list.ListCount();
+    if (!there) return;
     list.SetListIndex(index);
     CControl::Run(list.doubleclick_);
   });
+  return done && there;
 }
 
 bool CUser::Choose(COptionGroup& group, std::int32_t index) {

@@ -213,7 +213,17 @@ void frmT312BPRTTHRMChannel::ChooseProbe() {
 }
 
 void frmT312BPRTTHRMChannel::ChooseConversionType() {
-  if (!loading_) channel_->SetConversionType(EVaneConversionType{SelectedCode(conversiontype_)});
+  if (!loading_) {
+    try {
+      channel_->SetConversionType(EVaneConversionType{SelectedCode(conversiontype_)});
+    } catch (...) {
+      // The window shows the type that the probe has, so that the choice can be made again.
+      const CStanding loading(loading_);
+      conversiontype_.SetListIndex(-1);
+      SelectItemByData(conversiontype_, Code(channel_->Probe()->ConversionType()));
+      throw;
+    }
+  }
   UpdateConversionButton();
 }
 
@@ -252,6 +262,7 @@ void frmT312BPRTTHRMChannel::Apply() {
 }
 
 void frmT312BPRTTHRMChannel::AcceptAndClose() {
+  cancelled_ = false;
   if (!GatherSettings() || !ValidateSettings()) return;
   if (channel_->Changed() && AskToWrite(EText::WISH_TO_WRITE_CHANNEL) &&
       !channel_->UpdateInfo(form_.get())) {
@@ -263,7 +274,12 @@ void frmT312BPRTTHRMChannel::AcceptAndClose() {
 
 void frmT312BPRTTHRMChannel::Cancel() {
   cancelled_ = true;
-  CloseProtection();
+  try {
+    CloseProtection();
+  } catch (...) {
+    form_->Hide();
+    throw;
+  }
   form_->Hide();
 }
 

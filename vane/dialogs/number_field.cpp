@@ -41,7 +41,8 @@ CNumberField::CNumberField(ui::CTextField& field, EFieldKind kind, KeyFilter fil
   field_.OnGotFocus([] { SelectActiveText(); });
   if (filter != nullptr) field_.OnKeyPress(filter);
   field_.OnLostFocus([this] {
-    Limit();
+    // One that the program has closed in the meantime keeps what the program shows in it.
+    if (field_.IsOpen() || field_.Text() != good_) Limit();
     if (settled_) settled_();
   });
   if (updown_ == nullptr) return;

@@ -155,9 +155,11 @@ class CVaneT312B {
   void SetChanged(bool value) { changed_ = value; }
   bool Changed() const { return changed_; }
 
-  /// Switches for the host; the library itself reads neither.
+  /// A switch for the host; the library itself does not read it.
   void SetAllowSetSerial(bool value) { allowsetserial_ = value; }
   bool AllowSetSerial() const { return allowsetserial_; }
+
+  /// Whether the dialogs read everything back behind an Apply that was written.
   void SetReadAfterApply(bool value) { readafterapply_ = value; }
   bool ReadAfterApply() const { return readafterapply_; }
 
