@@ -1,18 +1,14 @@
 #include "vane/channels/coefficients.h"
 
+#include <algorithm>
+#include <iterator>
 #include <span>
-#include <string_view>
 
 #include "vane/channels/channel.h"
 #include "vane/channels/conversion_table.h"
 
 namespace vane {
 namespace {
-
-constexpr std::string_view kLowNames[] = {"a", "b", "c1", "c2", "c3", "c4", "c5"};
-constexpr std::string_view kHighNames[] = {"a", "b", "c", "d"};
-constexpr std::string_view kCVDNames[] = {"R0", "alpha", "delta", "beta"};
-constexpr std::string_view kIPTS68Names[] = {"R0", "alpha", "delta", "a4", "c4"};
 
 // A settings object whose coefficients go by a number.
 template <class Settings>
@@ -33,12 +29,11 @@ void AddRange(std::vector<Coefficient>& coefficients, CITS90Range& range) {
 }  // namespace
 
 std::string RangeCoefficientName(std::int32_t subrange, std::int32_t index) {
-  const bool islow = kLowSide.CoefficientsOf(subrange) > 0;
-  if (index < 0 || index >= (islow ? kLowSide : kHighSide).CoefficientsOf(subrange)) return {};
-  const auto place = static_cast<std::size_t>(index);
+  const RangeSide& side = kLowSide.CoefficientsOf(subrange) > 0 ? kLowSide : kHighSide;
+  if (index < 0 || index >= side.CoefficientsOf(subrange)) return {};
   // a, b and, above 0.01 °C, c bear the number of their subrange; the others are numbered through
   // or stand alone.
-  std::string name(islow ? kLowNames[place] : kHighNames[place]);
+  std::string name(side.rows[static_cast<std::size_t>(index)].name);
   if (name.size() == 1 && name != "d") name += std::to_string(subrange);
   return name;
 }
@@ -55,15 +50,14 @@ std::vector<Coefficient> CoefficientsOf(CConversionSettings* settings, EVaneConv
   } else if (auto* const cvd = dynamic_cast<CCVDSettings*>(settings)) {
     const bool ipts68 = dynamic_cast<CIPTS68Settings*>(settings) != nullptr;
     std::int32_t index = 0;
-    for (const std::string_view name :
-         ipts68 ? std::span<const std::string_view>(kIPTS68Names) : std::span(kCVDNames)) {
-      Add(coefficients, *cvd, index, std::string(name), cvd->ValueFormat(index));
+    for (const CoefficientRow& row :
+         ipts68 ? std::span<const CoefficientRow>(kIPTS68Rows) : std::span(kCVDRows)) {
+      Add(coefficients, *cvd, index, std::string(row.name), cvd->ValueFormat(index));
       ++index;
     }
   } else if (auto* const series = dynamic_cast<CThermistorSettings*>(settings)) {
-    const char* const letter = ct == EVaneConversionType::CONV_POLYNOMIAL      ? "c"
-                               : ct == EVaneConversionType::CONV_THERMISTOR_TR ? "B"
-                                                                               : "A";
+    const auto row = std::ranges::find(kSeriesRows, ct, &SeriesRow::type);
+    const std::string letter(row != std::end(kSeriesRows) ? row->letter : "");
     for (std::int16_t i = 0; i < series->NumCoefficients(); ++i) {
       Add(coefficients, *series, i, letter + std::to_string(i), series->ValueFormat());
     }

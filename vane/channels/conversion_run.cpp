@@ -46,13 +46,6 @@ struct Sequence {
   std::span<const RangeWalk> walks;
 };
 
-/// Coefficients that are numbered through.
-struct Series {
-  EVaneConversionType type;
-  std::string_view name;
-  ProbeCommand command;
-};
-
 std::string ValueText(double value, const std::string& format) {
   return ToDotDecimal(FormatNumber(value, format));
 }
@@ -120,12 +113,6 @@ constexpr Sequence kSequences[] = {
     {CONV_WT90, "W(T90)", kWT90Values, {}, {}},
 };
 
-constexpr Series kSeries[] = {
-    {CONV_POLYNOMIAL, "Polynomial", {"POLYCoefficient", READ_POLYNOMIAL}},
-    {CONV_THERMISTOR_TR, "Thermistor T(R)", {"ThermistorTRCoefficient", READ_THERMISTOR_TR}},
-    {CONV_THERMISTOR_RT, "Thermistor R(T)", {"ThermistorRTCoefficient", READ_THERMISTOR_RT}},
-};
-
 class CConversionRun {
  public:
   CConversionRun(const CVaneT312BPRTTHRMChannel& channel, const Components& components,
@@ -133,7 +120,7 @@ class CConversionRun {
       : channel_(channel), components_(components), way_(way), prbidx_(prbidx), frm_(frm) {}
 
   bool Run(const Sequence& sequence);
-  bool Run(const Series& series);
+  bool Run(const SeriesRow& series);
 
  private:
   bool RunRange(const RangeWalk& walk);
@@ -216,16 +203,15 @@ bool CConversionRun::RunRange(const RangeWalk& walk) {
                     });
 }
 
-bool CConversionRun::Run(const Series& series) {
+bool CConversionRun::Run(const SeriesRow& series) {
   const auto settings = [&]() -> CThermistorSettings& {
     return SettingsOf<CThermistorSettings>(Probe());
   };
   const auto steps = [&](CLongRun& run) {
-    Start(run, series.name, settings().NumCoefficients());
+    Start(run, series.title, settings().NumCoefficients());
     for (std::int32_t index = 0; index < settings().NumCoefficients(); ++index) {
       const std::string number = std::to_string(index);
-      ProbeCommand command = series.command;
-      command.index = number;
+      const ProbeCommand command{series.operation, series.readid, {}, number};
       if (!run.Step({number, [&] { return ExchangeHeld(command, settings, index); }})) return false;
     }
     return true;
@@ -298,7 +284,7 @@ bool RunConversion(const CVaneT312BPRTTHRMChannel& channel, const Components& co
   for (const Sequence& sequence : kSequences) {
     if (sequence.type == type) return run.Run(sequence);
   }
-  for (const Series& series : kSeries) {
+  for (const SeriesRow& series : kSeriesRows) {
     if (series.type == type) return run.Run(series);
   }
   return true;
