@@ -11,9 +11,9 @@
 #include "adapters/headless/headless_platform.h"
 #include "apps/thermoscribe/instrument_properties.h"
 #include "apps/thermoscribe/output.h"
-#include "vane/channels/coefficients.h"
 #include "apps/thermoscribe/probe_input.h"
 #include "simulator/line_server.h"
+#include "vane/channels/coefficients.h"
 
 namespace vane::thermoscribe {
 namespace {
