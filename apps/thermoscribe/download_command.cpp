@@ -5,8 +5,8 @@
 #include <string>
 #include <utility>
 
-#include "adapters/files/field_reader.h"
 #include "adapters/files/config_registry.h"
+#include "adapters/files/field_reader.h"
 #include "adapters/files/replacing_file.h"
 #include "adapters/posix/links.h"
 #include "apps/thermoscribe/host.h"
