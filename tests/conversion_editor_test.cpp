@@ -170,6 +170,43 @@ TEST_F(ConversionEditor, OrderShowsItsCoefficients) {
   EXPECT_EQ(settings.Coefficients(5), 5.5);
 }
 
+TEST_F(ConversionEditor, WhatIsOutOfLimitsStaysUntilAnotherIsTyped) {
+  const struct {
+    double stored;
+    const char* typed;  // null leaves the field as it is
+    double kept;
+  } resistances[] = {{-100, nullptr, -100}, {-100, "-100.0", -100}, {-100, "-50", 1e-6},
+                     {0, nullptr, 0},       {0, "-1", 1e-6},        {0, "99", 99}};
+  for (const auto& row : resistances) {
+    auto& settings = Use<CCVDSettings>(CONV_CVD);
+    for (std::int32_t i = 0; i < 4; ++i) settings.SetValueFormat(i, "##0.0##########");
+    settings.SetCoefficients(0, row.stored);
+    Edit(true, [&](ui::CUser& user) {
+      EXPECT_TRUE(row.typed == nullptr || Enter(user, "txtR0", row.typed));
+      EXPECT_TRUE(user.Focus(user.Find<ui::CTextField>("txtR0")));
+      EXPECT_TRUE(user.Return());
+    });
+    EXPECT_EQ(settings.Coefficients(0), row.kept) << row.stored;
+    EXPECT_EQ(probe_.Changed(), row.kept != row.stored) << row.stored;
+  }
+  const struct {
+    std::int32_t stored;
+    const char* typed;
+    std::int32_t kept;
+  } orders[] = {{12, nullptr, 12}, {12, "11", 10},          {-1, nullptr, -1},
+                {-1, "-2", 0},     {40000, nullptr, 40000}, {40000, "3", 3}};
+  for (const auto& row : orders) {
+    auto& settings = Use<CPolynomialSettings>(CONV_POLYNOMIAL);
+    settings.SetOrder(row.stored);
+    Edit(true, [&](ui::CUser& user) {
+      EXPECT_TRUE(row.typed == nullptr || Enter(user, "txtOrder", row.typed));
+      EXPECT_TRUE(user.Return());
+    });
+    EXPECT_EQ(settings.Order(), row.kept);
+    EXPECT_EQ(probe_.Changed(), row.kept != row.stored) << row.stored;
+  }
+}
+
 TEST_F(ConversionEditor, FieldsAreLimitedByPhysicsAlone) {
   host_.platform.separator = ",";
   SetDecimalSeparator("");

@@ -61,9 +61,9 @@ class CConversionEditor {
     ui::CLabel& label;
     ui::CTextField& text;
     std::unique_ptr<CNumberField> number;
+    Coefficient value;
+    double least;
     std::string opened;
-    std::function<double()> get;
-    std::function<void(double)> set;
   };
 
   // One side of ITS-90.
@@ -81,6 +81,8 @@ class CConversionEditor {
   void AddOrder();
 
   void Load();
+  static void LimitTo(const Field& field);
+  void LimitOrder() const;
   void FollowSubrange(const Side& side);
   void FollowOrder();
   void Gather();
@@ -96,6 +98,7 @@ class CConversionEditor {
   ui::CTextField* txtorder_ = nullptr;
   ui::CUpDown* udorder_ = nullptr;
   std::unique_ptr<CNumberField> order_;
+  std::string openedorder_;
 };
 
 CConversionEditor::CConversionEditor(CConversionSettings& settings, EVaneConversionType ct,
@@ -151,11 +154,10 @@ CConversionEditor::Field& CConversionEditor::AddField(const std::string& name,
   label.SetCaption(coefficient.name + ":");
   auto& text = form_->Add<ui::CTextField>("txt" + name, &frame_, !allowedit_);
   auto number = std::make_unique<CNumberField>(text, EFieldKind::REAL, FilterExponentKey);
-  // A value that is out of limits stays as long as nobody types another.
   const double least = IsResistance(coefficient.name) ? kLeastResistance : -kAnyNumber;
-  number->SetLimits(std::min(least, coefficient.get()), kAnyNumber, coefficient.format);
-  fields_.push_back(std::unique_ptr<Field>(
-      new Field{label, text, std::move(number), {}, coefficient.get, coefficient.set}));
+  number->SetFormat(coefficient.format);
+  fields_.push_back(
+      std::unique_ptr<Field>(new Field{label, text, std::move(number), coefficient, least, {}}));
   return *fields_.back();
 }
 
@@ -198,8 +200,10 @@ void CConversionEditor::AddOrder() {
 
 void CConversionEditor::Load() {
   for (const auto& field : fields_) {
-    field->number->Show(field->get());
+    field->number->Show(field->value.get());
     field->opened = field->text.Text();
+    LimitTo(*field);
+    field->text.OnChange([changed = field.get()] { LimitTo(*changed); });
   }
   for (const auto& side : sides_) {
     side->subrange.AddItem(ResourceText(EText::NONE));
@@ -220,11 +224,27 @@ void CConversionEditor::Load() {
     SelectItemByData(*scale_, ipts68_->IPTS68Scale());
   }
   if (polynomial_ != nullptr) {
-    udorder_->SetRange(0, kPolynomialCoefficients - 1, 1);
     order_->Show(polynomial_->Order());
-    txtorder_->OnChange([this] { FollowOrder(); });
+    openedorder_ = txtorder_->Text();
+    LimitOrder();
+    txtorder_->OnChange([this] {
+      LimitOrder();
+      FollowOrder();
+    });
     FollowOrder();
   }
+}
+
+// A value that is out of limits stays as long as nobody types another.
+void CConversionEditor::LimitTo(const Field& field) {
+  const bool isopened = field.text.Text() == field.opened;
+  field.number->SetLimits(isopened ? std::min(field.least, field.value.get()) : field.least,
+                          kAnyNumber, field.value.format);
+}
+
+void CConversionEditor::LimitOrder() const {
+  const std::int32_t stays = txtorder_->Text() == openedorder_ ? polynomial_->Order() : 0;
+  udorder_->SetRange(std::min(0, stays), std::max(kPolynomialCoefficients - 1, stays), 1);
 }
 
 void CConversionEditor::FollowSubrange(const Side& side) {
@@ -259,13 +279,14 @@ void CConversionEditor::Gather() {
     if (!field->text.Visible() || field->text.Text() == field->opened) continue;
     changes.emplace_back(field.get(), RealFromField(field->text.Text()));
   }
-  if (polynomial_ != nullptr) polynomial_->SetOrder(WholeFromField(txtorder_->Text()));
+  if (polynomial_ != nullptr && txtorder_->Text() != openedorder_)
+    polynomial_->SetOrder(WholeFromField(txtorder_->Text()));
   for (const auto& side : sides_) {
     if (side->subrange.ListIndex() >= 0) side->range.SetRange(SelectedCode(side->subrange));
   }
   if (ipts68_ != nullptr && scale_->ListIndex() >= 0)
     ipts68_->SetIPTS68Scale(SelectedCode(*scale_));
-  for (const auto& [field, value] : changes) field->set(value);
+  for (const auto& [field, value] : changes) field->value.set(value);
 }
 
 }  // namespace
