@@ -6,6 +6,7 @@
 #include "tests/support/transcript.h"
 #include "vane/channels/coefficients.h"
 #include "vane/channels/conversion_table.h"
+#include "vane/support/messages.h"
 #include "vane/support/number_text.h"
 
 namespace vane {
@@ -205,6 +206,68 @@ TEST_F(ConversionEditor, WhatIsOutOfLimitsStaysUntilAnotherIsTyped) {
     EXPECT_EQ(settings.Order(), row.kept);
     EXPECT_EQ(probe_.Changed(), row.kept != row.stored) << row.stored;
   }
+}
+
+// Keeps the places of windows, as a registry does, but fails to save where told.
+class CPlaces : public test::CFakeRegistry {
+ public:
+  void RestoreFormPlacement(ui::CForm& form, std::int32_t, bool) override { form.SetPlace(place); }
+  void SaveFormPlacement(ui::CForm& form, std::int32_t, bool) override {
+    if (failstosave) throw LibraryError(test::kLineError, "registry", "Disk full");
+    place = *form.Place();
+  }
+
+  ui::Placement place{1, 2, 3, 4};
+  bool failstosave = false;
+};
+
+TEST_F(ConversionEditor, WindowStandsOverItsOwnerKeepsItsPlaceAndOutlivesAFailure) {
+  const auto places = std::make_shared<CPlaces>();
+  std::shared_ptr<CVaneRegistry> registry = places;
+  probe_.SetRegistry(registry);
+  Use<CCVDSettings>(CONV_CVD);
+  const auto owner = host_.forms.Make("frmOwner");
+  const auto work = [&](const std::function<void(ui::CUser & user)>& acts) {
+    host_.forms.Expect("frmOwner", [&](ui::CUser& user) {
+      Edit(true, acts);
+      EXPECT_EQ(host_.forms.LastOwner(), &user.Form());
+      user.Form().Hide();
+    });
+    owner->ShowModal(nullptr);
+  };
+  const std::string before = LibraryHelpFile();
+  work([&](ui::CUser& user) {
+    EXPECT_EQ(user.Form().Place(), (ui::Placement{1, 2, 3, 4}));
+    user.Move({5, 6, 7, 8});
+    EXPECT_TRUE(Enter(user, "txtalpha", "0.5"));
+    host_.log.Clear();
+    SetLibraryHelpFile("vane.hlp");
+    EXPECT_TRUE(user.Help());
+    EXPECT_EQ(host_.log.Only({"help"}), "help vane.hlp 1 0\n");
+    SetLibraryHelpFile("");
+    host_.forms.ExpectBox("An error occurred while carrying out the command.\r\rError: 4711");
+    EXPECT_FALSE(user.Help());
+    EXPECT_EQ(Text(user, "txtalpha"), "0.5");
+    EXPECT_TRUE(user.Return());
+  });
+  SetLibraryHelpFile(before);
+  EXPECT_EQ(places->place, (ui::Placement{5, 6, 7, 8}));
+  places->failstosave = true;
+  work([&](ui::CUser& user) { EXPECT_TRUE(user.Escape()); });
+}
+
+TEST_F(ConversionEditor, NothingCanBeChangedThatMayOnlyBeLookedAt) {
+  Use<CIPTS68Settings>(CONV_IPTS68).SetScaleEnabled(true);
+  Edit(false, [&](ui::CUser& user) {
+    EXPECT_FALSE(user.Pick(user.Find<ui::CDropDown>("cboScale"), 1));
+    EXPECT_TRUE(user.Return());
+  });
+  Use<CPolynomialSettings>(CONV_POLYNOMIAL);
+  Edit(false, [&](ui::CUser& user) {
+    EXPECT_FALSE(user.Step(user.Find<ui::CUpDown>("udOrder"), true));
+    EXPECT_TRUE(user.Return());
+  });
+  EXPECT_FALSE(probe_.Changed());
 }
 
 TEST_F(ConversionEditor, FieldsAreLimitedByPhysicsAlone) {
