@@ -3,6 +3,7 @@
 
 #include "tests/support/download_host.h"
 #include "tests/support/form_text.h"
+#include "vane/support/messages.h"
 
 namespace vane {
 namespace {
@@ -29,6 +30,18 @@ class DownloadOptions : public test::Download {
     return user.Focus(user.Find<ui::CTextField>(name)) && user.SelectAll() && user.Paste(text) &&
            user.Tab();
   }
+  // The captions, those of options behind their group's.
+  static std::string Captions(const ui::CForm& form) {
+    std::string text = form.Caption() + "\n";
+    for (const auto& control : form.Controls()) {
+      if (!control->Caption().empty()) text += control->Caption() + "\n";
+      const auto* const options = dynamic_cast<const ui::COptionGroup*>(control.get());
+      for (int i = 0; options != nullptr && i < options->Count(); ++i) {
+        text += options->OptionCaption(i) + "\n";
+      }
+    }
+    return text;
+  }
   std::string Counted() const {
     const std::size_t place = Trace().find("Count: ");
     return Trace().substr(place, Trace().find('\n', place) - place);
@@ -40,21 +53,27 @@ constexpr char kFreshOptions[] =
     "txtResolution=8\noptFiles=0\nchkPrompt=no\ncmdOKCancelHelp(0)\ncmdOKCancelHelp(1)\n"
     "cmdOKCancelHelp(2)\n";
 
+constexpr char kCaptions[] =
+    "T312B 'Thermoscribe' Download Options\nT312B 'Thermoscribe' Download Options:\n"
+    "Select log to download:\nHistory log\nMemory log\n"
+    "Readings:\nDownload all readings from log\nDownload last n readings from log\n"
+    "readings\nResolution:\ndigits\n"
+    "Files:\nWrite all readings into a single file\nSeparate readings by channel\n"
+    "Prompt to enter filename\n&Download\n&Close\n&Help\n";
+
 TEST_F(DownloadOptions, StartAfreshAtEachOpening) {
   for (int opening = 0; opening < 2; ++opening) {
     Open([&](ui::CUser& user) {
       EXPECT_EQ(test::FormText(user.Form()), kFreshOptions);
       EXPECT_EQ(host_.log.Text(), "queue 0\nbusy off\n");
-      EXPECT_EQ(user.Form().Caption(), "T312B 'Thermoscribe' Download Options");
-      EXPECT_EQ(user.Find<ui::CFrame>("framReadings").Caption(), "Readings:");
-      EXPECT_EQ(user.Find<ui::CLabel>("lblReadings").Caption(), "readings");
+      EXPECT_EQ(Captions(user.Form()), kCaptions);
       EXPECT_TRUE(user.Choose(user.Find<ui::COptionGroup>("optReadings"), 1));
       EXPECT_EQ(test::FormText(user.Form(), {"Readings"}), "optReadings=1\ntxtReadings=1\n");
       EXPECT_TRUE(user.Step(user.Find<ui::CUpDown>("udReadings"), true));
       EXPECT_TRUE(user.Step(user.Find<ui::CUpDown>("udResolution"), false));
       EXPECT_EQ(test::FormText(user.Form(), {"txt"}), "txtReadings=11\ntxtResolution=7\n");
       EXPECT_TRUE(user.Click(user.Find<ui::CCheckBox>("chkPrompt")));
-      EXPECT_TRUE(user.Click(Button(user, 2)));
+      EXPECT_TRUE(opening == 0 ? user.Help() : user.Click(Button(user, 2)));
       EXPECT_EQ(host_.log.Only({"help"}), "help VaneT312B.hlp 1 10852\n");
       EXPECT_TRUE(opening == 0 ? user.Escape() : user.Click(Button(user, 1)));
     });
@@ -124,12 +143,44 @@ TEST_F(DownloadOptions, DownloadsAsOftenAsTheUserLikes) {
   });
 }
 
+TEST_F(DownloadOptions, KeepsItsPlaceOnEveryRoad) {
+  auto& registry = *host_.registry;
+  const std::string restored = "restore frmT312BDownloadOptions 0 1\n";
+  for (const char* failing : {"", "save", "restore"}) {
+    registry.failing = failing;
+    registry.placements.clear();
+    if (registry.failing == "restore") {
+      const LibraryError error = CTestHost::ErrorOf([&] { it_.DownloadLoggedData(); });
+      EXPECT_EQ(error.Source(), "CVaneT312B - DownloadLoggedData");
+    } else {
+      Open([&](ui::CUser& user) {
+        EXPECT_EQ(registry.placements, restored);
+        EXPECT_TRUE(user.Escape());
+      });
+    }
+    EXPECT_EQ(registry.placements, restored + "save frmT312BDownloadOptions 0 1\n") << failing;
+  }
+}
+
+TEST_F(DownloadOptions, ComesUpAboveTheWindowThatIsShown) {
+  Open([&](ui::CUser& user) {
+    host_.forms.Expect("frmT312BDownloadOptions", [](ui::CUser& above) { above.Escape(); });
+    EXPECT_TRUE(it_.DownloadLoggedData());
+    EXPECT_EQ(host_.forms.LastOwner(), &user.Form());
+    EXPECT_TRUE(user.Escape());
+  });
+}
+
 TEST_F(DownloadOptions, FailuresOfTheDialog) {
   host_.platform.onqueue = [] { throw LibraryError(7, "queue", "stuck"); };
   host_.forms.ExpectBox("An error occurred while attempting to setup dialog.");
   Open([&](ui::CUser& user) {
     host_.platform.onqueue = nullptr;
     EXPECT_EQ(user.Find<ui::CTextField>("txtResolution").Text(), "");
+    // Without a viewer for the help there is one box, and the dialog stays.
+    SetLibraryHelpFile("");
+    host_.forms.ExpectBox("An error occurred while carrying out the command.");
+    EXPECT_FALSE(user.Help());
     EXPECT_TRUE(user.CloseBox());
   });
   it_.SetRegistry(nullptr);

@@ -183,6 +183,12 @@ std::int32_t CFakeRegistry::ReadBoolean(const std::string& name, bool fallback, 
   return value != values.end() ? value->second : fallback;
 }
 
+void CFakeRegistry::Place(const std::string& what, const ui::CForm& form, std::int32_t variant,
+                          bool flag) {
+  placements += what + " " + form.Name() + " " + std::to_string(variant) + (flag ? " 1\n" : " 0\n");
+  if (what == failing) throw LibraryError(kLineError, "registry", "No " + what);
+}
+
 CTestHost::CTestHost() {
   SetLibraryHelpFile("VaneT312B.hlp");
   SetDecimalSeparator({});

@@ -125,7 +125,7 @@ class CRecordingPlatform : public CPlatform {
   CMemoryForms& forms_;
 };
 
-/// Fails with the words of what was asked of it at the events named in `failing`.
+/// Keeps what was asked of it apart from the log.
 class CFakeRegistry : public CVaneRegistry {
  public:
   std::int32_t ReadBoolean(const std::string& name, bool fallback, std::uint32_t root,
@@ -135,12 +135,21 @@ class CFakeRegistry : public CVaneRegistry {
     const auto text = texts.find(name);
     return text != texts.end() ? text->second : fallback;
   }
-  void RestoreFormPlacement(ui::CForm&, std::int32_t, bool) override {}
-  void SaveFormPlacement(ui::CForm&, std::int32_t, bool) override {}
+  void RestoreFormPlacement(ui::CForm& form, std::int32_t variant, bool flag) override {
+    Place("restore", form, variant, flag);
+  }
+  void SaveFormPlacement(ui::CForm& form, std::int32_t variant, bool flag) override {
+    Place("save", form, variant, flag);
+  }
 
   std::map<std::string, std::int32_t> values;
   std::map<std::string, std::string> texts;
-  std::string asked;  ///< root and sub key of the last question
+  std::string asked;       ///< root and sub key of the last question
+  std::string placements;  ///< "restore frmShowFiles 0 1" or "save ...", a line each
+  std::string failing;     ///< which of these two fails
+
+ private:
+  void Place(const std::string& what, const ui::CForm& form, std::int32_t variant, bool flag);
 };
 
 /// Bundle, scope and instrument of one test.

@@ -122,6 +122,15 @@ TEST_F(Lists, FollowTheScanner) {
             "Input 2) Probe 7#2|Scanner 1) Probe -1#3|Scanne");
   EXPECT_EQ(list_.Text().substr(list_.Text().rfind('|')), "|Scanner 10) Probe 9#12");
   EXPECT_EQ(list_.ListCount(), 11);
+
+  // What the readout says of its channels counts for the one list, its modules for the others.
+  host_.script.replies["read 43"] = "9";
+  it_.QueryChannelInfo();
+  EXPECT_EQ(Of([&] { it_.FillScanChannelList(list_); }), "1#1|2#2|3#3|4#4|5#5|6#6|7#7");
+  it_.FillChannelNameList(list_);
+  EXPECT_EQ(list_.ListCount(), 11);
+  it_.FillChannelList(list_);
+  EXPECT_EQ(list_.ListCount(), 11);
 }
 
 TEST_F(Lists, SequenceHasAnEntryForEachStep) {
