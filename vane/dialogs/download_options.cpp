@@ -14,7 +14,7 @@ namespace {
 constexpr std::int32_t kHelpContext = 10852;
 constexpr std::int32_t kLastReadings = 1;  // of the choice how many
 
-// The log gives out this many readings at most.
+// As many as a download of all readings asks for. A host may ask for more.
 constexpr std::int32_t kMaxReadings = 100;
 constexpr std::int32_t kReadingsStep = 10;
 
