@@ -65,6 +65,11 @@ for line in '  1  Input 2\) Probe [0-9]+' '  3  K' '  6  W'; do
 done
 "$prefix/bin/thermoscribe" --port "$work/readout" settings show --json | grep -q '"Units":"K"'
 
+for choice in 0 7 K; do
+  ! "$work/own-lists" "$work/readout" "$choice" 2> "$work/output" || exit 1
+  grep -Fqx "The list has no unit $choice." "$work/output"
+done
+
 if "$work/by-pkg-config" "$work/nothing" 2> "$work/output"; then
   echo "The example succeeds without a readout" >&2
   exit 1

@@ -64,9 +64,12 @@ void Run(vane::CVaneT312B& readout, const char* choice) {
     return;
   }
   readout.FillUnitsList(list);
-  const std::int32_t index = std::atoi(choice) - 1;
-  readout.SetUnits(vane::ET312BUnits{list.ItemData(index)});
-  readout.UpdateUnits();
+  const std::int32_t number = std::atoi(choice);
+  if (number < 1 || number > list.ListCount()) {
+    throw std::runtime_error(std::string("The list has no unit ") + choice + ".");
+  }
+  readout.SetUnits(vane::ET312BUnits{list.ItemData(number - 1)});
+  if (!readout.UpdateUnits()) throw std::runtime_error("The units can't be set.");
 }
 
 }  // namespace
