@@ -169,6 +169,8 @@ TEST_F(ChannelDialog, LeavesByEveryRoad) {
   }));
   EXPECT_EQ(host_.log.Only({"help"}), "help VaneT312B.hlp 1 0\n");
   EXPECT_EQ(ui::CForm::Active(), nullptr);
+  EXPECT_THAT(host_.registry->placements, testing::EndsWith("restore frmT312BPRTTHRMChannel 0 1\n"
+                                                            "save frmT312BPRTTHRMChannel 0 1\n"));
 }
 
 TEST_F(ChannelDialog, StandsBehindTheProtectionOfConversions) {

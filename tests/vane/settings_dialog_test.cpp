@@ -235,6 +235,8 @@ TEST_F(SettingsDialog, LeavesByEveryRoad) {
 
   it_.SetRegistry(nullptr);
   EXPECT_EQ(CTestHost::ErrorOf([&] { it_.Edit(); }).Source(), "CVaneT312B - Edit");
+  EXPECT_TRUE(host_.registry->placements.ends_with(
+      "restore frmT312BSettings 0 1\nsave frmT312BSettings 0 1\n"));
 }
 
 TEST_F(SettingsDialog, WhatCannotBeReadLeavesCancelAndHelp) {
