@@ -235,7 +235,6 @@ TEST_F(ConversionEditor, WindowStandsOverItsOwnerKeepsItsPlaceAndOutlivesAFailur
     });
     owner->ShowModal(nullptr);
   };
-  std::string before = LibraryHelpFile();
   work([&](ui::CUser& user) {
     EXPECT_EQ(user.Form().Place(), (ui::Placement{1, 2, 3, 4}));
     user.Move({5, 6, 7, 8});
@@ -250,7 +249,6 @@ TEST_F(ConversionEditor, WindowStandsOverItsOwnerKeepsItsPlaceAndOutlivesAFailur
     EXPECT_EQ(Text(user, "txtalpha"), "0.5");
     EXPECT_TRUE(user.Return());
   });
-  SetLibraryHelpFile(std::move(before));
   EXPECT_EQ(places->place, (ui::Placement{5, 6, 7, 8}));
   places->failstosave = true;
   work([&](ui::CUser& user) { EXPECT_TRUE(user.Escape()); });
