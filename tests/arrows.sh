@@ -31,6 +31,7 @@ adapters/conversions/* vane/ adapters/conversions/
 adapters/files/* vane/ adapters/posix/ adapters/files/
 adapters/terminal/* vane/ adapters/posix/ adapters/terminal/
 adapters/headless/* vane/ adapters/(posix|serial|conversions|files|headless)/
+adapters/qt/* vane/ adapters/(posix|serial|conversions|files|headless|qt)/
 simulator/* protocol/ simulator/ vane/components/commands.h
 END
 
