@@ -59,21 +59,30 @@ function(vane_program name)
 endfunction()
 
 # vane_test(name SOURCES a_test.cpp ... LINK library ...): one test program; each of its cases is a
-# test of its own for the runner.
+# test of its own for the runner. With WINDOWS, its cases may have windows, which no screen shows.
 function(vane_test name)
-  cmake_parse_arguments(ARG "" "" "SOURCES;LINK;ENVIRONMENT" ${ARGN})
+  cmake_parse_arguments(ARG "WINDOWS" "" "SOURCES;LINK;ENVIRONMENT" ${ARGN})
   add_executable(${name} ${ARG_SOURCES})
   vane_configure(${name})
   target_link_libraries(${name} PRIVATE ${ARG_LINK} GTest::gmock_main)
   # A case runs for milliseconds: to optimize its own code takes longer than that ever saves.
   target_compile_options(${name} PRIVATE $<$<CONFIG:Release>:-O0>)
-  get_property(first GLOBAL PROPERTY VANE_FIRST_TEST)
-  if(first)
-    target_precompile_headers(${name} REUSE_FROM ${first})
+  # The toolkit wants another kind of code, so that its tests can't share with the others.
+  set(headers ${VANE_COMMON_HEADERS} <filesystem> <fstream> <sstream> <gmock/gmock.h>
+      <gtest/gtest.h>)
+  set(first VANE_FIRST_TEST)
+  if(ARG_WINDOWS)
+    target_sources(${name} PRIVATE qt/qt_main.cpp)
+    target_link_libraries(${name} PRIVATE VaneT312B::qt Qt6::Test)
+    list(APPEND headers <QApplication> <QTest>)
+    set(first VANE_FIRST_WINDOWS_TEST)
+  endif()
+  get_property(maker GLOBAL PROPERTY ${first})
+  if(maker)
+    target_precompile_headers(${name} REUSE_FROM ${maker})
   else()
-    target_precompile_headers(${name} PRIVATE ${VANE_COMMON_HEADERS} <filesystem> <fstream>
-                              <sstream> <gmock/gmock.h> <gtest/gtest.h>)
-    set_property(GLOBAL PROPERTY VANE_FIRST_TEST ${name})
+    target_precompile_headers(${name} PRIVATE ${headers})
+    set_property(GLOBAL PROPERTY ${first} ${name})
   endif()
   set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/tests)
   gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60
