@@ -112,7 +112,9 @@ class CFieldPeer final : public CControlPeer {
     if (key == Qt::Key_Up || key == Qt::Key_Down) return Step(key == Qt::Key_Up);
     if (key == Qt::Key_Backspace) return TellUser([&] { user_.Key(kBackspace); }), true;
     if (key == Qt::Key_Delete) return TellUser([&] { user_.Delete(); }), true;
-    if (text.isEmpty() || (modifiers & (Qt::ControlModifier | Qt::AltModifier)) != 0) {
+    // Tab and its like are texts too.
+    if (text.isEmpty() || !text.at(0).isPrint() ||
+        (modifiers & (Qt::ControlModifier | Qt::AltModifier)) != 0) {
       // Of the caret; a key of the toolkit's own that would cut or delete is none.
       const bool ismove =
           key == Qt::Key_Left || key == Qt::Key_Right || key == Qt::Key_Home || key == Qt::Key_End;

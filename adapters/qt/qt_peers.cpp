@@ -308,6 +308,7 @@ class CTabStripPeer final : public CControlPeer {
       : CControlPeer(control, new QTabBar(parent)), tabs_(control) {
     Bar().setExpanding(false);
     Bar().setUsesScrollButtons(false);
+    Bar().setFocusPolicy(Qt::StrongFocus);
     QObject::connect(&Bar(), &QTabBar::currentChanged, &Bar(), [this, &user](int index) {
       if (index >= 0) TellUser([&] { user.SelectTab(tabs_, index); });
     });

@@ -40,7 +40,8 @@ class CQtDialog final : public QDialog {
     watched_[&peer.Widget()] = &peer;
     peer.Widget().installEventFilter(this);
     for (auto* const child : peer.Widget().findChildren<QWidget*>()) {
-      if (child->focusPolicy() == Qt::NoFocus) continue;
+      // The list that a drop-down drops is a window of its own, with keys of its own.
+      if (child->focusPolicy() == Qt::NoFocus || child->window() != this) continue;
       watched_[child] = &peer;
       child->installEventFilter(this);
     }
