@@ -21,9 +21,12 @@ namespace {
 // The windows that are loaded, for their owners' sake.
 std::map<const ui::CForm*, QWidget*> g_windows;
 
+// A click in a window that is not active yet comes as the window's activity. What had the focus
+// before gets it back the same way, which changes nothing.
 bool IsMeantByUser(Qt::FocusReason reason) {
   return reason == Qt::MouseFocusReason || reason == Qt::TabFocusReason ||
-         reason == Qt::BacktabFocusReason || reason == Qt::ShortcutFocusReason;
+         reason == Qt::BacktabFocusReason || reason == Qt::ShortcutFocusReason ||
+         reason == Qt::ActiveWindowFocusReason;
 }
 
 }  // namespace
@@ -240,9 +243,10 @@ void CQtView::ShowFocus() {
 }
 
 void CQtView::RunModal(ui::CForm& form, ui::CWindow* owner) {
-  if (QWidget* const parent = WidgetOfWindow(owner)) {
-    dialog_->setParent(parent, dialog_->windowFlags());
-  }
+  const QPointer<QWidget> before = QApplication::activeWindow();
+  // One without an owner belongs above what the user looks at, all the same.
+  QWidget* const parent = WidgetOfWindow(owner);
+  dialog_->setParent(parent != nullptr ? parent : before.data(), dialog_->windowFlags());
   if (form.Place()) dialog_->PlaceAt(*form.Place());
   QEventLoop loop;
   ends_ = [&loop] { loop.quit(); };
@@ -254,6 +258,7 @@ void CQtView::RunModal(ui::CForm& form, ui::CWindow* owner) {
   ends_ = nullptr;
   dialog_->hide();
   dialog_->setParent(nullptr, dialog_->windowFlags());
+  if (before) before->activateWindow();
   // The program ends, and with it its windows.
   form.Hide();
 }
