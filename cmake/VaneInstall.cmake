@@ -12,7 +12,9 @@ install(TARGETS ${targets} EXPORT VaneT312BTargets ARCHIVE DESTINATION ${CMAKE_I
 foreach(folder IN ITEMS vane protocol adapters)
   install(DIRECTORY ${PROJECT_SOURCE_DIR}/${folder}
           DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/VaneT312B
-          FILES_MATCHING PATTERN "*.h")
+          FILES_MATCHING PATTERN "*.h"
+          # Of the desktop program alone: a host of the package needs no toolkit.
+          PATTERN "qt" EXCLUDE)
 endforeach()
 install(EXPORT VaneT312BTargets NAMESPACE VaneT312B:: DESTINATION ${VANE_PACKAGE_FOLDER})
 
