@@ -1,0 +1,185 @@
+#include "apps/thermoscribe-desktop/channel_table.h"
+
+#include <QDateTime>
+#include <QEvent>
+#include <QHeaderView>
+#include <QPixmap>
+#include <QSignalBlocker>
+#include <QStyledItemDelegate>
+#include <cmath>
+
+#include "adapters/qt/qt_text.h"
+#include "apps/thermoscribe-desktop/plot/plot_view.h"
+#include "vane/support/display_texts.h"
+
+namespace vane::desktop {
+namespace {
+
+enum EColumn : int {
+  CHANNEL,
+  NAME,
+  PROBE,
+  READING,
+  UNIT,
+  TIME,
+  STATE,
+  COUNT,
+  SMALLEST,
+  LARGEST,
+  MEAN,
+  DEVIATION,
+  COLUMNS
+};
+
+constexpr const char* kTitles[COLUMNS] = {"Channel",  "Name",    "Probe", "Reading",
+                                          "Unit",     "Time",    "State", "Readings",
+                                          "Smallest", "Largest", "Mean",  "Std. deviation"};
+// Of sums, behind those of the reading.
+constexpr int kMoreDecimals = 2;
+
+QString NumberText(double value, int decimals) {
+  return std::isnan(value) ? QString("-") : QString::number(value, 'f', decimals);
+}
+
+// Numbers of neighbouring columns stand apart.
+class CRoomyCells final : public QStyledItemDelegate {
+ public:
+  using QStyledItemDelegate::QStyledItemDelegate;
+
+  QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override {
+    return QStyledItemDelegate::sizeHint(option, index) + QSize(16, 0);
+  }
+};
+
+bool IsNumber(int column) {
+  return column == READING || column == COUNT || column >= SMALLEST || column == CHANNEL ||
+         column == PROBE;
+}
+
+}  // namespace
+
+CChannelTable::CChannelTable(QWidget* parent) : QTableWidget(0, COLUMNS, parent) {
+  QStringList titles;
+  for (const char* const title : kTitles) titles.append(title);
+  setHorizontalHeaderLabels(titles);
+  setEditTriggers(NoEditTriggers);
+  setSelectionBehavior(SelectRows);
+  setSelectionMode(SingleSelection);
+  setAlternatingRowColors(true);
+  setTabKeyNavigation(false);
+  setShowGrid(false);
+  verticalHeader()->hide();
+  verticalHeader()->setDefaultSectionSize(fontMetrics().height() + 8);
+  horizontalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
+  setItemDelegate(new CRoomyCells(this));
+  horizontalHeader()->setHighlightSections(false);
+  for (int column = 0; column < COLUMNS; ++column) {
+    horizontalHeaderItem(column)->setTextAlignment(
+        (IsNumber(column) ? Qt::AlignRight : Qt::AlignLeft) | Qt::AlignVCenter);
+  }
+  setAccessibleName("Channels with their latest readings");
+  connect(this, &QTableWidget::itemChanged, this, [this](const QTableWidgetItem* item) {
+    if (item->column() == CHANNEL && onplotted_) onplotted_();
+  });
+}
+
+void CChannelTable::SetChannels(const std::vector<ChannelRow>& channels) {
+  const QSignalBlocker silence(this);
+  channels_.clear();
+  setRowCount(0);
+  for (const ChannelRow& channel : channels) {
+    if (!channel.enabled) continue;
+    const int row = rowCount();
+    insertRow(row);
+    channels_.push_back(channel.channel);
+    for (int column = 0; column < COLUMNS; ++column) {
+      auto* const item = new QTableWidgetItem("-");
+      item->setTextAlignment((IsNumber(column) ? Qt::AlignRight : Qt::AlignLeft) |
+                             Qt::AlignVCenter);
+      if (column == CHANNEL) {
+        item->setFlags(item->flags() | Qt::ItemIsUserCheckable);
+        item->setCheckState(Qt::Checked);
+        item->setToolTip("Whether the plot has it");
+      }
+      setItem(row, column, item);
+    }
+    item(row, CHANNEL)->setText(QString::number(channel.channel));
+    item(row, NAME)->setText(ToQt(channel.name));
+    item(row, PROBE)->setText(channel.probe < 0 ? "-" : QString::number(channel.probe));
+  }
+  Colour();
+  if (rowCount() > 0) setCurrentCell(0, NAME);
+  updateGeometry();
+}
+
+void CChannelTable::Show(const CReadingStore& store, const CMeasuring& measuring, int decimals) {
+  const QSignalBlocker silence(this);
+  const QString unit = ToQt(UnitsText(static_cast<std::int16_t>(measuring.Units())));
+  for (int row = 0; row < rowCount(); ++row) {
+    const std::int16_t channel = channels_[static_cast<std::size_t>(row)];
+    const ChannelStatistics sums = store.StatisticsOf(measuring.SeriesOf(channel));
+    const std::string& trouble = measuring.TroubleOf(channel);
+    QString state = trouble.empty() ? "Measured" : ToQt(trouble);
+    if (measuring.State() == CMeasuring::EState::LOST) state = "No connection";
+    if (measuring.State() == CMeasuring::EState::OFF) state = "Paused";
+    if (std::isnan(sums.last) && trouble.empty() && state == "Measured") state = "-";
+    SetText(row, READING, NumberText(sums.last, decimals));
+    SetText(row, UNIT, unit);
+    SetText(row, TIME,
+            sums.lasttime == TimePoint{}
+                ? "-"
+                : QDateTime::fromMSecsSinceEpoch(
+                      std::chrono::floor<std::chrono::milliseconds>(sums.lasttime)
+                          .time_since_epoch()
+                          .count())
+                      .toString("HH:mm:ss"));
+    SetText(row, STATE, state);
+    SetText(row, COUNT, QString::number(sums.count));
+    SetText(row, SMALLEST, NumberText(sums.smallest, decimals));
+    SetText(row, LARGEST, NumberText(sums.largest, decimals));
+    SetText(row, MEAN, NumberText(sums.mean, decimals + kMoreDecimals));
+    SetText(row, DEVIATION, NumberText(sums.deviation, decimals + kMoreDecimals));
+  }
+}
+
+void CChannelTable::SetText(int row, int column, const QString& text) {
+  QTableWidgetItem& cell = *item(row, column);
+  if (cell.text() != text) cell.setText(text);
+}
+
+QSize CChannelTable::sizeHint() const {
+  const int rows = rowCount() * verticalHeader()->defaultSectionSize();
+  return {QTableWidget::sizeHint().width(),
+          horizontalHeader()->sizeHint().height() + rows + 2 * frameWidth() + 4};
+}
+
+bool CChannelTable::IsPlotted(std::int16_t channel) const {
+  for (int row = 0; row < rowCount(); ++row) {
+    if (channels_[static_cast<std::size_t>(row)] == channel) {
+      return item(row, CHANNEL)->checkState() == Qt::Checked;
+    }
+  }
+  return false;
+}
+
+std::int16_t CChannelTable::CurrentChannel() const {
+  return currentRow() < 0 ? std::int16_t{0} : channels_[static_cast<std::size_t>(currentRow())];
+}
+
+void CChannelTable::changeEvent(QEvent* event) {
+  QTableWidget::changeEvent(event);
+  if (event->type() == QEvent::PaletteChange) Colour();
+}
+
+// As the plot has them.
+void CChannelTable::Colour() {
+  const QSignalBlocker silence(this);
+  const bool isdark = palette().color(QPalette::Base).lightness() < 128;
+  for (int row = 0; row < rowCount(); ++row) {
+    QPixmap swatch(12, 12);
+    swatch.fill(ChannelColour(channels_[static_cast<std::size_t>(row)], isdark));
+    item(row, CHANNEL)->setIcon(QIcon(swatch));
+  }
+}
+
+}  // namespace vane::desktop

@@ -1,0 +1,127 @@
+// The desktop program's side of the library: its windows, the line with a readout or a simulated
+// one at its end, and the instrument object on top. No widget of the program's own.
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "adapters/files/config_registry.h"
+#include "adapters/qt/qt_factory.h"
+#include "adapters/qt/qt_platform.h"
+#include "adapters/serial/serial_communications.h"
+#include "vane/components/components.h"
+#include "vane/components/ui.h"
+#include "vane/instrument/t312b.h"
+
+namespace vane::simulator {
+class CSimulatedLine;
+}
+
+namespace vane::desktop {
+
+/// Where the readout is.
+struct Connection {
+  bool simulated = false;
+  std::string simulatoroptions;  ///< as of `thermoscribe-sim`
+  std::string port;
+  EVaneBaudRate baud = EVaneBaudRate::BR_9600;
+  std::chrono::milliseconds timeout{1000};
+
+  /// For people.
+  std::string Text() const;
+};
+
+struct ChannelRow {
+  std::int16_t channel = 0;
+  std::string name;
+  bool enabled = false;
+  std::int16_t probe = -1;
+};
+
+/// One line that went over the wire, as a trace shows it.
+struct TraceLine {
+  std::chrono::system_clock::time_point time;
+  ETraceMark mark;
+  std::string text;
+};
+
+class CDesktopHost {
+ public:
+  explicit CDesktopHost(std::function<bool(std::int32_t context)> help);
+  ~CDesktopHost();
+  CDesktopHost(const CDesktopHost&) = delete;
+  CDesktopHost& operator=(const CDesktopHost&) = delete;
+
+  CQtPlatform& Platform() { return platform_; }
+  CConfigRegistry& Registry() { return *registry_; }
+
+  /// What the configuration's file has to say against itself.
+  void OnTrouble(std::function<void(const std::string&)> observer) {
+    trouble_ = std::move(observer);
+  }
+
+  /// The connection of the last time, where it worked.
+  std::optional<Connection> LastConnection() const;
+
+  /// Opens the line, proves the readout, finds out its channels and reads its settings; `owner` is
+  /// the window of the progress. False when the user has been told why not; then nothing is
+  /// connected. Closes what was connected before.
+  bool Connect(const Connection& connection, ui::CWindow* owner);
+  void Disconnect();
+  bool IsConnected() const { return instrument_ != nullptr; }
+
+  /// While connected.
+  CVaneT312B& Instrument() { return *instrument_; }
+  const Connection& Current() const { return connection_; }
+  const std::vector<ChannelRow>& Channels() const { return channels_; }
+  /// "T312B, 2 channels".
+  std::string ModuleText(std::int16_t idx) const;
+  /// Reads anew which channels are in use and with which probe.
+  bool ReadChannels();
+
+  /// Runs something of the library that has the line for itself, and shows what it raises.
+  /// `action` completes "An error occurred while". Nothing when the line is busy.
+  void Run(const std::string& action, const std::function<void()>& body);
+  /// Runs one exchange without a word to the user; gives the description of what it raised, or
+  /// nothing.
+  std::string Exchange(const std::function<void()>& body);
+  /// Whether something has the line, or a window of the library is up.
+  bool IsBusy() const;
+
+  /// Asks who is on the line, without a word to the user. True for the readout that was connected.
+  /// Raises what the line raises.
+  bool IsSameReadout();
+
+  /// What the latest exchange has met; number 0 for nothing.
+  const LineFailure& LastFailure() const { return line_->lastfailure; }
+
+  /// Digits behind the point of a reading in the units at hand.
+  int Decimals() const;
+
+  /// From now on hears of all lines, on this thread. Null ends it.
+  void SetTrace(std::function<void(const TraceLine& line)> observer);
+
+ private:
+  class CTrace;
+
+  std::function<void(const std::string&)> trouble_;
+  CQtPlatform platform_;
+  std::shared_ptr<LineSettings> line_ = std::make_shared<LineSettings>();
+  CQtFactory factory_;
+  const Components components_;
+  CInstalledComponents installed_;
+  std::shared_ptr<CConfigRegistry> registry_;
+  std::unique_ptr<simulator::CSimulatedLine> simulated_;
+  std::unique_ptr<CVaneT312B> instrument_;
+  Connection connection_;
+  std::string identification_;
+  std::vector<ChannelRow> channels_;
+  bool busy_ = false;
+};
+
+}  // namespace vane::desktop

@@ -1,0 +1,404 @@
+#include "apps/thermoscribe-desktop/main_window.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QCloseEvent>
+#include <QDateTime>
+#include <QDockWidget>
+#include <QFileDialog>
+#include <QInputDialog>
+#include <QLabel>
+#include <QMenu>
+#include <QMenuBar>
+#include <QMessageBox>
+#include <QPlainTextEdit>
+#include <QSplitter>
+#include <QStatusBar>
+#include <QTimer>
+#include <QToolBar>
+#include <QTreeWidget>
+#include <QVBoxLayout>
+#include <algorithm>
+#include <fstream>
+#include <map>
+#include <utility>
+
+#include "adapters/qt/qt_text.h"
+#include "apps/thermoscribe-desktop/connect_dialog.h"
+#include "vane/support/display_texts.h"
+#include "vane/support/messages.h"
+#include "vane/support/text_table.h"
+
+namespace vane::desktop {
+namespace {
+
+constexpr int kMostTraceLines = 5000;
+constexpr int kMostErrors = 1000;
+constexpr int kClosePause = 20;       // ms
+constexpr double kLeastPeriod = 0.2;  // s
+constexpr double kMostPeriod = 86400;
+
+QString NowText() { return QDateTime::currentDateTime().toString("yyyy-MM-dd HH:mm:ss"); }
+
+QString TraceText(const TraceLine& line) {
+  const char* const mark = line.mark == ETraceMark::SENT       ? " > "
+                           : line.mark == ETraceMark::RECEIVED ? " < "
+                                                               : " - ";
+  const auto time = std::chrono::floor<std::chrono::milliseconds>(line.time);
+  return QDateTime::fromMSecsSinceEpoch(time.time_since_epoch().count()).toString("HH:mm:ss.zzz") +
+         mark + ToQt(EscapedText(line.text));
+}
+
+}  // namespace
+
+CMainWindow::CMainWindow(CDesktopHost& host) : host_(host) {
+  setObjectName("main");
+  setWindowTitle("Thermoscribe");
+  auto* const content = new QWidget(this);
+  auto* const layout = new QVBoxLayout(content);
+  layout->setContentsMargins(0, 0, 0, 0);
+  layout->setSpacing(0);
+  banner_ = new QLabel(content);
+  banner_->setObjectName("banner");
+  banner_->setWordWrap(true);
+  banner_->setMargin(8);
+  banner_->setTextFormat(Qt::PlainText);
+  banner_->setAutoFillBackground(true);
+  QPalette warning = banner_->palette();
+  warning.setColor(QPalette::Window, QColor(0xB0, 0x00, 0x20));
+  warning.setColor(QPalette::WindowText, Qt::white);
+  banner_->setPalette(warning);
+  banner_->hide();
+  layout->addWidget(banner_);
+  auto* const splitter = new QSplitter(Qt::Vertical, content);
+  table_ = new CChannelTable(splitter);
+  plot_ = new CPlotView(store_, splitter);
+  splitter->setStretchFactor(0, 0);
+  splitter->setStretchFactor(1, 1);
+  splitter->setChildrenCollapsible(false);
+  splitter_ = splitter;
+  layout->addWidget(splitter, 1);
+  setCentralWidget(content);
+  readout_ = new QLabel(this);
+  line_ = new QLabel(this);
+  statusBar()->addWidget(readout_, 1);
+  statusBar()->addPermanentWidget(line_);
+  MakePanes();
+  MakeMenus();
+  table_->OnPlotted([this] {
+    PlotSeries();
+    plot_->Refresh();
+  });
+  plot_->OnFollowing([this](bool follows) { follow_->setChecked(follows); });
+  measuring_.OnRound([this] { ShowReadings(); });
+  measuring_.OnState([this] { ShowState(); });
+  host_.Platform().OnBox([this](const ShownBox& box) {
+    if ((box.flags & kBoxYesNo) == 0) LogError(ToQt(box.text).replace('\n', ' '));
+  });
+  host_.OnTrouble([this](const std::string& text) { LogError(ToQt(text)); });
+  resize(1100, 760);
+  ShowState();
+}
+
+CMainWindow::~CMainWindow() {
+  host_.SetTrace(nullptr);
+  host_.Platform().OnBox(nullptr);
+  host_.OnTrouble(nullptr);
+}
+
+void CMainWindow::MakePanes() {
+  errors_ = new QTreeWidget(this);
+  errors_->setHeaderLabels({"Time", "What happened"});
+  errors_->setRootIsDecorated(false);
+  errors_->setAccessibleName("Errors and messages");
+  errors_->setWordWrap(true);
+  errorpane_ = new QDockWidget("Messages", this);
+  errorpane_->setObjectName("errors");
+  errorpane_->setWidget(errors_);
+  addDockWidget(Qt::BottomDockWidgetArea, errorpane_);
+  errorpane_->hide();
+  trace_ = new QPlainTextEdit(this);
+  trace_->setReadOnly(true);
+  trace_->setMaximumBlockCount(kMostTraceLines);
+  trace_->setLineWrapMode(QPlainTextEdit::NoWrap);
+  trace_->setFont(QFont("monospace"));
+  trace_->setAccessibleName("Lines to and from the readout");
+  tracepane_ = new QDockWidget("Line", this);
+  tracepane_->setObjectName("trace");
+  tracepane_->setWidget(trace_);
+  addDockWidget(Qt::BottomDockWidgetArea, tracepane_);
+  tracepane_->hide();
+  connect(tracepane_->toggleViewAction(), &QAction::toggled, this,
+          [this](bool shown) { SetTracing(shown); });
+}
+
+QAction* CMainWindow::Add(QMenu& menu, const char* text, const QKeySequence& keys,
+                          std::function<void()> run, bool needsreadout) {
+  QAction* const action = menu.addAction(text);
+  action->setShortcut(keys);
+  connect(action, &QAction::triggered, this, [run = std::move(run)] { run(); });
+  if (needsreadout) needreadout_.push_back(action);
+  return action;
+}
+
+void CMainWindow::MakeMenus() {
+  QMenu& file = *menuBar()->addMenu("&File");
+  QAction* const connection = Add(
+      file, "&Connect...", QKeySequence("Ctrl+O"), [this] { AskAndConnect(); }, false);
+  Add(file, "&Disconnect", {}, [this] { Disconnect(); });
+  file.addSeparator();
+  Add(
+      file, "Export &plot...", QKeySequence("Ctrl+P"), [this] { ExportPlot(); }, false);
+  Add(
+      file, "Export &readings...", QKeySequence("Ctrl+E"), [this] { ExportReadings(); }, false);
+  file.addSeparator();
+  Add(
+      file, "&Quit", QKeySequence::Quit, [this] { close(); }, false);
+
+  QMenu& readout = *menuBar()->addMenu("&Readout");
+  QAction* const settings = Add(readout, "&Settings...", QKeySequence("Ctrl+T"), [this] {
+    host_.Run("editing the settings", [this] {
+      host_.Instrument().Edit();
+      host_.ReadChannels();
+    });
+    StartMeasuring();
+  });
+  QAction* const channel =
+      Add(readout, "&Channel...", QKeySequence("Ctrl+H"), [this] { EditChannel(); });
+  QAction* const download = Add(readout, "&Download a log...", QKeySequence("Ctrl+D"), [this] {
+    host_.Run("downloading the log", [this] { host_.Instrument().DownloadLoggedData(); });
+  });
+  readout.addSeparator();
+  Add(readout, "Switch measuring &on", {}, [this] { SwitchReadout(true); });
+  Add(readout, "Switch measuring o&ff", {}, [this] { SwitchReadout(false); });
+  Add(readout, "Set the cloc&k to this computer's", {}, [this] { SetClock(); });
+
+  QMenu& view = *menuBar()->addMenu("&View");
+  live_ = Add(view, "&Live", QKeySequence("Ctrl+L"), [this] {
+    if (live_->isChecked()) {
+      StartMeasuring();
+    } else {
+      measuring_.Stop();
+    }
+  });
+  live_->setCheckable(true);
+  live_->setChecked(true);
+  Add(
+      view, "&Interval...", QKeySequence("Ctrl+I"), [this] { AskPeriod(); }, false);
+  Add(
+      view, "Start the s&tatistics anew", QKeySequence("Ctrl+R"),
+      [this] {
+        store_.ResetStatistics();
+        ShowReadings();
+      },
+      false);
+  view.addSeparator();
+  follow_ = Add(
+      view, "&Follow the latest", QKeySequence("Ctrl+F"),
+      [this] {
+        plot_->SetFollowing(follow_->isChecked());
+        plot_->Refresh();
+      },
+      false);
+  follow_->setCheckable(true);
+  follow_->setChecked(true);
+  deviations_ = Add(
+      view, "&Deviations from the mean", QKeySequence("Ctrl+Shift+D"),
+      [this] { plot_->SetRelative(deviations_->isChecked()); }, false);
+  deviations_->setCheckable(true);
+  Add(
+      view, "Show &all", QKeySequence("Ctrl+0"), [this] { plot_->ShowAll(); }, false);
+  view.addSeparator();
+  errorpane_->toggleViewAction()->setShortcut(QKeySequence("Ctrl+M"));
+  view.addAction(errorpane_->toggleViewAction());
+  view.addAction(tracepane_->toggleViewAction());
+
+  QMenu& help = *menuBar()->addMenu("&Help");
+  Add(
+      help, "&Contents", QKeySequence::HelpContents, [] { HelpOpenTopic(0, 0); }, false);
+  Add(
+      help, "&About", {},
+      [this] {
+        QMessageBox::about(
+            this, "About Thermoscribe",
+            "Thermoscribe " THERMOSCRIBE_VERSION
+            "\n\nReads and sets the T312B thermometer readout and its M420 scanner.");
+      },
+      false);
+
+  auto* const bar = addToolBar("Tools");
+  bar->setObjectName("tools");
+  bar->setMovable(false);
+  for (QAction* const action :
+       {connection, live_, settings, channel, download, follow_, deviations_}) {
+    bar->addAction(action);
+  }
+}
+
+bool CMainWindow::Connect(const Connection& connection) {
+  measuring_.Stop();
+  const bool isdone = host_.Connect(connection, &window_);
+  store_.Clear();
+  plot_->RemoveAll();
+  table_->SetChannels(host_.Channels());
+  // The rows, as far as they leave the plot its half.
+  const int rows = std::min(table_->sizeHint().height(), splitter_->height() / 2);
+  splitter_->setSizes({rows, splitter_->height() - rows});
+  if (isdone) {
+    live_->setChecked(true);
+    plot_->SetFollowing(true);
+    StartMeasuring();
+  }
+  ShowState();
+  ShowReadings();
+  return isdone;
+}
+
+void CMainWindow::Disconnect() {
+  if (host_.IsBusy()) return;
+  measuring_.Stop();
+  host_.Disconnect();
+  ShowState();
+}
+
+void CMainWindow::AskAndConnect() {
+  if (host_.IsBusy()) return;
+  const auto chosen = AskForConnection(this, host_.LastConnection());
+  if (chosen) Connect(*chosen);
+}
+
+void CMainWindow::StartMeasuring() {
+  if (!host_.IsConnected() || !live_->isChecked()) return;
+  std::vector<std::int16_t> channels;
+  for (const ChannelRow& row : host_.Channels()) {
+    if (row.enabled) channels.push_back(row.channel);
+  }
+  measuring_.Start(std::move(channels), period_);
+}
+
+void CMainWindow::AskPeriod() {
+  bool isgiven = false;
+  const double seconds = QInputDialog::getDouble(
+      this, "Interval", "Seconds from one round over the channels to the next:",
+      std::chrono::duration<double>(period_).count(), kLeastPeriod, kMostPeriod, 1, &isgiven);
+  if (!isgiven) return;
+  period_ = std::chrono::round<std::chrono::milliseconds>(std::chrono::duration<double>(seconds));
+  StartMeasuring();
+}
+
+void CMainWindow::EditChannel() {
+  const std::int16_t channel = table_->CurrentChannel();
+  if (channel == 0) return;
+  host_.Run("editing the channel", [&] {
+    host_.Instrument().EditChannel(channel);
+    host_.ReadChannels();
+  });
+}
+
+void CMainWindow::SwitchReadout(bool on) {
+  host_.Run("switching the measuring",
+            [&] { on ? host_.Instrument().StartMeasure() : host_.Instrument().StopMeasure(); });
+}
+
+void CMainWindow::SetClock() {
+  host_.Run("setting the clock", [this] {
+    host_.Instrument().SetSystemClock({});
+    if (host_.Instrument().UpdateSystemClock(&window_)) {
+      LogError("The readout's clock was set to this computer's.");
+    }
+  });
+}
+
+void CMainWindow::ExportPlot() {
+  const QString path =
+      QFileDialog::getSaveFileName(this, "Export the plot", "plot.png",
+                                   "Picture (*.png);;Scalable drawing (*.svg);;Document (*.pdf)");
+  if (path.isEmpty() || plot_->SavePicture(path)) return;
+  QMessageBox::critical(this, "Export the plot", path + " can't be written.");
+}
+
+void CMainWindow::ExportReadings() {
+  const QString path = QFileDialog::getSaveFileName(this, "Export the readings", "readings.csv",
+                                                    "Comma-separated values (*.csv)");
+  if (path.isEmpty()) return;
+  std::map<std::int16_t, std::string> names;
+  for (const ChannelRow& row : host_.Channels()) names[row.channel] = row.name;
+  std::ofstream stream(FromQt(path), std::ios::binary | std::ios::trunc);
+  store_.WriteCsv(stream, names, UnitsText);
+  stream.close();
+  if (!stream) QMessageBox::critical(this, "Export the readings", path + " can't be written.");
+}
+
+void CMainWindow::ShowReadings() {
+  if (!host_.IsConnected()) return;
+  table_->Show(store_, measuring_, host_.Decimals());
+  PlotSeries();
+  plot_->Refresh();
+}
+
+void CMainWindow::PlotSeries() {
+  const bool isdark = palette().color(QPalette::Base).lightness() < 128;
+  std::map<std::int16_t, QString> names;
+  for (const ChannelRow& row : host_.Channels()) names[row.channel] = ToQt(row.name);
+  for (const SeriesId id : store_.All()) {
+    plot_->SetSeries({id, names[id.channel], ToQt(UnitsText(id.unit)),
+                      ChannelColour(id.channel, isdark), table_->IsPlotted(id.channel)});
+  }
+}
+
+void CMainWindow::ShowState() {
+  const bool isconnected = host_.IsConnected();
+  for (QAction* const action : needreadout_) action->setEnabled(isconnected);
+  const bool islost = measuring_.State() == CMeasuring::EState::LOST;
+  if (islost) {
+    const QString text =
+        "The readout can't be reached: " + ToQt(measuring_.Trouble()) + " Trying again by itself.";
+    if (banner_->text() != text) LogError(text);
+    banner_->setText(text);
+  }
+  if (!islost && banner_->isVisible()) {
+    LogError("The readout answers again.");
+    banner_->clear();
+  }
+  banner_->setVisible(islost);
+  if (!isconnected) {
+    readout_->setText("Not connected");
+    line_->clear();
+    return;
+  }
+  QString modules;
+  for (std::int16_t idx = 0; idx < host_.Instrument().NumModules(); ++idx) {
+    modules += (idx == 0 ? "" : " and ") + ToQt(host_.ModuleText(idx));
+  }
+  readout_->setText(modules + "  \u00B7  firmware " +
+                    QString::number(host_.Instrument().Firmware(), 'f', 2));
+  line_->setText(ToQt(host_.Current().Text()));
+}
+
+void CMainWindow::LogError(const QString& text) {
+  auto* const item = new QTreeWidgetItem({NowText(), text});
+  item->setToolTip(1, text);
+  errors_->addTopLevelItem(item);
+  while (errors_->topLevelItemCount() > kMostErrors) delete errors_->takeTopLevelItem(0);
+  errors_->resizeColumnToContents(0);
+  errors_->scrollToItem(item);
+  statusBar()->showMessage(text, 10'000);
+}
+
+void CMainWindow::SetTracing(bool on) {
+  if (!on) return host_.SetTrace(nullptr);
+  host_.SetTrace([this](const TraceLine& line) { trace_->appendPlainText(TraceText(line)); });
+}
+
+void CMainWindow::closeEvent(QCloseEvent* event) {
+  if (host_.IsBusy()) {
+    // The exchange ends first. Under a window of the library nobody gets here.
+    event->ignore();
+    QTimer::singleShot(kClosePause, this, [this] { close(); });
+    return;
+  }
+  measuring_.Stop();
+  QMainWindow::closeEvent(event);
+}
+
+}  // namespace vane::desktop

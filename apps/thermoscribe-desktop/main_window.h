@@ -1,0 +1,82 @@
+// The desktop program's window: the channels and their plot, the errors and the trace, and the way
+// to everything else.
+#pragma once
+
+#include <QMainWindow>
+#include <functional>
+#include <vector>
+
+#include "adapters/qt/qt_view.h"
+#include "apps/thermoscribe-desktop/channel_table.h"
+#include "apps/thermoscribe-desktop/desktop_host.h"
+#include "apps/thermoscribe-desktop/measuring.h"
+#include "apps/thermoscribe-desktop/plot/plot_view.h"
+#include "apps/thermoscribe-desktop/reading_store.h"
+
+class QAction;
+class QDockWidget;
+class QLabel;
+class QPlainTextEdit;
+class QSplitter;
+class QTreeWidget;
+
+namespace vane::desktop {
+
+class CMainWindow final : public QMainWindow {
+ public:
+  /// `host` outlives it.
+  explicit CMainWindow(CDesktopHost& host);
+  ~CMainWindow() override;
+
+  /// False when the user has been told why not.
+  bool Connect(const Connection& connection);
+  void Disconnect();
+
+  CMeasuring& Measuring() { return measuring_; }
+  const CReadingStore& Readings() const { return store_; }
+  CPlotView& Plot() { return *plot_; }
+
+ protected:
+  void closeEvent(QCloseEvent* event) override;
+
+ private:
+  QAction* Add(class QMenu& menu, const char* text, const QKeySequence& keys,
+               std::function<void()> run, bool needsreadout = true);
+  void MakeMenus();
+  void MakePanes();
+  void AskAndConnect();
+  void StartMeasuring();
+  void AskPeriod();
+  void EditChannel();
+  void SetClock();
+  void SwitchReadout(bool on);
+  void ExportPlot();
+  void ExportReadings();
+  void ShowReadings();
+  void ShowState();
+  void PlotSeries();
+  void LogError(const QString& text);
+  void SetTracing(bool on);
+
+  CDesktopHost& host_;
+  CQtWindow window_{*this};
+  CReadingStore store_;
+  CMeasuring measuring_{host_, store_};
+  std::chrono::milliseconds period_{1000};
+  QLabel* banner_ = nullptr;
+  QLabel* readout_ = nullptr;
+  QLabel* line_ = nullptr;
+  QSplitter* splitter_ = nullptr;
+  CChannelTable* table_ = nullptr;
+  CPlotView* plot_ = nullptr;
+  QTreeWidget* errors_ = nullptr;
+  QPlainTextEdit* trace_ = nullptr;
+  QDockWidget* errorpane_ = nullptr;
+  QDockWidget* tracepane_ = nullptr;
+  QAction* live_ = nullptr;
+  QAction* follow_ = nullptr;
+  QAction* deviations_ = nullptr;
+  std::vector<QAction*> needreadout_;
+};
+
+}  // namespace vane::desktop
