@@ -32,6 +32,7 @@ adapters/files/* vane/ adapters/posix/ adapters/files/
 adapters/terminal/* vane/ adapters/posix/ adapters/terminal/
 adapters/headless/* vane/ adapters/(posix|serial|conversions|files|headless)/
 adapters/qt/* vane/ adapters/(posix|serial|conversions|files|headless|qt)/
+apps/thermoscribe-desktop/plot/* apps/thermoscribe-desktop/(plot/|reading_store)
 simulator/* protocol/ simulator/ vane/components/commands.h
 END
 

@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "apps/thermoscribe-desktop/desktop_host.h"
-#include "apps/thermoscribe-desktop/measuring.h"
+#include "apps/thermoscribe-desktop/live_measuring.h"
 #include "apps/thermoscribe-desktop/reading_store.h"
 
 namespace vane::desktop {

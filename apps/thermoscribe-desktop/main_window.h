@@ -9,7 +9,7 @@
 #include "adapters/qt/qt_view.h"
 #include "apps/thermoscribe-desktop/channel_table.h"
 #include "apps/thermoscribe-desktop/desktop_host.h"
-#include "apps/thermoscribe-desktop/measuring.h"
+#include "apps/thermoscribe-desktop/live_measuring.h"
 #include "apps/thermoscribe-desktop/plot/plot_view.h"
 #include "apps/thermoscribe-desktop/reading_store.h"
 

@@ -7,7 +7,6 @@
 #pragma once
 
 #include <chrono>
-#include <compare>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
@@ -26,7 +25,10 @@ struct SeriesId {
   std::int16_t channel = 0;
   std::int16_t unit = 0;  ///< a code of `ET312BUnits`
 
-  friend auto operator<=>(const SeriesId&, const SeriesId&) = default;
+  friend bool operator==(const SeriesId&, const SeriesId&) = default;
+  friend bool operator<(const SeriesId& one, const SeriesId& other) {
+    return one.channel != other.channel ? one.channel < other.channel : one.unit < other.unit;
+  }
 };
 
 /// Since the last reset. All but `count` are NaN where nothing came.

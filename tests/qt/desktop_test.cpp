@@ -234,8 +234,8 @@ TEST_F(Desktop, SettingsChangeInBetweenAndMeasuringGoesOn) {
 }
 
 TEST_F(Desktop, ClosesInTheMiddleOfAnExchange) {
-  ASSERT_TRUE(Connect("--no-scanner --fault every=1:delay=0.15"));
-  QTimer::singleShot(60, [&] { EXPECT_FALSE(window_->close()); });
+  ASSERT_TRUE(Connect("--no-scanner --fault every=1:delay=0.05"));
+  QTimer::singleShot(30, [&] { EXPECT_FALSE(window_->close()); });
   ASSERT_TRUE(QTest::qWaitFor([&] { return !window_->isVisible(); }, 10'000));
   window_.reset();
   host_.reset();

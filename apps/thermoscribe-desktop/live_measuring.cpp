@@ -1,4 +1,4 @@
-#include "apps/thermoscribe-desktop/measuring.h"
+#include "apps/thermoscribe-desktop/live_measuring.h"
 
 #include <algorithm>
 #include <utility>
