@@ -9,7 +9,7 @@
 
 #include "adapters/headless/headless_factory.h"
 #include "adapters/headless/headless_platform.h"
-#include "apps/thermoscribe/instrument_properties.h"
+#include "apps/snapshots/instrument_properties.h"
 #include "apps/thermoscribe/output.h"
 #include "apps/thermoscribe/probe_input.h"
 #include "simulator/line_server.h"

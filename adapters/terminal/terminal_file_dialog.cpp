@@ -3,6 +3,7 @@
 #include "adapters/terminal/terminal_input.h"
 #include "adapters/terminal/terminal_output.h"
 #include "vane/components/library_error.h"
+#include "vane/support/texts.h"
 
 namespace vane {
 namespace {

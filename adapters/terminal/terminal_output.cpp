@@ -28,19 +28,4 @@ void ClearOpenLine(int fd) {
   g_lineopen = false;
 }
 
-std::string PrintableText(std::string_view text) {
-  std::string result;
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    const auto c = static_cast<unsigned char>(text[i]);
-    if (c == '\r') {
-      if (text.substr(i + 1, 1) != "\n") result += '\n';
-    } else if (c == '\n' || c == '\t' || (c >= ' ' && c != 0x7F)) {
-      result += text[i];
-    } else {
-      result += '?';
-    }
-  }
-  return result;
-}
-
 }  // namespace vane

@@ -17,8 +17,4 @@ void MarkOpenLine(bool open);
 /// Takes that line away, if there is one, so that other text can come up in its place.
 void ClearOpenLine(int fd);
 
-/// `text` with its line ends (CR, CR LF or LF) as LF, and "?" for every other control character: an
-/// instrument's words must not steer the terminal.
-std::string PrintableText(std::string_view text);
-
 }  // namespace vane

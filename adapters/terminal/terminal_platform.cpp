@@ -6,6 +6,7 @@
 
 #include "adapters/terminal/terminal_input.h"
 #include "adapters/terminal/terminal_output.h"
+#include "vane/support/texts.h"
 
 namespace vane {
 namespace {

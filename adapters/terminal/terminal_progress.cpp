@@ -9,6 +9,7 @@
 #include <string_view>
 
 #include "adapters/terminal/terminal_output.h"
+#include "vane/support/texts.h"
 
 namespace vane {
 namespace {

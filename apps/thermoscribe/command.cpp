@@ -4,7 +4,7 @@
 #include <cmath>
 #include <utility>
 
-#include "apps/thermoscribe/value_rule.h"
+#include "apps/snapshots/value_rule.h"
 
 namespace vane::thermoscribe {
 

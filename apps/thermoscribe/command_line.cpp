@@ -9,7 +9,7 @@
 #include <map>
 #include <memory>
 
-#include "apps/thermoscribe/value_rule.h"
+#include "apps/snapshots/value_rule.h"
 
 namespace vane::thermoscribe {
 namespace {

@@ -4,8 +4,8 @@
 #include <utility>
 
 #include "adapters/serial/serial_ports.h"
+#include "apps/snapshots/value_rule.h"
 #include "apps/thermoscribe/command_line.h"
-#include "apps/thermoscribe/value_rule.h"
 
 namespace vane::thermoscribe {
 namespace {

@@ -9,9 +9,9 @@
 #include "adapters/files/config_registry.h"
 #include "adapters/serial/baud_rates.h"
 #include "adapters/serial/serial_ports.h"
+#include "apps/snapshots/value_rule.h"
 #include "apps/thermoscribe/command.h"
 #include "apps/thermoscribe/port_choice.h"
-#include "apps/thermoscribe/value_rule.h"
 
 namespace vane::thermoscribe {
 namespace {

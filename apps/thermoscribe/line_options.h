@@ -8,8 +8,8 @@
 #include <string>
 #include <vector>
 
+#include "apps/snapshots/value.h"
 #include "apps/thermoscribe/host_options.h"
-#include "apps/thermoscribe/value.h"
 
 namespace vane {
 class CConfigRegistry;

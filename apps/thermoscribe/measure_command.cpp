@@ -11,10 +11,10 @@
 #include <utility>
 #include <vector>
 
+#include "apps/snapshots/value_rule.h"
 #include "apps/thermoscribe/channel_list.h"
 #include "apps/thermoscribe/host.h"
 #include "apps/thermoscribe/program_commands.h"
-#include "apps/thermoscribe/value_rule.h"
 #include "vane/channels/channel.h"
 #include "vane/components/library_error.h"
 #include "vane/support/display_texts.h"

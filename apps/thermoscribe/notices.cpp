@@ -4,6 +4,7 @@
 
 #include "adapters/terminal/terminal_output.h"
 #include "apps/thermoscribe/output.h"
+#include "vane/support/texts.h"
 
 namespace vane::thermoscribe {
 namespace {

@@ -1,40 +1,17 @@
 #include "apps/thermoscribe/output.h"
 
 #include <algorithm>
-#include <array>
-#include <charconv>
 #include <cstddef>
-#include <cstdio>
 #include <utility>
 
 #include "adapters/files/whole_file.h"
-#include "adapters/terminal/terminal_output.h"
-#include "apps/thermoscribe/json_text.h"
-#include "vane/support/number_text.h"
+#include "apps/snapshots/json_text.h"
 
 namespace vane::thermoscribe {
 namespace {
 
 constexpr int kVersion = 1;
 constexpr std::string_view kGap = "  ";
-
-// Characters of a UTF-8 text.
-std::size_t Columns(std::string_view text) {
-  return static_cast<std::size_t>(std::ranges::count_if(
-      text, [](char c) { return (static_cast<unsigned char>(c) & 0xC0) != 0x80; }));
-}
-
-std::string Blanks(const std::string& text, std::size_t columns) {
-  const std::size_t used = Columns(text);
-  return std::string(columns > used ? columns - used : 0, ' ');
-}
-
-template <class Number>
-std::string NumberText(Number number) {
-  std::array<char, 32> text;
-  const auto end = std::to_chars(text.data(), text.data() + text.size(), number).ptr;
-  return {text.data(), end};
-}
 
 // A 0 has no sign: nobody measures one, and it would stand in records as if it meant something.
 void DropNegativeZeros(Value& value) {
@@ -82,45 +59,6 @@ std::string JsonLine(std::string_view kind, const Members& members) {
   return JsonText(value);
 }
 
-std::string WithUsersSeparator(std::string number) {
-  const std::size_t point = number.find('.');
-  if (point != number.npos) number.replace(point, 1, GetDecimalSeparator());
-  return number;
-}
-
-std::string TextOf(const Value& value) {
-  if (value.IsNone()) return "-";
-  if (const auto* const flag = value.If<bool>()) return *flag ? "yes" : "no";
-  if (const auto* const whole = value.If<std::int64_t>()) return NumberText(*whole);
-  if (value.IsNumber()) return WithUsersSeparator(NumberText(value.Number() + 0.0));
-  return PrintableText(value.Text());
-}
-
-std::string TextOf(const Value& value, std::string_view unit) {
-  return TextOf(value) + (unit.empty() ? "" : " ") + std::string(unit);
-}
-
-void AddLine(std::string& lines, const std::string& title, std::size_t columns,
-             std::string_view text) {
-  Append(lines, "\n", Padded(title, columns) + std::string(text));
-}
-
-std::string MomentText(std::chrono::local_seconds moment) {
-  const auto midnight = std::chrono::floor<std::chrono::days>(moment);
-  const std::chrono::year_month_day date(midnight);
-  const std::chrono::hh_mm_ss time(moment - midnight);
-  std::array<char, 48> text;
-  std::snprintf(text.data(), text.size(), "%04d-%02u-%02uT%02d:%02d:%02d",
-                static_cast<int>(date.year()), static_cast<unsigned>(date.month()),
-                static_cast<unsigned>(date.day()), static_cast<int>(time.hours().count()),
-                static_cast<int>(time.minutes().count()), static_cast<int>(time.seconds().count()));
-  return text.data();
-}
-
-std::string Padded(const std::string& text, std::size_t columns) {
-  return text + Blanks(text, columns);
-}
-
 std::string CsvLine(const std::vector<std::string>& fields) {
   std::string line;
   const char* separator = "";
@@ -138,7 +76,7 @@ std::string TableText(const std::vector<TableColumn>& columns, const std::vector
     const bool isnumeric = IsNumeric(rows, i);
     const std::size_t width = Columns(*std::ranges::max_element(cells, {}, Columns));
     for (std::size_t line = 0; line < lines.size(); ++line) {
-      const std::string blanks = Blanks(cells[line], width);
+      const std::string blanks(width - Columns(cells[line]), ' ');
       if (i > 0) lines[line] += kGap;
       lines[line] += isnumeric ? blanks + cells[line] : cells[line] + blanks;
     }

@@ -4,15 +4,15 @@
 // The JSON form is a promise, see docs/command_line.md: members are added, never renamed.
 #pragma once
 
-#include <chrono>
 #include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "apps/snapshots/value.h"
+#include "apps/snapshots/value_text.h"
 #include "apps/thermoscribe/line_output.h"
-#include "apps/thermoscribe/value.h"
 
 namespace vane::thermoscribe {
 
@@ -81,25 +81,5 @@ std::string TableText(const std::vector<TableColumn>& columns, const std::vector
 /// One object with `members` behind its version and kind, as one line without an end. An instrument
 /// may send any byte; one that is no UTF-8 becomes U+FFFD.
 std::string JsonLine(std::string_view kind, const Members& members);
-
-/// `number` with the user's decimal separator in place of ".".
-std::string WithUsersSeparator(std::string number);
-
-/// A value for people: a number as the shortest text that reads back equal, with the user's decimal
-/// separator; "yes", "no", and "-" for none. Control characters are replaced.
-std::string TextOf(const Value& value);
-/// The same with its unit, which may be empty.
-std::string TextOf(const Value& value, std::string_view unit);
-
-/// Adds a line to a text of lines without a last end: `title` with blanks up to `columns`, and
-/// `text`.
-void AddLine(std::string& lines, const std::string& title, std::size_t columns,
-             std::string_view text);
-
-/// "2026-11-24T15:07:09".
-std::string MomentText(std::chrono::local_seconds moment);
-
-/// `text` with blanks up to `columns` characters.
-std::string Padded(const std::string& text, std::size_t columns);
 
 }  // namespace vane::thermoscribe

@@ -4,8 +4,8 @@
 #include <iterator>
 #include <stdexcept>
 
+#include "apps/snapshots/json_text.h"
 #include "apps/thermoscribe/command.h"
-#include "apps/thermoscribe/json_text.h"
 #include "apps/thermoscribe/property_write.h"
 #include "vane/components/components.h"
 #include "vane/instrument/t312b.h"

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "apps/thermoscribe/probe_members.h"
+#include "apps/snapshots/probe_members.h"
 
 namespace vane::thermoscribe {
 

@@ -8,8 +8,8 @@
 #include <utility>
 #include <vector>
 
+#include "apps/snapshots/instrument_properties.h"
 #include "apps/thermoscribe/exit_codes.h"
-#include "apps/thermoscribe/instrument_properties.h"
 #include "vane/support/numbering.h"
 
 namespace vane::thermoscribe {

@@ -8,8 +8,8 @@
 #include <string>
 #include <vector>
 
+#include "apps/snapshots/json_text.h"
 #include "apps/thermoscribe/host.h"
-#include "apps/thermoscribe/json_text.h"
 #include "apps/thermoscribe/program_commands.h"
 #include "apps/thermoscribe/property_write.h"
 #include "apps/thermoscribe/snapshot.h"

@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "apps/snapshots/instrument_properties.h"
 #include "apps/thermoscribe/host.h"
-#include "apps/thermoscribe/instrument_properties.h"
 #include "apps/thermoscribe/program_commands.h"
 
 namespace vane::thermoscribe {

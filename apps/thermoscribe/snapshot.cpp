@@ -5,8 +5,8 @@
 #include <utility>
 
 #include "adapters/files/whole_file.h"
+#include "apps/snapshots/json_text.h"
 #include "apps/thermoscribe/host.h"
-#include "apps/thermoscribe/json_text.h"
 #include "apps/thermoscribe/probe_input.h"
 #include "vane/support/texts.h"
 

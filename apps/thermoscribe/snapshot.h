@@ -5,9 +5,9 @@
 #include <string>
 #include <vector>
 
+#include "apps/snapshots/instrument_properties.h"
+#include "apps/snapshots/probe_members.h"
 #include "apps/thermoscribe/exit_codes.h"
-#include "apps/thermoscribe/instrument_properties.h"
-#include "apps/thermoscribe/probe_members.h"
 
 namespace vane::thermoscribe {
 

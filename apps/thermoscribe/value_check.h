@@ -5,8 +5,8 @@
 #include <string_view>
 #include <vector>
 
+#include "apps/snapshots/value.h"
 #include "apps/thermoscribe/exit_codes.h"
-#include "apps/thermoscribe/value.h"
 
 namespace vane::thermoscribe {
 

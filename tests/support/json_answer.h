@@ -7,7 +7,7 @@
 #include <string>
 #include <string_view>
 
-#include "apps/thermoscribe/json_text.h"
+#include "apps/snapshots/json_text.h"
 
 namespace vane {
 

@@ -25,4 +25,21 @@ inline std::string UpperCase(std::string_view text) {
   return upper;
 }
 
+/// `text` with its line ends (CR, CR LF or LF) as LF, and "?" for every other control character: an
+/// instrument's words must not steer a terminal.
+inline std::string PrintableText(std::string_view text) {
+  std::string result;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    const auto c = static_cast<unsigned char>(text[i]);
+    if (c == '\r') {
+      if (text.substr(i + 1, 1) != "\n") result += '\n';
+    } else if (c == '\n' || c == '\t' || (c >= ' ' && c != 0x7F)) {
+      result += text[i];
+    } else {
+      result += '?';
+    }
+  }
+  return result;
+}
+
 }  // namespace vane

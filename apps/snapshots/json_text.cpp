@@ -1,4 +1,4 @@
-#include "apps/thermoscribe/json_text.h"
+#include "apps/snapshots/json_text.h"
 
 #include <nlohmann/json.hpp>
 #include <set>

@@ -8,7 +8,7 @@
 #include <variant>
 #include <vector>
 
-#include "apps/thermoscribe/value.h"
+#include "apps/snapshots/value.h"
 
 namespace vane::thermoscribe {
 

@@ -5,7 +5,7 @@
 #include <stdexcept>
 #include <string>
 
-#include "apps/thermoscribe/value.h"
+#include "apps/snapshots/value.h"
 
 namespace vane::thermoscribe {
 

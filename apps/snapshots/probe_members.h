@@ -8,8 +8,8 @@
 #include <utility>
 #include <vector>
 
-#include "apps/thermoscribe/value.h"
-#include "apps/thermoscribe/value_rule.h"
+#include "apps/snapshots/value.h"
+#include "apps/snapshots/value_rule.h"
 #include "vane/channels/channel.h"
 #include "vane/components/conversion.h"
 

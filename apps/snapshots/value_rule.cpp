@@ -1,4 +1,4 @@
-#include "apps/thermoscribe/value_rule.h"
+#include "apps/snapshots/value_rule.h"
 
 #include <algorithm>
 #include <array>
@@ -8,7 +8,7 @@
 #include <system_error>
 #include <utility>
 
-#include "apps/thermoscribe/output.h"
+#include "apps/snapshots/value_text.h"
 
 namespace vane::thermoscribe {
 namespace {

@@ -1,11 +1,11 @@
-#include "apps/thermoscribe/probe_members.h"
+#include "apps/snapshots/probe_members.h"
 
 #include <algorithm>
 #include <stdexcept>
 #include <utility>
 
-#include "apps/thermoscribe/enum_words.h"
-#include "apps/thermoscribe/output.h"
+#include "apps/snapshots/enum_words.h"
+#include "apps/snapshots/value_text.h"
 #include "vane/channels/coefficients.h"
 #include "vane/support/display_texts.h"
 #include "vane/support/field_editing.h"

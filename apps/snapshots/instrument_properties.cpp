@@ -1,10 +1,10 @@
-#include "apps/thermoscribe/instrument_properties.h"
+#include "apps/snapshots/instrument_properties.h"
 
 #include <algorithm>
 #include <type_traits>
 
-#include "apps/thermoscribe/enum_words.h"
-#include "apps/thermoscribe/output.h"
+#include "apps/snapshots/enum_words.h"
+#include "apps/snapshots/value_text.h"
 #include "vane/support/display_texts.h"
 #include "vane/support/numbering.h"
 #include "vane/support/texts.h"

@@ -10,8 +10,8 @@
 #include <string_view>
 #include <vector>
 
-#include "apps/thermoscribe/value.h"
-#include "apps/thermoscribe/value_rule.h"
+#include "apps/snapshots/value.h"
+#include "apps/snapshots/value_rule.h"
 #include "vane/instrument/t312b.h"
 #include "vane/support/numbering.h"
 

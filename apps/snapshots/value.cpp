@@ -1,4 +1,4 @@
-#include "apps/thermoscribe/value.h"
+#include "apps/snapshots/value.h"
 
 #include <algorithm>
 #include <type_traits>
