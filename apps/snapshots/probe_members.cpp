@@ -4,9 +4,11 @@
 #include <stdexcept>
 #include <utility>
 
+#include "apps/snapshots/audience.h"
 #include "apps/snapshots/enum_words.h"
 #include "apps/snapshots/value_text.h"
 #include "vane/channels/coefficients.h"
+#include "vane/instrument/t312b.h"
 #include "vane/support/display_texts.h"
 #include "vane/support/field_editing.h"
 #include "vane/support/texts.h"
@@ -207,6 +209,12 @@ bool KnowsConversion(const ProbeValues& values) {
 
 bool HoldsConversion(const ProbeValues& values) {
   return std::ranges::any_of(values, &ProbeKey::IsConversion, &ProbeValue::key);
+}
+
+CVaneT312BPRTTHRMChannel* ProbeCarrier(const CVaneT312B& instrument, CAudience& audience) {
+  CVaneT312BPRTTHRMChannel* const channel = instrument.GetChannelReference(1);
+  if (channel == nullptr) audience.Say("The readout reports no channels.");
+  return channel;
 }
 
 ProbeValues ProbeRecord(const ProbeChannel& channel) {

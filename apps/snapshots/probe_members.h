@@ -13,7 +13,13 @@
 #include "vane/channels/channel.h"
 #include "vane/components/conversion.h"
 
+namespace vane {
+class CVaneT312B;
+}  // namespace vane
+
 namespace vane::thermoscribe {
+
+class CAudience;
 
 /// A member of a probe's record other than its coefficients.
 struct ProbeMemberRow {
@@ -75,6 +81,10 @@ bool KnowsConversion(const ProbeValues& values);
 
 /// Whether one of them may be behind the passcode.
 bool HoldsConversion(const ProbeValues& values);
+
+/// The first channel's object: a probe need not be assigned to any, and this one carries the record
+/// of each. Null when there is none, which has been told then.
+CVaneT312BPRTTHRMChannel* ProbeCarrier(const CVaneT312B& instrument, CAudience& audience);
 
 /// The whole record that `channel` holds. The members are the same for every conversion; none is
 /// what it doesn't have.

@@ -170,12 +170,6 @@ CVaneT312BPRTTHRMChannel* CHost::FindChannel(std::int16_t number) {
   return channel;
 }
 
-CVaneT312BPRTTHRMChannel* CHost::ProbeCarrier() {
-  CVaneT312BPRTTHRMChannel* const channel = instrument_.GetChannelReference(1);
-  if (channel == nullptr) Say("The readout reports no channels.");
-  return channel;
-}
-
 EExitCode CHost::ReadSettings() {
   if (const EExitCode code = Connect(); code != EExitCode::DONE) return code;
   if (!instrument_.QueryInfo(ProgressWindow(), false)) return CodeOfStoppedRun();
@@ -187,21 +181,15 @@ EExitCode CHost::ReadSettings() {
   return EExitCode::DONE;
 }
 
+std::int32_t CHost::Troubles() const { return line_->failures + platform_.Boxes(); }
+
 EExitCode CHost::ReadWell(const std::function<EExitCode()>& read) {
-  const std::int32_t failures = line_->failures;
-  const std::int32_t boxes = platform_.Boxes();
-  EExitCode code = EExitCode::FAILED;
-  try {
+  EExitCode code = EExitCode::DONE;
+  const EEnd end = CAudience::ReadWell([&] {
     code = read();
-  } catch (...) {
-    return ReportFailure("reading from the instrument");
-  }
-  if (code == EExitCode::DONE && IsInterrupted()) return EExitCode::ABORTED;
-  if (code != EExitCode::DONE || (line_->failures == failures && platform_.Boxes() == boxes)) {
-    return code;
-  }
-  Say("Not everything could be read well.");
-  return errorcode_.value_or(CodeOfLine());
+    return code == EExitCode::DONE;
+  });
+  return code != EExitCode::DONE ? code : CodeOf(end);
 }
 
 EExitCode CHost::OpenGates(std::span<const EGate> gates) {
@@ -249,6 +237,20 @@ EExitCode CHost::CodeOfStoppedRun() {
   // A readout that is silent when it is asked who it is ends a run without a word.
   if (platform_.Boxes() == 0 && LastFailure().number != 0) Say(LastFailure().description);
   return CodeOfLine();
+}
+
+EExitCode CHost::CodeOf(EEnd end) {
+  switch (end) {
+    case EEnd::DONE:
+      return EExitCode::DONE;
+    case EEnd::STOPPED:
+      return CodeOfStoppedRun();
+    case EEnd::RAISED:
+      return raisedcode_;
+    case EEnd::BADLY:
+      break;
+  }
+  return errorcode_.value_or(CodeOfLine());
 }
 
 EExitCode CHost::ReportFailure(const std::string& action) {

@@ -13,6 +13,7 @@
 #include "adapters/posix/patience.h"
 #include "adapters/terminal/interrupts.h"
 #include "adapters/terminal/terminal_platform.h"
+#include "apps/snapshots/audience.h"
 #include "apps/snapshots/instrument_properties.h"
 #include "apps/thermoscribe/exit_codes.h"
 #include "apps/thermoscribe/host_factory.h"
@@ -61,11 +62,11 @@ class CHostPlatform final : public CTerminalPlatform {
 
 /// One object per process, on the main thread. From its making on, Ctrl-C ends a wait of the
 /// library and raises `IsInterrupted`, and nothing more.
-class CHost {
+class CHost final : public CAudience {
  public:
   /// `notices` outlives the host.
   CHost(HostOptions options, CNotices& notices);
-  ~CHost();
+  ~CHost() override;
   CHost(const CHost&) = delete;
   CHost& operator=(const CHost&) = delete;
 
@@ -84,9 +85,8 @@ class CHost {
   /// channels. When the result is not `DONE` the user has been told why, or the run was stopped.
   EExitCode ReadSettings();
 
-  /// Runs `read` and gives its result, or the code of what it raises, which is then told. Where the
-  /// result is `DONE` and still an exchange failed or a box was shown meanwhile, says that not
-  /// everything was read well, and gives a code for that; and `ABORTED` once the user has stopped.
+  /// The audience's `ReadWell` with a code for what has ended it: what `read` gives, where that is
+  /// not `DONE`.
   EExitCode ReadWell(const std::function<EExitCode()>& read);
 
   /// Opens editing of the groups of `gates` for this command, with the passcode where one of them
@@ -98,11 +98,8 @@ class CHost {
   /// are sent as ever.
   void StartDryRun();
 
-  // Null when there is none, which the user has been told then.
+  /// Null when there is none, which the user has been told then.
   CVaneT312BPRTTHRMChannel* FindChannel(std::int16_t number);
-  /// The first channel's object: a probe need not be assigned to any, and this one carries the
-  /// record of each.
-  CVaneT312BPRTTHRMChannel* ProbeCarrier();
 
   /// "The readout has the channels 1 to 12."
   std::string ChannelsText() const;
@@ -111,11 +108,13 @@ class CHost {
   CVaneT312B& Instrument() { return instrument_; }
   COutput& Output() { return output_; }
 
-  /// The owner of the display of a long read; null unless the user wants to see one.
-  ui::CWindow* ProgressWindow() { return options_.progress ? &window_ : nullptr; }
+  /// Null unless the user wants to see the display.
+  ui::CWindow* ProgressWindow() override { return options_.progress ? &window_ : nullptr; }
 
   /// Why a run of the library that gave false has ended; the user has been told then.
   EExitCode CodeOfStoppedRun();
+  /// The same for any end.
+  EExitCode CodeOf(EEnd end);
 
   /// For files that may keep the program waiting.
   Patience UsersPatience() const {
@@ -123,7 +122,7 @@ class CHost {
   }
 
   /// True once the user has pressed Ctrl-C, from then on.
-  bool IsInterrupted() const { return interrupts_.Pending(); }
+  bool IsInterrupted() const override { return interrupts_.Pending(); }
 
   const WrittenFile& LatestFile() const { return factory_.LatestFile(); }
 
@@ -133,12 +132,15 @@ class CHost {
   /// To be called inside a catch: shows the pending error once, with the failure of the line behind
   /// it where the error itself doesn't name that. `action` completes "An error occurred while".
   EExitCode ReportFailure(const std::string& action);
+  void SayError(const std::string& action) override { raisedcode_ = ReportFailure(action); }
+
+  std::int32_t Troubles() const override;
 
   /// The wall clock in the user's time zone.
   std::chrono::local_seconds LocalTime() { return platform_.LocalTime(); }
 
   /// A line for the user on standard error: what went wrong, or what is good to know.
-  void Say(const std::string& text) { notices_.Tell(text); }
+  void Say(const std::string& text) override { notices_.Tell(text); }
   void Note(const std::string& text) { notices_.Note(text); }
 
   /// Holds what is told from now on until `Release`, so that something else is shown before.
@@ -172,7 +174,8 @@ class CHost {
   std::shared_ptr<CConfigRegistry> registry_;
   CVaneT312B instrument_;
   COutput output_;
-  std::optional<EExitCode> errorcode_;  // of the first error that was told
+  std::optional<EExitCode> errorcode_;      // of the first error that was told
+  EExitCode raisedcode_ = EExitCode::DONE;  // of the latest that a run has raised
 };
 
 }  // namespace vane::thermoscribe

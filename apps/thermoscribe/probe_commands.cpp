@@ -36,7 +36,7 @@ EExitCode RunChannel(CHost& host, std::int16_t number) {
 
 EExitCode RunProbe(CHost& host, std::int16_t number) {
   if (const EExitCode code = host.Connect(); code != EExitCode::DONE) return code;
-  CVaneT312BPRTTHRMChannel* const channel = host.ProbeCarrier();
+  CVaneT312BPRTTHRMChannel* const channel = ProbeCarrier(host.Instrument(), host);
   if (channel == nullptr) return EExitCode::FAILED;
   if (!channel->QueryProbeInfo(number, host.ProgressWindow())) return host.CodeOfStoppedRun();
   std::string text;

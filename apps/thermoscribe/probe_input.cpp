@@ -2,19 +2,15 @@
 
 #include <algorithm>
 #include <iterator>
-#include <stdexcept>
 
-#include "apps/snapshots/json_text.h"
 #include "apps/thermoscribe/command.h"
 #include "apps/thermoscribe/property_write.h"
-#include "vane/components/components.h"
 #include "vane/instrument/t312b.h"
 
 namespace vane::thermoscribe {
 namespace {
 
 constexpr const char* kProbe = "probe";
-constexpr const char* kCoefficients = "coefficients";
 
 // The coefficients of all conversions; several conversions share a name.
 bool IsCoefficient(const std::string& folded) {
@@ -52,29 +48,6 @@ Value TypedValue(const ProbeKey& key, const std::string& text) {
                     (row != nullptr && row->maybenone ? ", or none" : "") + ".");
 }
 
-// Whether a file's record may hold it; what a readout tells as unknown stands there too.
-bool MayStand(const ProbeMemberRow& row, const Value& value) {
-  if (value.IsNone()) return row.maybenone || row.maybeunknown;
-  return Allows(row.rule, value) || (row.infile && Allows(*row.infile, value));
-}
-
-std::string ExpectedInFile(const ProbeMemberRow& row) {
-  const bool isother = row.infile && !row.infile->expected.empty();
-  return (isother ? row.infile->expected : ExpectedText(row.rule)) +
-         (row.maybenone || row.maybeunknown ? ", or null" : "");
-}
-
-[[noreturn]] void Damaged(const std::string& name, const std::string& trouble) {
-  throw std::invalid_argument(name + " is " + trouble);
-}
-
-const Members& CoefficientsIn(const Members& record) {
-  const Value* const part = Find(record, kCoefficients);
-  const Members* const coefficients = part == nullptr ? nullptr : part->If<Members>();
-  if (coefficients == nullptr) Damaged(kCoefficients, "missing or no object");
-  return *coefficients;
-}
-
 }  // namespace
 
 void AddProbeAssignment(ProbeAssignments& assignments, const std::string& text, bool takesprobe) {
@@ -102,43 +75,6 @@ std::vector<std::string> ProbeAssignmentWords(bool takesprobe) {
     std::ranges::move(AssignmentWords(row.name, row.rule), std::back_inserter(words));
   }
   return words;
-}
-
-ProbeValues ProbeValuesIn(const Members& record) {
-  ProbeValues values;
-  for (const ProbeMemberRow& row : ProbeMembers()) {
-    const std::string name(row.name);
-    const Value* const value = Find(record, name);
-    // What only one conversion has may be left out; the conversion itself misses it then.
-    if (value == nullptr && row.only) continue;
-    if (value == nullptr) Damaged(name, "missing");
-    if (!MayStand(row, *value)) {
-      Damaged(name, JsonText(*value) + " and not " + ExpectedInFile(row));
-    }
-    values.push_back({ProbeKey(row), *value});
-  }
-  const Members& coefficients = CoefficientsIn(record);
-  for (const auto& [name, value] : coefficients) {
-    ProbeKey key(name);
-    if (!value.IsNumber()) Damaged(key.Path(), JsonText(value) + ", no number");
-    values.push_back({std::move(key), value});
-  }
-  // The rest is what the conversion itself says.
-  CVaneT312BPRTTHRMChannel scratch(InstalledComponents());
-  StoreProbeValues(scratch, values);
-  const ProbeValues whole = ProbeRecord(scratch);
-  for (const auto& [name, value] : record) {
-    const bool isknown =
-        name == kProbe || name == kCoefficients ||
-        std::ranges::find(ProbeMembers(), name, &ProbeMemberRow::name) != ProbeMembers().end();
-    if (!isknown) Damaged(name, "nothing that a probe has");
-  }
-  for (const auto& [key, value] : whole) {
-    const Members& part = key.row != nullptr ? record : coefficients;
-    // What only another conversion has may be left out.
-    if (Find(part, key.Name()) == nullptr && !value.IsNone()) Damaged(key.Path(), "missing");
-  }
-  return values;
 }
 
 }  // namespace vane::thermoscribe

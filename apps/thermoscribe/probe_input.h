@@ -1,4 +1,4 @@
-// The values of a probe's record as a person or a file gives them.
+// The values of a probe's record as a person gives them.
 #pragma once
 
 #include <cstdint>
@@ -24,9 +24,5 @@ void AddProbeAssignment(ProbeAssignments& assignments, const std::string& text, 
 /// What can be typed for the members but the coefficients, "serial=" and "scale=90", for a shell to
 /// offer.
 std::vector<std::string> ProbeAssignmentWords(bool takesprobe);
-
-/// The record of a file. Raises `std::invalid_argument`, with the member's name at the head of the
-/// text, where not all of it can be stored.
-ProbeValues ProbeValuesIn(const Members& record);
 
 }  // namespace vane::thermoscribe

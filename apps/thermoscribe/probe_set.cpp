@@ -115,7 +115,7 @@ EExitCode Write(CHost& host, Target target, const ProbeAssignments& assignments,
 EExitCode WriteProbe(CHost& host, std::int16_t number, const ProbeAssignments& assignments,
                      bool dryrun) {
   if (const EExitCode code = ReadBeforeWriting(host); code != EExitCode::DONE) return code;
-  CVaneT312BPRTTHRMChannel* const channel = host.ProbeCarrier();
+  CVaneT312BPRTTHRMChannel* const channel = ProbeCarrier(host.Instrument(), host);
   if (channel == nullptr) return EExitCode::FAILED;
   return Write(host, {*channel, number, false}, assignments, dryrun);
 }

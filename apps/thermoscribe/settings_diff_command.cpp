@@ -3,9 +3,10 @@
 #include <memory>
 #include <string>
 
+#include "apps/snapshots/snapshot_file.h"
 #include "apps/thermoscribe/host.h"
 #include "apps/thermoscribe/program_commands.h"
-#include "apps/thermoscribe/snapshot.h"
+#include "apps/thermoscribe/settings_file.h"
 
 namespace vane::thermoscribe {
 namespace {
@@ -14,14 +15,14 @@ EExitCode RunDiff(CHost& host, const std::string& path, const std::string& other
   Snapshot left;
   Snapshot right;
   try {
-    left = ReadSnapshotFile(host, path);
-    if (!otherpath.empty()) right = ReadSnapshotFile(host, otherpath);
+    left = ReadSnapshotFile(path, host.UsersPatience());
+    if (!otherpath.empty()) right = ReadSnapshotFile(otherpath, host.UsersPatience());
   } catch (const std::runtime_error& error) {
     host.Say(error.what());
     return host.IsInterrupted() ? EExitCode::ABORTED : EExitCode::FAILED;
   }
   if (otherpath.empty()) {
-    if (const EExitCode code = TakeSnapshot(host, right); code != EExitCode::DONE) return code;
+    if (const EExitCode code = ConnectAndTake(host, right); code != EExitCode::DONE) return code;
   }
   const std::vector<Difference> differences = Differences(left, right);
   ShowDifferences(host, differences, "File", otherpath.empty() ? "Readout" : "File 2");

@@ -9,10 +9,11 @@
 #include <vector>
 
 #include "apps/snapshots/json_text.h"
+#include "apps/snapshots/snapshot_file.h"
 #include "apps/thermoscribe/host.h"
 #include "apps/thermoscribe/program_commands.h"
 #include "apps/thermoscribe/property_write.h"
-#include "apps/thermoscribe/snapshot.h"
+#include "apps/thermoscribe/settings_file.h"
 #include "apps/thermoscribe/stages.h"
 #include "apps/thermoscribe/value_check.h"
 #include "vane/components/components.h"
@@ -168,8 +169,8 @@ std::vector<Stage> CRestore::Stages() {
 
 EExitCode CRestore::Verify() {
   Snapshot after;
-  if (const EExitCode code = TakeSnapshot(host_, after, false); code != EExitCode::DONE) {
-    return NotReadBack(host_, code);
+  if (const EEnd end = TakeSnapshot(host_.Instrument(), host_, after); end != EEnd::DONE) {
+    return NotReadBack(host_, host_.CodeOf(end));
   }
   List missing;
   const auto tell = [&](const Difference& difference, const std::string& reason) {
@@ -196,7 +197,7 @@ EExitCode CRestore::Verify() {
 }
 
 EExitCode CRestore::Run(bool yes, bool dryrun) {
-  if (const EExitCode code = TakeSnapshot(host_, before_); code != EExitCode::DONE) {
+  if (const EExitCode code = ConnectAndTake(host_, before_); code != EExitCode::DONE) {
     return NothingWritten(host_, code);
   }
   const std::vector<Difference> differences = Differences(file_, before_);
@@ -235,7 +236,7 @@ EExitCode CRestore::Run(bool yes, bool dryrun) {
 EExitCode RunRestore(CHost& host, const std::string& path, bool yes, bool dryrun) {
   Snapshot file;
   try {
-    file = ReadSnapshotFile(host, path);
+    file = ReadSnapshotFile(path, host.UsersPatience());
   } catch (const std::runtime_error& error) {
     host.Say(error.what());
     return NothingWritten(host, host.IsInterrupted() ? EExitCode::ABORTED : EExitCode::FAILED);

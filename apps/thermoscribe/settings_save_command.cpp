@@ -4,10 +4,11 @@
 #include <string>
 
 #include "adapters/files/replacing_file.h"
+#include "apps/snapshots/snapshot_file.h"
 #include "apps/thermoscribe/host.h"
 #include "apps/thermoscribe/line_output.h"
 #include "apps/thermoscribe/program_commands.h"
-#include "apps/thermoscribe/snapshot.h"
+#include "apps/thermoscribe/settings_file.h"
 
 namespace vane::thermoscribe {
 namespace {
@@ -15,8 +16,8 @@ namespace {
 EExitCode RunSave(CHost& host, const std::string& path) {
   CheckFolder(path);
   Snapshot snapshot;
-  if (const EExitCode code = TakeSnapshot(host, snapshot); code != EExitCode::DONE) return code;
-  WriteSnapshotFile(host, path, snapshot);
+  if (const EExitCode code = ConnectAndTake(host, snapshot); code != EExitCode::DONE) return code;
+  host.Output().File(path, SnapshotText(snapshot), kSnapshotPermissions);
   // With the snapshot itself on standard output, nothing else may stand there.
   if (IsStandardOutput(path)) return EExitCode::DONE;
   host.Output().Record("saved", {{"file", path}, {"taken", snapshot.taken}},

@@ -1,13 +1,15 @@
-#include "apps/thermoscribe/snapshot.h"
+#include "apps/snapshots/snapshot_file.h"
 
 #include <algorithm>
 #include <stdexcept>
+#include <string_view>
 #include <utility>
+#include <vector>
 
 #include "adapters/files/whole_file.h"
 #include "apps/snapshots/json_text.h"
-#include "apps/thermoscribe/host.h"
-#include "apps/thermoscribe/probe_input.h"
+#include "vane/components/components.h"
+#include "vane/instrument/t312b.h"
 #include "vane/support/texts.h"
 
 namespace vane::thermoscribe {
@@ -15,7 +17,8 @@ namespace {
 
 constexpr const char* kFormat = "thermoscribe settings";
 constexpr int kVersion = 1;
-constexpr mode_t kPermissions = 0644;
+constexpr const char* kProbe = "probe";
+constexpr const char* kCoefficients = "coefficients";
 constexpr std::size_t kMostBytes = 4 << 20;  // of a file; what is saved has some 20 thousand
 
 [[noreturn]] void Damaged(const std::string& place, const std::string& trouble) {
@@ -86,6 +89,68 @@ ChannelEntry ChannelIn(const Value& value, std::int16_t number) {
   return {number, {}, static_cast<std::int16_t>(probe->Number())};
 }
 
+// Whether a file's record may hold it; what a readout tells as unknown stands there too.
+bool MayStand(const ProbeMemberRow& row, const Value& value) {
+  if (value.IsNone()) return row.maybenone || row.maybeunknown;
+  return Allows(row.rule, value) || (row.infile && Allows(*row.infile, value));
+}
+
+std::string ExpectedInFile(const ProbeMemberRow& row) {
+  const bool isother = row.infile && !row.infile->expected.empty();
+  return (isother ? row.infile->expected : ExpectedText(row.rule)) +
+         (row.maybenone || row.maybeunknown ? ", or null" : "");
+}
+
+[[noreturn]] void Misfit(const std::string& name, const std::string& trouble) {
+  throw std::invalid_argument(name + " is " + trouble);
+}
+
+const Members& CoefficientsIn(const Members& record) {
+  const Value* const part = Find(record, kCoefficients);
+  const Members* const coefficients = part == nullptr ? nullptr : part->If<Members>();
+  if (coefficients == nullptr) Misfit(kCoefficients, "missing or no object");
+  return *coefficients;
+}
+
+// The record of a probe. Raises `std::invalid_argument`, with the member's name at the head of the
+// text, where not all of it can be stored.
+ProbeValues ProbeValuesIn(const Members& record) {
+  ProbeValues values;
+  for (const ProbeMemberRow& row : ProbeMembers()) {
+    const std::string name(row.name);
+    const Value* const value = Find(record, name);
+    // What only one conversion has may be left out; the conversion itself misses it then.
+    if (value == nullptr && row.only) continue;
+    if (value == nullptr) Misfit(name, "missing");
+    if (!MayStand(row, *value)) {
+      Misfit(name, JsonText(*value) + " and not " + ExpectedInFile(row));
+    }
+    values.push_back({ProbeKey(row), *value});
+  }
+  const Members& coefficients = CoefficientsIn(record);
+  for (const auto& [name, value] : coefficients) {
+    ProbeKey key(name);
+    if (!value.IsNumber()) Misfit(key.Path(), JsonText(value) + ", no number");
+    values.push_back({std::move(key), value});
+  }
+  // The rest is what the conversion itself says.
+  CVaneT312BPRTTHRMChannel scratch(InstalledComponents());
+  StoreProbeValues(scratch, values);
+  const ProbeValues whole = ProbeRecord(scratch);
+  for (const auto& [name, value] : record) {
+    const bool isknown =
+        name == kProbe || name == kCoefficients ||
+        std::ranges::find(ProbeMembers(), name, &ProbeMemberRow::name) != ProbeMembers().end();
+    if (!isknown) Misfit(name, "nothing that a probe has");
+  }
+  for (const auto& [key, value] : whole) {
+    const Members& part = key.row != nullptr ? record : coefficients;
+    // What only another conversion has may be left out.
+    if (Find(part, key.Name()) == nullptr && !value.IsNone()) Misfit(key.Path(), "missing");
+  }
+  return values;
+}
+
 ProbeValues ProbeIn(const Value& value, std::int16_t number) {
   const std::string place = "probe " + std::to_string(number);
   if (!Has(value, "probe", number)) Damaged(place, "missing, or not at its place");
@@ -126,76 +191,9 @@ Snapshot SnapshotIn(const Value& file) {
   return snapshot;
 }
 
-void Compare(std::vector<Difference>& differences, SnapshotPlace place, Value left, Value right) {
-  if (left == right) return;
-  differences.push_back({std::move(place), std::move(left), std::move(right)});
-}
-
-// The members of the record, then the coefficients of both, in the order of the left.
-void CompareProbes(std::vector<Difference>& differences, std::int16_t number,
-                   const ProbeValues& left, const ProbeValues& right) {
-  const auto compare = [&](const ProbeKey& key) {
-    Compare(differences, {.part = SnapshotPlace::EPart::PROBE, .number = number, .probe = key},
-            ValueIn(left, key), ValueIn(right, key));
-  };
-  for (const ProbeMemberRow& row : ProbeMembers()) compare(ProbeKey(row));
-  for (const auto& [key, value] : left) {
-    if (key.row == nullptr) compare(key);
-  }
-  for (const auto& [key, value] : right) {
-    if (key.row == nullptr && !Holds(left, key)) compare(key);
-  }
-}
-
-EExitCode ReadSnapshot(CHost& host, Snapshot& snapshot, bool connect) {
-  CVaneT312B& instrument = host.Instrument();
-  if (connect) {
-    if (const EExitCode code = host.ReadSettings(); code != EExitCode::DONE) return code;
-  } else if (!instrument.QueryInfo(host.ProgressWindow(), false)) {
-    return host.CodeOfStoppedRun();
-  }
-  snapshot = {.taken = MomentText(host.LocalTime()), .settings = SettableValues(instrument)};
-  for (const PropertyRow& row : InstrumentProperties()) {
-    const bool isreadout =
-        row.group == EPropertyGroup::READOUT || row.group == EPropertyGroup::PROTECTION;
-    if (isreadout) snapshot.readout.push_back({&row, row.get(instrument)});
-  }
-  for (std::int16_t number = 1; number <= instrument.NumChannels(); ++number) {
-    CVaneT312BPRTTHRMChannel* const channel = instrument.GetChannelReference(number);
-    if (channel == nullptr) break;
-    if (host.IsInterrupted()) return EExitCode::ABORTED;
-    channel->QueryProbeIndex();
-    snapshot.channels.push_back(
-        {number, instrument.GetScanSeqChannelName(number), channel->ProbeIndex()});
-  }
-  CVaneT312BPRTTHRMChannel* const carrier = host.ProbeCarrier();
-  if (carrier == nullptr) return EExitCode::FAILED;
-  for (std::int16_t number = 1; number <= CVaneT312B::NumProbes(); ++number) {
-    if (!carrier->QueryProbeInfo(number, host.ProgressWindow())) return host.CodeOfStoppedRun();
-    snapshot.probes.push_back(ProbeRecord(*carrier));
-  }
-  return EExitCode::DONE;
-}
-
 }  // namespace
 
-EExitCode TakeSnapshot(CHost& host, Snapshot& snapshot, bool connect) {
-  return host.ReadWell([&] { return ReadSnapshot(host, snapshot, connect); });
-}
-
-Snapshot ReadSnapshotFile(CHost& host, const std::string& path) {
-  const std::string text = ReadWholeFile(path, kMostBytes, host.UsersPatience());
-  const std::string name = NameOfInput(path);
-  try {
-    return SnapshotIn(ValueOfJson(text));
-  } catch (const CJsonDamage& error) {
-    throw std::runtime_error(name + " is no JSON that can be read: " + error.what() + ".");
-  } catch (const std::runtime_error& error) {
-    throw std::runtime_error(name + ": " + error.what());
-  }
-}
-
-void WriteSnapshotFile(CHost& host, const std::string& path, const Snapshot& snapshot) {
+std::string SnapshotText(const Snapshot& snapshot) {
   List channels;
   for (const auto& [number, name, probe] : snapshot.channels) {
     channels.emplace_back(Members{{"channel", number}, {"name", name}, {"probe", probe}});
@@ -211,43 +209,24 @@ void WriteSnapshotFile(CHost& host, const std::string& path, const Snapshot& sna
                         {"settings", MembersOf(snapshot.settings)},
                         {"channels", std::move(channels)},
                         {"probes", std::move(probes)}};
-  host.Output().File(path, JsonText(file, 2) + "\n", kPermissions);
+  return JsonText(file, 2) + "\n";
 }
 
-std::string SnapshotPlace::Text() const {
-  if (part == EPart::SETTING) return "settings." + std::string(setting->name);
-  if (part == EPart::CHANNEL) return "channel " + std::to_string(number);
-  return "probe " + std::to_string(number) + "." + probe.Path();
+Snapshot ReadSnapshotFile(const std::filesystem::path& path, const Patience& patience) {
+  const std::string text = ReadWholeFile(path, kMostBytes, patience);
+  const std::string name = NameOfInput(path);
+  try {
+    return SnapshotIn(ValueOfJson(text));
+  } catch (const CJsonDamage& error) {
+    throw std::runtime_error(name + " is no JSON that can be read: " + error.what() + ".");
+  } catch (const std::runtime_error& error) {
+    throw std::runtime_error(name + ": " + error.what());
+  }
 }
 
-std::vector<Difference> Differences(const Snapshot& left, const Snapshot& right) {
-  using enum SnapshotPlace::EPart;
-  std::vector<Difference> differences;
-  // Both hold all settings.
-  for (std::size_t i = 0; i < left.settings.size(); ++i) {
-    const auto& [row, value] = left.settings[i];
-    Compare(differences, {.part = SETTING, .setting = row}, value, right.settings[i].value);
-  }
-  for (std::size_t i = 0; i < std::max(left.channels.size(), right.channels.size()); ++i) {
-    const auto probe = [i](const Snapshot& one) {
-      return i < one.channels.size() ? Value(one.channels[i].probe) : Value();
-    };
-    Compare(differences, {.part = CHANNEL, .number = static_cast<std::int16_t>(i + 1)}, probe(left),
-            probe(right));
-  }
-  for (std::size_t i = 0; i < left.probes.size(); ++i) {
-    CompareProbes(differences, static_cast<std::int16_t>(i + 1), left.probes[i], right.probes[i]);
-  }
-  return differences;
-}
-
-void ShowDifferences(CHost& host, const std::vector<Difference>& differences, const char* lefttitle,
-                     const char* righttitle) {
-  std::vector<Row> rows;
-  for (const auto& [place, left, right] : differences) rows.push_back({place.Text(), left, right});
-  host.Output().Table("difference",
-                      {{"place", "Place"}, {"left", lefttitle}, {"right", righttitle}}, rows,
-                      "Nothing differs.");
+void WriteSnapshotFile(const std::filesystem::path& path, const Snapshot& snapshot,
+                       const Patience& patience) {
+  WriteWholeFile(path, SnapshotText(snapshot), kSnapshotPermissions, patience);
 }
 
 }  // namespace vane::thermoscribe

@@ -1,17 +1,16 @@
-// A snapshot: everything that a readout keeps, and as a file of JSON.
+// A snapshot: everything that a readout keeps, as values that can be compared.
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <vector>
 
+#include "apps/snapshots/audience.h"
 #include "apps/snapshots/instrument_properties.h"
 #include "apps/snapshots/probe_members.h"
-#include "apps/thermoscribe/exit_codes.h"
 
 namespace vane::thermoscribe {
-
-class CHost;
 
 struct ChannelEntry {
   std::int16_t number;
@@ -28,15 +27,13 @@ struct Snapshot {
   std::vector<ProbeValues> probes = {};      ///< the records of all, from 1 on
 };
 
-/// Reads all settings, the probes of the channels and all probes' records into `snapshot`. With
-/// `connect`, opens the line first. An exchange that fails on the way is a failure of all. When the
-/// result is not `DONE` the user has been told why.
-EExitCode TakeSnapshot(CHost& host, Snapshot& snapshot, bool connect = true);
+/// Reads all settings, the probes of the channels and all probes' records into `snapshot`. The
+/// channels are known. An exchange that fails on the way is a failure of all.
+EEnd TakeSnapshot(CVaneT312B& instrument, CAudience& audience, Snapshot& snapshot);
 
-/// Both raise an error with a text for the user: what can't be read or written, or the place of the
-/// first thing in the file that can't be. "-" is standard input or output.
-Snapshot ReadSnapshotFile(CHost& host, const std::string& path);
-void WriteSnapshotFile(CHost& host, const std::string& path, const Snapshot& snapshot);
+/// The same with another way to read all settings; false ends it.
+EEnd TakeSnapshot(CVaneT312B& instrument, CAudience& audience,
+                  const std::function<bool()>& readsettings, Snapshot& snapshot);
 
 /// Where in an instrument a value stands.
 struct SnapshotPlace {
@@ -67,9 +64,5 @@ struct Difference {
 
 /// What two snapshots differ in, but for the time and the readout's identification.
 std::vector<Difference> Differences(const Snapshot& left, const Snapshot& right);
-
-/// One object, or one row, per difference.
-void ShowDifferences(CHost& host, const std::vector<Difference>& differences, const char* lefttitle,
-                     const char* righttitle);
 
 }  // namespace vane::thermoscribe
