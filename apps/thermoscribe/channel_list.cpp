@@ -4,8 +4,8 @@
 #include <charconv>
 #include <string_view>
 
+#include "apps/thermoscribe/assignments.h"
 #include "apps/thermoscribe/command.h"
-#include "apps/thermoscribe/property_write.h"
 #include "vane/support/texts.h"
 
 namespace vane::thermoscribe {

@@ -8,9 +8,9 @@
 #include <utility>
 #include <vector>
 
+#include "apps/thermoscribe/account.h"
 #include "apps/thermoscribe/host.h"
 #include "apps/thermoscribe/program_commands.h"
-#include "apps/thermoscribe/stages.h"
 
 namespace vane::thermoscribe {
 namespace {

@@ -8,10 +8,10 @@
 #include <vector>
 
 #include "adapters/files/config_registry.h"
+#include "apps/thermoscribe/assignments.h"
 #include "apps/thermoscribe/host.h"
 #include "apps/thermoscribe/line_options.h"
 #include "apps/thermoscribe/program_commands.h"
-#include "apps/thermoscribe/property_write.h"
 
 namespace vane::thermoscribe {
 namespace {

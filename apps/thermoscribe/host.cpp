@@ -7,6 +7,7 @@
 #include "adapters/serial/line_errors.h"
 #include "adapters/serial/serial_communications.h"
 #include "adapters/terminal/terminal_output.h"
+#include "apps/snapshots/gates.h"
 #include "apps/thermoscribe/command.h"
 #include "apps/thermoscribe/line_options.h"
 #include "simulator/line_server.h"
@@ -26,21 +27,6 @@ class CMomentTrace final : public CLineTrace {
 
  private:
   std::function<void()> moment_;
-};
-
-// Whether editing of a group is open.
-struct GateRow {
-  EGate gate;
-  ET312BPasscodeState (CVaneT312B::*state)() const;
-  void (CVaneT312B::*setstate)(ET312BPasscodeState);
-};
-
-using I = CVaneT312B;  // a short name, for the table
-constexpr GateRow kGates[] = {
-    {EGate::UNITS_TIME, &I::UnitsTimePasscodeState, &I::SetUnitsTimePasscodeState},
-    {EGate::SAMPLING, &I::SamplingPasscodeState, &I::SetSamplingPasscodeState},
-    {EGate::CALIBRATION, &I::CalParamPasscodeState, &I::SetCalParamPasscodeState},
-    {EGate::CONVERSION, &I::ConvPasscodeState, &I::SetConvPasscodeState},
 };
 
 }  // namespace
@@ -193,21 +179,9 @@ EExitCode CHost::ReadWell(const std::function<EExitCode()>& read) {
 }
 
 EExitCode CHost::OpenGates(std::span<const EGate> gates) {
-  const bool isshut = std::ranges::any_of(kGates, [&](const GateRow& row) {
-    return std::ranges::find(gates, row.gate) != gates.end() &&
-           (instrument_.*row.state)() != ET312BPasscodeState::PS_ENABLED;
-  });
-  if (!isshut) return EExitCode::DONE;
-  try {
-    if (!instrument_.ValidatePasscode(nullptr)) {
-      return IsInterrupted() ? EExitCode::ABORTED : EExitCode::NO_PASSCODE;
-    }
-  } catch (...) {
-    return ReportFailure("checking the passcode");
-  }
-  // One passcode opens all groups.
-  for (const GateRow& row : kGates) (instrument_.*row.setstate)(ET312BPasscodeState::PS_ENABLED);
-  return EExitCode::DONE;
+  const EEnd end = thermoscribe::OpenGates(instrument_, *this, gates);
+  if (end == EEnd::STOPPED && !IsInterrupted()) return EExitCode::NO_PASSCODE;
+  return CodeOf(end);
 }
 
 void CHost::StartDryRun() {

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <iterator>
 
+#include "apps/thermoscribe/assignments.h"
 #include "apps/thermoscribe/command.h"
-#include "apps/thermoscribe/property_write.h"
 #include "vane/instrument/t312b.h"
 
 namespace vane::thermoscribe {

@@ -3,9 +3,8 @@
 #include <algorithm>
 #include <stdexcept>
 
+#include "apps/thermoscribe/account.h"
 #include "apps/thermoscribe/host.h"
-#include "apps/thermoscribe/stages.h"
-#include "apps/thermoscribe/value_check.h"
 
 namespace vane::thermoscribe {
 namespace {

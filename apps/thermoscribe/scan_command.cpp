@@ -8,9 +8,9 @@
 #include <utility>
 #include <vector>
 
+#include "apps/thermoscribe/assignments.h"
 #include "apps/thermoscribe/host.h"
 #include "apps/thermoscribe/program_commands.h"
-#include "apps/thermoscribe/property_write.h"
 #include "vane/support/display_texts.h"
 #include "vane/support/numbering.h"
 

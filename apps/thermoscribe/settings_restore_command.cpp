@@ -9,13 +9,12 @@
 #include <vector>
 
 #include "apps/snapshots/json_text.h"
+#include "apps/snapshots/property_write.h"
 #include "apps/snapshots/snapshot_file.h"
+#include "apps/thermoscribe/account.h"
 #include "apps/thermoscribe/host.h"
 #include "apps/thermoscribe/program_commands.h"
-#include "apps/thermoscribe/property_write.h"
 #include "apps/thermoscribe/settings_file.h"
-#include "apps/thermoscribe/stages.h"
-#include "apps/thermoscribe/value_check.h"
 #include "vane/components/components.h"
 #include "vane/support/texts.h"
 
@@ -153,8 +152,9 @@ bool CRestore::WriteChannels() {
 std::vector<Stage> CRestore::Stages() {
   std::vector<Stage> stages;
   if (Differs(SETTING)) {
-    stages.push_back({host_.Instrument().HasScanners() ? "scanner and settings" : "settings",
-                      [this] { return WriteAllSettings(host_, WantedSettings()); }});
+    stages.push_back(
+        {host_.Instrument().HasScanners() ? "scanner and settings" : "settings",
+         [this] { return WriteAllSettings(host_.Instrument(), host_, WantedSettings()); }});
   }
   for (std::int16_t number = 1; number <= CVaneT312B::NumProbes(); ++number) {
     if (!Differs(PROBE, number)) continue;

@@ -7,8 +7,8 @@
 #include <utility>
 #include <vector>
 
+#include "apps/thermoscribe/assignments.h"
 #include "apps/thermoscribe/program_commands.h"
-#include "apps/thermoscribe/property_write.h"
 
 namespace vane::thermoscribe {
 

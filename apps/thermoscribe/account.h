@@ -1,24 +1,16 @@
-// A write in stages, with an account of itself: whatever stops it, the user learns what is written,
-// what may be in part, and what is not.
+// What the commands that write tell of it.
 #pragma once
 
-#include <functional>
 #include <string>
 #include <vector>
 
+#include "apps/snapshots/stages.h"
+#include "apps/snapshots/value_check.h"
 #include "apps/thermoscribe/exit_codes.h"
 
 namespace vane::thermoscribe {
 
 class CHost;
-
-/// What is written in one go.
-struct Stage {
-  std::string name;
-  std::function<bool()> write;  ///< false when the user has been told why
-  /// One exchange, which is done or not; a stage of many may end early when the user stops it.
-  bool isone = false;
-};
 
 /// Runs the stages in their order, until one fails or the user wants to stop. `DONE`, or the code
 /// of what stopped them, behind the account; `advice` ends that.
@@ -33,5 +25,9 @@ EExitCode NothingWritten(CHost& host, EExitCode code);
 
 /// For a write that is done and can't be read again to be seen: says so and gives `code` back.
 EExitCode NotReadBack(CHost& host, EExitCode code);
+
+/// Shows the values that have changed, and tells of each that is not what it should be; `FAILED`
+/// then.
+EExitCode ShowChanges(CHost& host, const std::vector<CheckedValue>& values);
 
 }  // namespace vane::thermoscribe

@@ -1,4 +1,4 @@
-// Writing properties of the instrument: what `settings set` and `scan set` share.
+// Assignments to properties of the instrument: what `settings set` and `scan set` share.
 #pragma once
 
 #include <cstdint>
@@ -24,13 +24,6 @@ std::pair<std::string, std::string> AssignmentIn(const std::string& text);
 /// what the user has called it, where that is another name.
 void AddAssignment(std::vector<PropertyValue>& assignments, std::string_view name,
                    std::string_view text, std::string_view label = {});
-
-/// The groups of the passcode that a write of `values` needs open.
-std::vector<EGate> GatesOf(const std::vector<PropertyValue>& values);
-
-/// Puts `values` into the instrument's settings and writes all of these in one run; false when the
-/// user has been told why not.
-bool WriteAllSettings(CHost& host, const std::vector<PropertyValue>& values);
 
 /// Reads all settings, asks for the passcode where it takes one, writes the assignments, reads all
 /// settings again, and shows what has changed. A value that did not arrive is told, and so is one

@@ -3,14 +3,10 @@
 
 #include <string>
 #include <string_view>
-#include <vector>
 
 #include "apps/snapshots/value.h"
-#include "apps/thermoscribe/exit_codes.h"
 
 namespace vane::thermoscribe {
-
-class CHost;
 
 struct CheckedValue {
   std::string name;
@@ -23,8 +19,7 @@ struct CheckedValue {
 /// "it keeps fewer digits" only where the digits that are left are those of the wanted value.
 std::string WhyWrong(const CheckedValue& value);
 
-/// Shows the values that have changed, and tells of each that is not what it should be; `FAILED`
-/// then.
-EExitCode ShowChanges(CHost& host, const std::vector<CheckedValue>& values);
+/// A sentence on a value that is not the wanted one.
+std::string WrongValueText(const CheckedValue& value);
 
 }  // namespace vane::thermoscribe

@@ -1,59 +1,14 @@
-#include "apps/thermoscribe/property_write.h"
+#include "apps/thermoscribe/assignments.h"
 
 #include <algorithm>
 #include <optional>
 
+#include "apps/snapshots/property_write.h"
+#include "apps/thermoscribe/account.h"
 #include "apps/thermoscribe/command.h"
 #include "apps/thermoscribe/host.h"
-#include "apps/thermoscribe/stages.h"
-#include "apps/thermoscribe/value_check.h"
-#include "vane/support/texts.h"
 
 namespace vane::thermoscribe {
-namespace {
-
-// What can only be judged once the instrument is known. Empty: nothing is wrong.
-std::string ProblemOf(const PropertyValue& assignment, const std::string& name,
-                      const CVaneT312B& instrument) {
-  const auto& [row, value] = assignment;
-  if (NeedsScanner(*row, value) && !instrument.HasScanners()) {
-    return name + " can't be " + TextOf(value) + ": no scanner is attached.";
-  }
-  if (row->issequence && !ScanSequence(value.Text(), instrument.NumChannels())) {
-    return name + " is a list of channels from " + std::to_string(kNumInputs) + " to " +
-           std::to_string(instrument.NumChannels()) + ", with \",\" between them.";
-  }
-  return {};
-}
-
-bool IsCalibration(const PropertyValue& value) {
-  return value.row->group == EPropertyGroup::CALIBRATION;
-}
-
-// One by one where every value can be, else all in one run. The scanner's come first, as in that.
-std::vector<Stage> Stages(CHost& host, std::vector<PropertyValue> assignments) {
-  CVaneT312B& instrument = host.Instrument();
-  std::stable_partition(assignments.begin(), assignments.end(), [](const PropertyValue& one) {
-    return one.row->group == EPropertyGroup::SCAN;
-  });
-  std::vector<Stage> stages;
-  if (std::ranges::all_of(assignments,
-                          [](const auto& one) { return one.row->update != nullptr; })) {
-    for (const auto& [row, value] : assignments) {
-      stages.push_back({std::string(row->name),
-                        [&instrument, update = row->update] { return update(instrument); },
-                        !row->issequence});
-    }
-    return stages;
-  }
-  std::string names;
-  for (const auto& one : assignments) Append(names, ", ", one.row->name);
-  stages.push_back({names + " (with all other settings as they were)",
-                    [&host, assignments] { return WriteAllSettings(host, assignments); }});
-  return stages;
-}
-
-}  // namespace
 
 std::pair<std::string, std::string> AssignmentIn(const std::string& text) {
   const std::size_t sign = text.find('=');
@@ -85,26 +40,6 @@ void AddAssignment(std::vector<PropertyValue>& assignments, std::string_view nam
   assignments.push_back({row, std::move(*value)});
 }
 
-std::vector<EGate> GatesOf(const std::vector<PropertyValue>& values) {
-  std::vector<EGate> gates;
-  for (const PropertyValue& value : values) {
-    gates.push_back(value.row->gate);
-    // The whole write takes the calibration as one group, the external resistor with it.
-    if (IsCalibration(value)) gates.push_back(EGate::CALIBRATION);
-  }
-  return gates;
-}
-
-bool WriteAllSettings(CHost& host, const std::vector<PropertyValue>& values) {
-  CVaneT312B& instrument = host.Instrument();
-  for (const auto& [row, value] : values) row->set(instrument, value);
-  // Calibration is written with the digits of its formats; nothing of it may change unasked.
-  if (std::ranges::none_of(values, IsCalibration)) {
-    instrument.SetCalParamPasscodeState(ET312BPasscodeState::PS_DISABLED);
-  }
-  return instrument.UpdateInfo(host.ProgressWindow());
-}
-
 EExitCode WriteSettings(CHost& host, const std::vector<PropertyValue>& assignments, bool dryrun,
                         std::string (*label)(const PropertyRow& row)) {
   if (const EExitCode code = ReadBeforeWriting(host); code != EExitCode::DONE) return code;
@@ -124,7 +59,7 @@ EExitCode WriteSettings(CHost& host, const std::vector<PropertyValue>& assignmen
   for (const auto& [row, value] : assignments) row->set(instrument, value);
   const std::vector<PropertyValue> wanted = SettableValues(instrument);
   if (dryrun) host.StartDryRun();
-  if (const EExitCode code = RunStages(host, Stages(host, assignments), {});
+  if (const EExitCode code = RunStages(host, PropertyStages(instrument, host, assignments), {});
       code != EExitCode::DONE) {
     return code;
   }
