@@ -29,6 +29,7 @@ struct Snapshot {
 
 /// Reads all settings, the probes of the channels and all probes' records into `snapshot`. The
 /// channels are known. An exchange that fails on the way is a failure of all.
+/// Channel 1's object, which carries the records one by one, has to be read anew where it lives on.
 EEnd TakeSnapshot(CVaneT312B& instrument, CAudience& audience, Snapshot& snapshot);
 
 /// The same with another way to read all settings; false ends it.
