@@ -44,3 +44,10 @@ if(VANE_BUILD_PROGRAMS)
   install(DIRECTORY ${PROJECT_BINARY_DIR}/apps/thermoscribe/share/
           DESTINATION ${CMAKE_INSTALL_DATADIR})
 endif()
+
+if(VANE_BUILD_PROGRAMS AND VANE_DESKTOP)
+  install(TARGETS thermoscribe-desktop RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+  # Where the program looks for the pages, from its own place.
+  install(DIRECTORY ${PROJECT_SOURCE_DIR}/docs/help
+          DESTINATION ${CMAKE_INSTALL_DATADIR}/VaneT312B)
+endif()

@@ -27,6 +27,9 @@ for file in man/man1/thermoscribe.1 VaneT312B/schema/output.schema.json \
             zsh/site-functions/_thermoscribe fish/vendor_completions.d/thermoscribe.fish; do
   [ -s "$prefix/share/$file" ] || { echo "No share/$file" >&2; exit 1; }
 done
+if [ -x "$prefix/bin/thermoscribe-desktop" ]; then
+  [ -s "$prefix/share/VaneT312B/help/index.html" ] || { echo "No help pages" >&2; exit 1; }
+fi
 "$prefix/bin/thermoscribe" --version
 
 cmake -S "$source/examples/minimal_host" -B "$work/by-cmake" -G Ninja \
