@@ -14,6 +14,7 @@ namespace {
 using ui::EKind;
 
 constexpr std::size_t kMostRowsOfAColumn = 13;
+constexpr int kListStretch = 100;  // of what is left, nearly all
 constexpr int kColumnsOfARow = 3;  // label, field with its arrows, unit
 
 struct Row {
@@ -70,6 +71,22 @@ std::vector<Row> RowsOf(const Controls& controls) {
   return rows;
 }
 
+struct Columns {
+  std::size_t second;   // the row that begins the second column; none: behind the last
+  std::size_t top = 0;  // the line where it begins
+};
+
+// Where a choice heads the rows behind it, the columns begin with the choices, side by side.
+Columns ColumnsOf(const std::vector<Row>& rows) {
+  if (rows.size() <= kMostRowsOfAColumn) return {rows.size()};
+  std::vector<std::size_t> choices;
+  for (std::size_t i = 0; i < rows.size(); ++i) {
+    if (rows[i].field->Kind() == EKind::DROP_DOWN) choices.push_back(i);
+  }
+  if (choices.size() != 2) return {(rows.size() + 1) / 2};
+  return {choices[1], choices[0]};
+}
+
 class CLayOut {
  public:
   CLayOut(const ui::CForm& form, const WidgetFinder& widgetof) : form_(form), widgetof_(widgetof) {}
@@ -107,19 +124,18 @@ class CLayOut {
     auto* const grid = new QGridLayout(&container);
     if (!hasmargin) grid->setContentsMargins(0, 0, 0, 0);
     const std::vector<Row> rows = RowsOf(controls);
-    const bool hastwo = rows.size() > kMostRowsOfAColumn;
-    const std::size_t half = hastwo ? (rows.size() + 1) / 2 : rows.size();
+    const Columns columns = ColumnsOf(rows);
     for (std::size_t i = 0; i < rows.size(); ++i) {
-      const bool isright = i >= half;
-      Place(*grid, rows[i], static_cast<int>(isright ? i - half : i),
+      const bool isright = i >= columns.second;
+      Place(*grid, rows[i], static_cast<int>(isright ? i - columns.second + columns.top : i),
             isright ? kColumnsOfARow + 1 : 0);
     }
-    for (const int first : {0, kColumnsOfARow + 1}) {
-      if (first != 0 && !hastwo) break;
-      grid->setColumnStretch(first + 1, 1);
+    grid->setColumnStretch(1, 1);
+    if (columns.second < rows.size()) {
+      grid->setColumnStretch(kColumnsOfARow + 2, 1);
+      grid->setColumnMinimumWidth(kColumnsOfARow, 2 * grid->horizontalSpacing());
     }
-    if (hastwo) grid->setColumnMinimumWidth(kColumnsOfARow, 2 * grid->horizontalSpacing());
-    grid->setRowStretch(static_cast<int>(half), 1);
+    grid->setRowStretch(grid->rowCount(), 1);
   }
 
   void Place(QGridLayout& grid, const Row& row, int line, int first) const {
@@ -141,9 +157,18 @@ class CLayOut {
       grid.addWidget(&field, line, first + 1, 1, kColumnsOfARow - 1, Qt::AlignLeft);
       return;
     }
+    const bool istall = row.field->Kind() == EKind::LIST_BOX;
+    if (istall) grid.setRowStretch(line, kListStretch);
     if (row.label != nullptr) {
       QWidget& label = widgetof_(*row.label);
-      const bool istall = row.field->Kind() == EKind::LIST_BOX;
+      if (istall && row.field->Frame() == nullptr) {
+        auto* const stack = new QVBoxLayout();
+        if (auto* const text = dynamic_cast<QLabel*>(&label)) text->setWordWrap(true);
+        stack->addWidget(&label);
+        stack->addWidget(&field, 1);
+        grid.addLayout(stack, line, first, 1, kColumnsOfARow);
+        return;
+      }
       grid.addWidget(&label, line, first, istall ? Qt::AlignTop : Qt::AlignVCenter);
     }
     const int span = row.unit == nullptr ? kColumnsOfARow - 1 : 1;

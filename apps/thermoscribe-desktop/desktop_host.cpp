@@ -1,12 +1,15 @@
 #include "apps/thermoscribe-desktop/desktop_host.h"
 
 #include <QCoreApplication>
+#include <QDir>
 #include <QMetaObject>
+#include <QStandardPaths>
 #include <cstdlib>
 #include <deque>
 #include <mutex>
 #include <utility>
 
+#include "adapters/qt/qt_text.h"
 #include "adapters/serial/baud_rates.h"
 #include "simulator/line_server.h"
 #include "vane/channels/channel.h"
@@ -39,6 +42,12 @@ class CTurn {
  private:
   bool& busy_;
 };
+
+// For files that the user gives no place.
+std::string DocumentsFolder() {
+  const QString documents = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
+  return FromQt(QDir(documents).exists() ? documents : QDir::homePath());
+}
 
 }  // namespace
 
@@ -131,6 +140,7 @@ bool CDesktopHost::Connect(const Connection& connection, ui::CWindow* owner) {
     }
     instrument_ = std::make_unique<CVaneT312B>(components_);
     instrument_->SetRegistry(registry_);
+    instrument_->SetFilePath(DocumentsFolder());
     instrument_->SetReadAfterApply(true);
     instrument_->InitializeCommunications({}, EVanePortNumber::PORT_1, connection.baud);
     if (!instrument_->InitializeCommunicationSettings()) return;

@@ -11,6 +11,7 @@
 #include "adapters/posix/process_start.h"
 #include "adapters/qt/help_topics.h"
 #include "adapters/qt/qt_text.h"
+#include "apps/thermoscribe-desktop/appearance.h"
 #include "apps/thermoscribe-desktop/desktop_host.h"
 #include "apps/thermoscribe-desktop/main_window.h"
 
@@ -44,6 +45,7 @@ int Run(QApplication& application) {
   for (const auto& option : {simulate, options, port, screenshot}) parser.addOption(option);
   parser.process(application);
 
+  MakeDisabledTextsLegible();
   CDesktopHost host(ShowHelp);
   CMainWindow window(host);
   window.show();

@@ -55,8 +55,13 @@ class CPlotView::CPlot final : public QCustomPlot {
     ticker->setDateTimeSpec(Qt::LocalTime);
     ticker->setDateTimeFormat("HH:mm:ss\nyyyy-MM-dd");
     xAxis->setTicker(ticker);
-    plotLayout()->addElement(0, 1, legend);
+    // At the top; what is left of its column stays empty.
+    auto* const column = new QCPLayoutGrid;
+    plotLayout()->addElement(0, 1, column);
     plotLayout()->setColumnStretchFactor(1, 0.001);
+    column->addElement(0, 0, legend);
+    column->addElement(1, 0, new QCPLayoutElement);
+    column->setRowStretchFactor(0, 0.001);
     legend->setBorderPen(Qt::NoPen);
     legend->setVisible(true);
     legend->setRowSpacing(0);
