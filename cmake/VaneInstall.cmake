@@ -46,8 +46,18 @@ if(VANE_BUILD_PROGRAMS)
 endif()
 
 if(VANE_BUILD_PROGRAMS AND VANE_DESKTOP)
+  set(share ${PROJECT_SOURCE_DIR}/apps/thermoscribe-desktop/share)
   install(TARGETS thermoscribe-desktop RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+  install(FILES ${PROJECT_SOURCE_DIR}/docs/thermoscribe-desktop.1
+          DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
   # Where the program looks for the pages, from its own place.
   install(DIRECTORY ${PROJECT_SOURCE_DIR}/docs/help
           DESTINATION ${CMAKE_INSTALL_DATADIR}/VaneT312B)
+  # In the folders where desktops look for programs.
+  install(FILES ${share}/thermoscribe-desktop.desktop
+          DESTINATION ${CMAKE_INSTALL_DATADIR}/applications)
+  install(FILES ${share}/thermoscribe-desktop.metainfo.xml
+          DESTINATION ${CMAKE_INSTALL_DATADIR}/metainfo)
+  install(FILES ${share}/thermoscribe-desktop.svg
+          DESTINATION ${CMAKE_INSTALL_DATADIR}/icons/hicolor/scalable/apps)
 endif()

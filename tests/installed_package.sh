@@ -28,7 +28,11 @@ for file in man/man1/thermoscribe.1 VaneT312B/schema/output.schema.json \
   [ -s "$prefix/share/$file" ] || { echo "No share/$file" >&2; exit 1; }
 done
 if [ -x "$prefix/bin/thermoscribe-desktop" ]; then
-  [ -s "$prefix/share/VaneT312B/help/index.html" ] || { echo "No help pages" >&2; exit 1; }
+  for file in VaneT312B/help/index.html man/man1/thermoscribe-desktop.1 \
+              applications/thermoscribe-desktop.desktop metainfo/thermoscribe-desktop.metainfo.xml \
+              icons/hicolor/scalable/apps/thermoscribe-desktop.svg; do
+    [ -s "$prefix/share/$file" ] || { echo "No share/$file" >&2; exit 1; }
+  done
 fi
 "$prefix/bin/thermoscribe" --version
 

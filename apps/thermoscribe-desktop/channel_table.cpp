@@ -1,8 +1,11 @@
 #include "apps/thermoscribe-desktop/channel_table.h"
 
+#include <QClipboard>
 #include <QDateTime>
 #include <QEvent>
+#include <QGuiApplication>
 #include <QHeaderView>
+#include <QKeyEvent>
 #include <QPixmap>
 #include <QSignalBlocker>
 #include <QStyledItemDelegate>
@@ -37,8 +40,8 @@ constexpr const char* kTitles[COLUMNS] = {"Channel",  "Name",    "Probe", "Readi
 // Of sums, behind those of the reading.
 constexpr int kMoreDecimals = 2;
 
-QString NumberText(double value, int decimals) {
-  return std::isnan(value) ? QString("-") : QString::number(value, 'f', decimals);
+QString Number(double value, int decimals) {
+  return std::isnan(value) ? QString("-") : ToQt(NumberText(value, decimals));
 }
 
 // Numbers of neighbouring columns stand apart.
@@ -71,6 +74,7 @@ CChannelTable::CChannelTable(QWidget* parent) : QTableWidget(0, COLUMNS, parent)
   verticalHeader()->hide();
   verticalHeader()->setDefaultSectionSize(fontMetrics().height() + 8);
   horizontalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
+  horizontalHeader()->setSectionResizeMode(NAME, QHeaderView::Stretch);
   setItemDelegate(new CRoomyCells(this));
   horizontalHeader()->setHighlightSections(false);
   for (int column = 0; column < COLUMNS; ++column) {
@@ -112,18 +116,26 @@ void CChannelTable::SetChannels(const std::vector<ChannelRow>& channels) {
   updateGeometry();
 }
 
-void CChannelTable::Show(const CReadingStore& store, const CMeasuring& measuring, int decimals) {
+void CChannelTable::Show(const CReadingStore& store, const CMeasuring& measuring) {
   const QSignalBlocker silence(this);
   const QString unit = ToQt(UnitsText(static_cast<std::int16_t>(measuring.Units())));
+  const bool islost = measuring.State() == CMeasuring::EState::LOST;
   for (int row = 0; row < rowCount(); ++row) {
     const std::int16_t channel = channels_[static_cast<std::size_t>(row)];
     const ChannelStatistics sums = store.StatisticsOf(measuring.SeriesOf(channel));
-    const std::string& trouble = measuring.TroubleOf(channel);
-    QString state = trouble.empty() ? "Measured" : ToQt(trouble);
-    if (measuring.State() == CMeasuring::EState::LOST) state = "No connection";
+    const LatestReading& latest = measuring.LatestOf(channel);
+    QString state = latest.text.empty() ? "Waiting" : latest.isnew ? "New" : "From earlier";
+    if (!latest.trouble.empty()) state = ToQt(latest.trouble);
     if (measuring.State() == CMeasuring::EState::OFF) state = "Paused";
-    if (std::isnan(sums.last) && trouble.empty() && state == "Measured") state = "-";
-    SetText(row, READING, NumberText(sums.last, decimals));
+    if (islost) state = "No connection";
+    const int decimals = DecimalsOf(latest.text);
+    const int more = decimals == kAnyDecimals ? decimals : decimals + kMoreDecimals;
+    SetText(row, READING, latest.text.empty() ? "-" : ToQt(latest.text).trimmed());
+    // What doesn't hold now steps back.
+    const bool holds = latest.isnew && latest.trouble.empty() && !islost;
+    item(row, READING)
+        ->setForeground(
+            palette().brush(holds ? QPalette::Active : QPalette::Disabled, QPalette::Text));
     SetText(row, UNIT, unit);
     SetText(row, TIME,
             sums.lasttime == TimePoint{}
@@ -135,11 +147,31 @@ void CChannelTable::Show(const CReadingStore& store, const CMeasuring& measuring
                       .toString("HH:mm:ss"));
     SetText(row, STATE, state);
     SetText(row, COUNT, QString::number(sums.count));
-    SetText(row, SMALLEST, NumberText(sums.smallest, decimals));
-    SetText(row, LARGEST, NumberText(sums.largest, decimals));
-    SetText(row, MEAN, NumberText(sums.mean, decimals + kMoreDecimals));
-    SetText(row, DEVIATION, NumberText(sums.deviation, decimals + kMoreDecimals));
+    SetText(row, SMALLEST, Number(sums.smallest, decimals));
+    SetText(row, LARGEST, Number(sums.largest, decimals));
+    SetText(row, MEAN, Number(sums.mean, more));
+    SetText(row, DEVIATION, Number(sums.deviation, more));
   }
+}
+
+QString CChannelTable::Text() const {
+  QStringList lines;
+  for (int row = -1; row < rowCount(); ++row) {
+    QStringList cells;
+    for (int column = 0; column < COLUMNS; ++column) {
+      cells << (row < 0 ? horizontalHeaderItem(column) : item(row, column))->text();
+    }
+    lines << cells.join('\t');
+  }
+  return lines.join('\n') + '\n';
+}
+
+void CChannelTable::keyPressEvent(QKeyEvent* event) {
+  if (event->matches(QKeySequence::Copy)) {
+    QGuiApplication::clipboard()->setText(Text());
+    return;
+  }
+  QTableWidget::keyPressEvent(event);
 }
 
 void CChannelTable::SetText(int row, int column, const QString& text) {

@@ -19,7 +19,7 @@ class CChannelTable final : public QTableWidget {
 
   /// A row per channel in use.
   void SetChannels(const std::vector<ChannelRow>& channels);
-  void Show(const CReadingStore& store, const CMeasuring& measuring, int decimals);
+  void Show(const CReadingStore& store, const CMeasuring& measuring);
 
   /// As high as its rows.
   QSize sizeHint() const override;
@@ -28,11 +28,15 @@ class CChannelTable final : public QTableWidget {
   /// Of the row that the user is in; 0 for none.
   std::int16_t CurrentChannel() const;
 
+  /// All rows with their titles, for a spreadsheet.
+  QString Text() const;
+
   /// The user has chosen which channels the plot has.
   void OnPlotted(std::function<void()> observer) { onplotted_ = std::move(observer); }
 
  protected:
   void changeEvent(QEvent* event) override;
+  void keyPressEvent(QKeyEvent* event) override;
 
  private:
   void Colour();

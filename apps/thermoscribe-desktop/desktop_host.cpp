@@ -4,6 +4,7 @@
 #include <QDir>
 #include <QMetaObject>
 #include <QStandardPaths>
+#include <algorithm>
 #include <cstdlib>
 #include <deque>
 #include <mutex>
@@ -16,12 +17,12 @@
 #include "vane/channels/module.h"
 #include "vane/support/messages.h"
 #include "vane/support/text_table.h"
+#include "vane/support/texts.h"
 
 namespace vane::desktop {
 namespace {
 
 constexpr char kSubkey[] = "Desktop";
-constexpr char kModel[] = "T312B";
 constexpr std::size_t kMostWaitingLines = 10'000;
 
 EVaneBaudRate BaudOf(const std::string& bits) {
@@ -29,6 +30,16 @@ EVaneBaudRate BaudOf(const std::string& bits) {
     if (std::to_string(row.bits) == bits) return row.rate;
   }
   return EVaneBaudRate::BR_9600;
+}
+
+// Empty for a port of the machine's own.
+std::string AdapterName(const SerialPortRecord& port) {
+  return port.id.empty() ? std::string() : port.id + " " + port.serialnumber;
+}
+
+std::string AdapterAt(const std::vector<SerialPortRecord>& ports, const std::string& path) {
+  const auto port = std::ranges::find(ports, path, &SerialPortRecord::path);
+  return port == ports.end() ? std::string() : AdapterName(*port);
 }
 
 // Raised for the time of something that has the line.
@@ -106,7 +117,8 @@ CDesktopHost::CDesktopHost(std::function<bool(std::int32_t context)> help)
 
 CDesktopHost::~CDesktopHost() { Disconnect(); }
 
-std::optional<Connection> CDesktopHost::LastConnection() const {
+std::optional<Connection> CDesktopHost::LastConnection(
+    const std::vector<SerialPortRecord>& ports) const {
   const auto text = [&](const char* name) {
     return registry_->ReadText(name, "", kCurrentUserRoot, kSubkey);
   };
@@ -117,6 +129,11 @@ std::optional<Connection> CDesktopHost::LastConnection() const {
   connection.baud = BaudOf(text("Baud"));
   const std::int64_t timeout = std::atoll(text("Timeout").c_str());
   if (timeout > 0) connection.timeout = std::chrono::milliseconds(timeout);
+  const std::string adapter = text("Adapter");
+  // Two adapters without a serial number may have the same name; then the path decides.
+  if (adapter.empty() || AdapterAt(ports, connection.port) == adapter) return connection;
+  const auto moved = std::ranges::find(ports, adapter, AdapterName);
+  connection.port = moved == ports.end() ? std::string() : moved->path;
   return connection;
 }
 
@@ -148,7 +165,7 @@ bool CDesktopHost::Connect(const Connection& connection, ui::CWindow* owner) {
       // A readout of another kind, or none: the library says nothing of a silent one.
       if (line_->lastfailure.number == 0) {
         ShowMessage("On the line is \"" + instrument_->Identification() + "\", which is no " +
-                    kModel + ".");
+                    kReadoutModel + ".");
       } else if (instrument_->Identification().empty()) {
         ShowMessage(line_->lastfailure.description);
       }
@@ -164,10 +181,17 @@ bool CDesktopHost::Connect(const Connection& connection, ui::CWindow* owner) {
   registry_->WriteText("Simulated", connection.simulated ? "yes" : "no", kSubkey);
   if (!connection.simulated) {
     registry_->WriteText("Port", connection.port, kSubkey);
+    registry_->WriteText("Adapter", AdapterAt(ListSerialPorts(), connection.port), kSubkey);
     registry_->WriteText("Baud", std::to_string(FindBaudRate(connection.baud)->bits), kSubkey);
     registry_->WriteText("Timeout", std::to_string(connection.timeout.count()), kSubkey);
   }
   return true;
+}
+
+void CDesktopHost::BeginToEnd() {
+  platform_.BeginToEnd();
+  factory_.BeginToEnd();
+  if (instrument_) instrument_->CancelWait();
 }
 
 void CDesktopHost::Disconnect() {
@@ -223,21 +247,18 @@ std::string CDesktopHost::Exchange(const std::function<void()>& body) {
 
 bool CDesktopHost::IsBusy() const { return busy_ || ui::CForm::Active() != nullptr; }
 
-bool CDesktopHost::IsSameReadout() {
-  return instrument_->QueryIdentification(false) &&
-         instrument_->Identification() == identification_;
+bool CDesktopHost::FindSameReadout() {
+  if (!instrument_->QueryIdentification(false) ||
+      instrument_->Identification() != identification_) {
+    return false;
+  }
+  return instrument_->QueryInfo();
 }
 
-int CDesktopHost::Decimals() const {
-  switch (instrument_->Units()) {
-    case ET312BUnits::UNITS_OHMS:
-      return instrument_->ResistanceResolution();
-    case ET312BUnits::UNITS_RATIO:
-    case ET312BUnits::UNITS_W:
-      return instrument_->RatioResolution();
-    default:
-      return instrument_->Resolution();
-  }
+bool CDesktopHost::HasNewReading() {
+  CVaneCommunications& line = *instrument_->Communications();
+  line.params().ClearAll();
+  return Contains(line.ReadSetting(ECommand::READ_NEW_DATA), "1");
 }
 
 void CDesktopHost::SetTrace(std::function<void(const TraceLine& line)> observer) {

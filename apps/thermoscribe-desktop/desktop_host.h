@@ -11,9 +11,9 @@
 #include <vector>
 
 #include "adapters/files/config_registry.h"
-#include "adapters/qt/qt_factory.h"
-#include "adapters/qt/qt_platform.h"
 #include "adapters/serial/serial_communications.h"
+#include "adapters/serial/serial_ports.h"
+#include "apps/thermoscribe-desktop/desktop_components.h"
 #include "vane/components/components.h"
 #include "vane/components/ui.h"
 #include "vane/instrument/t312b.h"
@@ -57,7 +57,7 @@ class CDesktopHost {
   CDesktopHost(const CDesktopHost&) = delete;
   CDesktopHost& operator=(const CDesktopHost&) = delete;
 
-  CQtPlatform& Platform() { return platform_; }
+  CDesktopPlatform& Platform() { return platform_; }
   CConfigRegistry& Registry() { return *registry_; }
 
   /// What the configuration's file has to say against itself.
@@ -65,14 +65,20 @@ class CDesktopHost {
     trouble_ = std::move(observer);
   }
 
-  /// The connection of the last time, where it worked.
-  std::optional<Connection> LastConnection() const;
+  /// The connection of the last time that worked, among these ports of the machine. A USB adapter
+  /// is known again by its id and serial number, whatever its path has become; where it isn't
+  /// there, the port is empty: another one in its place isn't taken for it.
+  std::optional<Connection> LastConnection(
+      const std::vector<SerialPortRecord>& ports = ListSerialPorts()) const;
 
   /// Opens the line, proves the readout, finds out its channels and reads its settings; `owner` is
   /// the window of the progress. False when the user has been told why not; then nothing is
   /// connected. Closes what was connected before.
   bool Connect(const Connection& connection, ui::CWindow* owner);
   void Disconnect();
+  /// The program is about to end: what the library is doing ends as soon as its present exchange is
+  /// over, and no box comes up any more.
+  void BeginToEnd();
   bool IsConnected() const { return instrument_ != nullptr; }
 
   /// While connected.
@@ -93,15 +99,17 @@ class CDesktopHost {
   /// Whether something has the line, or a window of the library is up.
   bool IsBusy() const;
 
-  /// Asks who is on the line, without a word to the user. True for the readout that was connected.
-  /// Raises what the line raises.
-  bool IsSameReadout();
+  /// Asks who is on the line, without a word to the user, and reads the settings of the readout
+  /// that was connected. False for another one. Raises what the line raises.
+  bool FindSameReadout();
+
+  /// Whether there is a reading that nobody has fetched. Raises what the line raises.
+  bool HasNewReading();
+  /// The latest reading, as the readout has sent it.
+  const std::string& ReadingText() const { return factory_.ReadingText(); }
 
   /// What the latest exchange has met; number 0 for nothing.
   const LineFailure& LastFailure() const { return line_->lastfailure; }
-
-  /// Digits behind the point of a reading in the units at hand.
-  int Decimals() const;
 
   /// From now on hears of all lines, on this thread. Null ends it.
   void SetTrace(std::function<void(const TraceLine& line)> observer);
@@ -110,9 +118,9 @@ class CDesktopHost {
   class CTrace;
 
   std::function<void(const std::string&)> trouble_;
-  CQtPlatform platform_;
+  CDesktopPlatform platform_;
   std::shared_ptr<LineSettings> line_ = std::make_shared<LineSettings>();
-  CQtFactory factory_;
+  CDesktopFactory factory_;
   const Components components_;
   CInstalledComponents installed_;
   std::shared_ptr<CConfigRegistry> registry_;

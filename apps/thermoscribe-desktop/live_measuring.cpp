@@ -3,7 +3,8 @@
 #include <algorithm>
 #include <utility>
 
-#include "vane/components/library_error.h"
+#include "vane/support/numbering.h"
+#include "vane/support/texts.h"
 
 namespace vane::desktop {
 namespace {
@@ -14,19 +15,31 @@ constexpr auto kBusyPause = 50ms;
 constexpr auto kFirstPause = 1000ms;
 constexpr auto kLongestPause = 30'000ms;
 
+// In a list such as "3,2,12".
+bool HasItem(const std::string& list, std::int16_t channel) {
+  return Contains("," + list + ",", "," + std::to_string(channel) + ",");
+}
+
 }  // namespace
 
-CMeasuring::CMeasuring(CDesktopHost& host, CReadingStore& store) : host_(host), store_(store) {
+CMeasuring::CMeasuring(CDesktopHost& host, CReadingStore& store,
+                       std::chrono::milliseconds pollpause)
+    : host_(host), store_(store), pollpause_(pollpause) {
   timer_.setSingleShot(true);
   timer_.setTimerType(Qt::PreciseTimer);
   QObject::connect(&timer_, &QTimer::timeout, [this] { Step(); });
 }
 
 void CMeasuring::Start(std::vector<std::int16_t> channels, std::chrono::milliseconds period) {
-  channels_ = std::move(channels);
+  Gap();
+  watched_.clear();
+  for (const std::int16_t channel : channels) watched_.push_back({channel});
   period_ = period;
-  isinround_ = false;
+  sample_ = 0;
+  hassample_ = false;
+  units_ = host_.Instrument().Units();
   nextround_ = std::chrono::steady_clock::now();
+  BeginRound();
   SetState(EState::MEASURING, {});
   timer_.start(0);
 }
@@ -37,109 +50,179 @@ void CMeasuring::Stop() {
   SetState(EState::OFF, {});
 }
 
-const std::string& CMeasuring::TroubleOf(std::int16_t channel) const {
-  static const std::string kNone;
-  const auto found = troubles_.find(channel);
-  return found == troubles_.end() ? kNone : found->second;
+const LatestReading& CMeasuring::LatestOf(std::int16_t channel) const {
+  static const LatestReading kNone;
+  const auto found = std::ranges::find(watched_, channel, &Watched::channel);
+  return found == watched_.end() ? kNone : found->latest;
+}
+
+bool CMeasuring::HasReading() const {
+  return std::ranges::any_of(watched_, [](const Watched& one) { return !one.latest.text.empty(); });
+}
+
+void CMeasuring::TryNow() {
+  if (state_ != EState::LOST) return;
+  pause_ = kFirstPause / 2;
+  timer_.start(0);
 }
 
 void CMeasuring::Step() {
   if (state_ == EState::OFF || !host_.IsConnected()) return;
   if (host_.IsBusy()) {
+    // What has the line may change units and settings: this round is of no use.
+    if (step_ != EStep::WAIT) BeginRound();
     timer_.start(kBusyPause);
     return;
   }
   if (state_ == EState::LOST) return Find();
-  if (!isinround_) {
-    BeginRound();
-  } else if (place_ < channels_.size()) {
-    ReadNext();
-  } else {
-    EndRound();
+  switch (step_) {
+    case EStep::WAIT:
+      return Wait();
+    case EStep::READ:
+      return ReadNext();
+    case EStep::CHECK_UNITS:
+      return CheckUnits();
   }
 }
 
 void CMeasuring::BeginRound() {
+  place_ = 0;
+  taken_.clear();
+  step_ = EStep::READ;
+}
+
+void CMeasuring::Wait() {
   const auto now = std::chrono::steady_clock::now();
   if (now < nextround_) {
     timer_.start(std::chrono::ceil<std::chrono::milliseconds>(nextround_ - now));
     return;
   }
+  bool isnew = false;
+  host_.Exchange([&] { isnew = host_.HasNewReading(); });
+  if (host_.LastFailure().number != 0) return Lose(host_.LastFailure().description);
+  if (!isnew || watched_.empty()) {
+    timer_.start(pollpause_);
+    return;
+  }
+  ++sample_;
+  hassample_ = true;
   // A round that comes late is not made up for.
   nextround_ = std::max(nextround_ + period_, now);
-  isinround_ = true;
-  place_ = 0;
-  taken_.clear();
-  troubles_.clear();
-  host_.Exchange([&] {
-    host_.Instrument().QueryUnits();
-    TakeUnits(host_.Instrument().Units());
-  });
-  if (host_.LastFailure().number != 0) return Lose(host_.LastFailure().description);
+  BeginRound();
   timer_.start(0);
 }
 
 void CMeasuring::ReadNext() {
-  const std::int16_t channel = channels_[place_++];
-  double value = 0;
-  const std::string trouble =
-      host_.Exchange([&] { value = host_.Instrument().QueryMeasurement(channel); });
-  const LineFailure& failure = host_.LastFailure();
-  if (failure.number != 0 && !failure.refused) return Lose(failure.description);
-  if (trouble.empty()) {
-    taken_.push_back({channel, std::chrono::system_clock::now(), value});
-  } else {
-    troubles_[channel] = failure.number != 0 ? failure.description : trouble;
-    store_.Gap(SeriesOf(channel));
+  if (place_ < watched_.size()) {
+    Watched& watched = watched_[place_];
+    double value = 0;
+    const std::string trouble =
+        host_.Exchange([&] { value = host_.Instrument().QueryMeasurement(watched.channel); });
+    const LineFailure& failure = host_.LastFailure();
+    if (failure.number != 0 && !failure.refused) return Lose(failure.description);
+    watched.latest.trouble = failure.number != 0 ? failure.description : trouble;
+    if (watched.latest.trouble.empty()) {
+      taken_.push_back({&watched, std::chrono::system_clock::now(), value, host_.ReadingText()});
+    } else {
+      store_.Gap(SeriesOf(watched.channel));
+    }
+    ++place_;
   }
+  if (place_ >= watched_.size()) step_ = EStep::CHECK_UNITS;
   timer_.start(0);
 }
 
 // Somebody at the front panel may change the units at any moment: readings count when these were
-// the same before and behind them.
-void CMeasuring::EndRound() {
-  isinround_ = false;
-  ET312BUnits behind = units_;
+// the same before and behind them, else they are taken again.
+void CMeasuring::CheckUnits() {
+  ET312BUnits now = ET312BUnits::UNITS_NONE;
   host_.Exchange([&] {
-    host_.Instrument().QueryUnits();
-    behind = host_.Instrument().Units();
+    if (host_.Instrument().QueryUnits()) now = host_.Instrument().Units();
   });
   if (host_.LastFailure().number != 0) return Lose(host_.LastFailure().description);
-  if (behind == units_) {
-    for (const Taken& reading : taken_)
-      store_.Add(SeriesOf(reading.channel), reading.time, reading.value);
-  } else {
-    TakeUnits(behind);
+  if (now != units_) {
+    Gap();
+    units_ = now;
+    for (Watched& watched : watched_) watched.latest = {};
+    BeginRound();
+    if (onstate_) onstate_();
+    timer_.start(0);
+    return;
   }
+  for (const Taken& reading : taken_) File(reading);
+  taken_.clear();
+  hassample_ = false;
+  step_ = EStep::WAIT;
   if (onround_) onround_();
-  timer_.start(0);
+  timer_.start(pollpause_);
 }
 
-void CMeasuring::TakeUnits(ET312BUnits units) {
-  if (units_ == units) return;
-  Gap();
-  units_ = units;
-  if (onstate_) onstate_();
+void CMeasuring::File(const Taken& reading) {
+  Watched& watched = *reading.watched;
+  const std::int64_t round = RoundOf(watched.channel);
+  const std::string& before = watched.latest.text;
+  // The first text of a channel may be an old one, unless this channel alone is measured.
+  const bool isnew = hassample_ && (round == 1 || (!before.empty() && before != reading.text) ||
+                                    (round > 0 && sample_ - watched.sample >= round));
+  watched.latest.isnew = isnew;
+  watched.latest.text = reading.text;
+  if (!isnew) return;
+  watched.sample = sample_;
+  store_.Add(SeriesOf(watched.channel), reading.time, reading.value, DecimalsOf(reading.text));
+}
+
+std::int64_t CMeasuring::RoundOf(std::int16_t channel) const {
+  const CVaneT312B& instrument = host_.Instrument();
+  const bool isinput = channel <= kNumInputs;
+  switch (instrument.ChannelMode()) {
+    case ET312BChannelMode::CM_ALTERNATE:
+      return isinput ? 2 : 0;
+    case ET312BChannelMode::CM_INPUT_1:
+      return channel == 1 ? 1 : 0;
+    case ET312BChannelMode::CM_INPUT_2:
+      return channel == 2 ? 1 : 0;
+    case ET312BChannelMode::CM_SCANNER_CHANNEL:
+      return ScannerChannel(channel) == instrument.ScanChannel() ? 1 : 0;
+    case ET312BChannelMode::CM_SCANNER_SEQUENCE:
+      break;
+    default:
+      return 0;
+  }
+  const ET312BScannerScanMode mode = instrument.ScannerScanMode();
+  if (mode == ET312BScannerScanMode::SSM_USER_DEFINED) {
+    return HasItem(instrument.ScanChannels(), channel) ? instrument.ScanSeqSteps() : 0;
+  }
+  // Input 2 or scanner channel 1 may take every second sample.
+  const std::int64_t round = std::int64_t{2} * instrument.ScanSeqChannels();
+  if (!isinput) return ScannerChannel(channel) <= instrument.ScanSeqChannels() ? round : 0;
+  const bool hasinput = mode == ET312BScannerScanMode::SSM_INPUT_2_SCAN ||
+                        mode == ET312BScannerScanMode::SSM_ALT_INPUT_2_SCAN;
+  return channel == 2 && hasinput ? round : 0;
 }
 
 void CMeasuring::Gap() {
-  for (const std::int16_t channel : channels_) store_.Gap(SeriesOf(channel));
+  for (const Watched& watched : watched_) store_.Gap(SeriesOf(watched.channel));
 }
 
 void CMeasuring::Lose(const std::string& trouble) {
   Gap();
-  isinround_ = false;
+  BeginRound();
   pause_ = kFirstPause;
   SetState(EState::LOST, trouble);
   if (onround_) onround_();
   timer_.start(pause_);
 }
 
+// The line is open again with the first exchange that finds it. Who answers has to be who was there
+// before: readings of another readout don't belong behind those of this one. Its settings may be
+// others.
 void CMeasuring::Find() {
-  bool issame = false;
-  const std::string trouble = host_.Exchange([&] { issame = host_.IsSameReadout(); });
-  if (issame) {
+  bool isfound = false;
+  const std::string trouble = host_.Exchange([&] { isfound = host_.FindSameReadout(); });
+  if (isfound) {
     nextround_ = std::chrono::steady_clock::now();
+    hassample_ = false;
+    BeginRound();
     SetState(EState::MEASURING, {});
     timer_.start(0);
     return;

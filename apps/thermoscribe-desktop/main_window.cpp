@@ -32,10 +32,11 @@
 namespace vane::desktop {
 namespace {
 
+constexpr char kWindowSubkey[] = "Desktop\\Window";
 constexpr int kMostTraceLines = 5000;
 constexpr int kMostErrors = 1000;
-constexpr int kClosePause = 20;       // ms
-constexpr double kLeastPeriod = 0.2;  // s
+constexpr int kClosePause = 20;     // ms
+constexpr double kLeastPeriod = 0;  // s
 constexpr double kMostPeriod = 86400;
 
 QString NowText() { return QDateTime::currentDateTime().toString("yyyy-MM-dd HH:mm:ss"); }
@@ -58,17 +59,9 @@ CMainWindow::CMainWindow(CDesktopHost& host) : host_(host) {
   auto* const layout = new QVBoxLayout(content);
   layout->setContentsMargins(0, 0, 0, 0);
   layout->setSpacing(0);
-  banner_ = new QLabel(content);
+  banner_ = new CBanner(
+      "&Try now", [this] { measuring_.TryNow(); }, content);
   banner_->setObjectName("banner");
-  banner_->setWordWrap(true);
-  banner_->setMargin(8);
-  banner_->setTextFormat(Qt::PlainText);
-  banner_->setAutoFillBackground(true);
-  QPalette warning = banner_->palette();
-  warning.setColor(QPalette::Window, QColor(0xB0, 0x00, 0x20));
-  warning.setColor(QPalette::WindowText, Qt::white);
-  banner_->setPalette(warning);
-  banner_->hide();
   layout->addWidget(banner_);
   auto* const splitter = new QSplitter(Qt::Vertical, content);
   table_ = new CChannelTable(splitter);
@@ -261,6 +254,12 @@ void CMainWindow::Disconnect() {
   ShowState();
 }
 
+void CMainWindow::ConnectAsBefore() {
+  const std::optional<Connection> last = host_.LastConnection();
+  if (!last || last->simulated || last->port.empty()) return AskAndConnect();
+  Connect(*last);
+}
+
 void CMainWindow::AskAndConnect() {
   if (host_.IsBusy()) return;
   const auto chosen = AskForConnection(this, host_.LastConnection());
@@ -279,7 +278,9 @@ void CMainWindow::StartMeasuring() {
 void CMainWindow::AskPeriod() {
   bool isgiven = false;
   const double seconds = QInputDialog::getDouble(
-      this, "Interval", "Seconds from one round over the channels to the next:",
+      this, "Interval",
+      "Seconds from one round over the channels to the next, at least.\n"
+      "0: whenever the readout has a new reading.",
       std::chrono::duration<double>(period_).count(), kLeastPeriod, kMostPeriod, 1, &isgiven);
   if (!isgiven) return;
   period_ = std::chrono::round<std::chrono::milliseconds>(std::chrono::duration<double>(seconds));
@@ -331,7 +332,8 @@ void CMainWindow::ExportReadings() {
 
 void CMainWindow::ShowReadings() {
   if (!host_.IsConnected()) return;
-  table_->Show(store_, measuring_, host_.Decimals());
+  table_->Show(store_, measuring_);
+  if (!first_ && measuring_.HasReading()) first_ = std::chrono::steady_clock::now();
   PlotSeries();
   plot_->Refresh();
 }
@@ -350,17 +352,15 @@ void CMainWindow::ShowState() {
   const bool isconnected = host_.IsConnected();
   for (QAction* const action : needreadout_) action->setEnabled(isconnected);
   const bool islost = measuring_.State() == CMeasuring::EState::LOST;
+  QString notice;
   if (islost) {
-    const QString text =
+    notice =
         "The readout can't be reached: " + ToQt(measuring_.Trouble()) + " Trying again by itself.";
-    if (banner_->text() != text) LogError(text);
-    banner_->setText(text);
-  }
-  if (!islost && banner_->isVisible()) {
+    if (banner_->Text() != notice) LogError(notice);
+  } else if (!banner_->Text().isEmpty() && isconnected) {
     LogError("The readout answers again.");
-    banner_->clear();
   }
-  banner_->setVisible(islost);
+  banner_->SetText(notice);
   if (!isconnected) {
     readout_->setText("Not connected");
     line_->clear();
@@ -391,14 +391,41 @@ void CMainWindow::SetTracing(bool on) {
 }
 
 void CMainWindow::closeEvent(QCloseEvent* event) {
-  if (host_.IsBusy()) {
-    // The exchange ends first. Under a window of the library nobody gets here.
+  // Only a signal gets here in the middle of something. What has the line ends behind its present
+  // exchange, what waits for the user is given up.
+  QWidget* const modal = QApplication::activeModalWidget();
+  if (host_.IsBusy() || modal != nullptr) {
+    host_.BeginToEnd();
+    if (modal != nullptr) modal->close();
     event->ignore();
     QTimer::singleShot(kClosePause, this, [this] { close(); });
     return;
   }
   measuring_.Stop();
+  if (keepsplace_) SavePlace();
   QMainWindow::closeEvent(event);
+}
+
+void CMainWindow::KeepPlace() {
+  keepsplace_ = true;
+  const auto saved = [&](const char* name) {
+    return QByteArray::fromBase64(QByteArray::fromStdString(
+        host_.Registry().ReadText(name, "", kCurrentUserRoot, kWindowSubkey)));
+  };
+  restoreGeometry(saved("Geometry"));
+  restoreState(saved("Panes"));
+}
+
+void CMainWindow::SavePlace() {
+  const auto save = [&](const char* name, const QByteArray& value) {
+    host_.Registry().WriteText(name, value.toBase64().toStdString(), kWindowSubkey);
+  };
+  try {
+    save("Geometry", saveGeometry());
+    save("Panes", saveState());
+  } catch (const std::exception&) {
+    // The window is about to go: its place is not worth a box.
+  }
 }
 
 }  // namespace vane::desktop

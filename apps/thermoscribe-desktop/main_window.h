@@ -3,10 +3,13 @@
 #pragma once
 
 #include <QMainWindow>
+#include <chrono>
 #include <functional>
+#include <optional>
 #include <vector>
 
 #include "adapters/qt/qt_view.h"
+#include "apps/thermoscribe-desktop/banner.h"
 #include "apps/thermoscribe-desktop/channel_table.h"
 #include "apps/thermoscribe-desktop/desktop_host.h"
 #include "apps/thermoscribe-desktop/live_measuring.h"
@@ -30,10 +33,19 @@ class CMainWindow final : public QMainWindow {
 
   /// False when the user has been told why not.
   bool Connect(const Connection& connection);
+  /// To the readout of the last time, where its line is there; else asks for one. A simulated
+  /// readout is never taken unasked: its readings could pass for real ones.
+  void ConnectAsBefore();
   void Disconnect();
+
+  /// Where the window was, and its panes, at the end of the last run; and keeps them at the end of
+  /// this one.
+  void KeepPlace();
 
   CMeasuring& Measuring() { return measuring_; }
   const CReadingStore& Readings() const { return store_; }
+  /// When a reading was shown for the first time.
+  std::optional<std::chrono::steady_clock::time_point> FirstReading() const { return first_; }
   CPlotView& Plot() { return *plot_; }
 
  protected:
@@ -57,13 +69,16 @@ class CMainWindow final : public QMainWindow {
   void PlotSeries();
   void LogError(const QString& text);
   void SetTracing(bool on);
+  void SavePlace();
 
   CDesktopHost& host_;
+  bool keepsplace_ = false;
+  std::optional<std::chrono::steady_clock::time_point> first_;
   CQtWindow window_{*this};
   CReadingStore store_;
   CMeasuring measuring_{host_, store_};
-  std::chrono::milliseconds period_{1000};
-  QLabel* banner_ = nullptr;
+  std::chrono::milliseconds period_{0};
+  CBanner* banner_ = nullptr;
   QLabel* readout_ = nullptr;
   QLabel* line_ = nullptr;
   QSplitter* splitter_ = nullptr;

@@ -34,11 +34,6 @@ std::string UtcText(double seconds) {
   return text;
 }
 
-std::string NumberText(double value) {
-  char text[32];
-  return {text, std::to_chars(text, text + sizeof text, value).ptr};
-}
-
 std::string Quoted(const std::string& text) {
   if (text.find_first_of(",\"\n") == text.npos) return text;
   std::string quoted = "\"";
@@ -92,12 +87,31 @@ class CReducer {
 
 }  // namespace
 
-void CReadingStore::Add(SeriesId id, TimePoint time, double value) {
+int DecimalsOf(const std::string& reading) {
+  if (reading.find_first_of("eE") != reading.npos) return kAnyDecimals;
+  const std::size_t point = reading.find('.');
+  if (point == reading.npos) return 0;
+  const std::size_t end =
+      std::min(reading.find_first_not_of("0123456789", point + 1), reading.size());
+  return static_cast<int>(end - point - 1);
+}
+
+std::string NumberText(double value, int decimals) {
+  char text[400];
+  char* const end = text + sizeof text;
+  const auto written = decimals == kAnyDecimals
+                           ? std::to_chars(text, end, value)
+                           : std::to_chars(text, end, value, std::chars_format::fixed, decimals);
+  return {text, written.ptr};
+}
+
+void CReadingStore::Add(SeriesId id, TimePoint time, double value, int decimals) {
   if (std::isnan(value)) return Gap(id);
   Series& series = series_[id];
   double seconds = Seconds(time);
   if (!series.points.empty()) seconds = std::max(seconds, series.points.back().time);
   series.points.push_back({seconds, value});
+  series.decimals = std::max(series.decimals, decimals);
   series.last = value;
   series.lasttime = time;
   Sums& sums = series.sums;
@@ -263,7 +277,8 @@ void CReadingStore::WriteCsv(std::ostream& stream, const std::map<std::int16_t, 
     const auto name = names.find(earliest.channel);
     stream << UtcText(point->time) << ',' << earliest.channel << ','
            << Quoted(name == names.end() ? std::string() : name->second) << ','
-           << NumberText(point->value) << ',' << Quoted(unittext(earliest.unit)) << '\n';
+           << NumberText(point->value, series_.at(earliest).decimals) << ','
+           << Quoted(unittext(earliest.unit)) << '\n';
   }
 }
 

@@ -48,6 +48,15 @@ struct PlotPoint {
   double value;
 };
 
+/// Of a number that is written with no more digits than it needs.
+inline constexpr int kAnyDecimals = -1;
+
+/// The digits behind the point of a reading as the readout has sent it: how finely it resolves.
+/// `kAnyDecimals` for one with an exponent.
+int DecimalsOf(const std::string& reading);
+
+std::string NumberText(double value, int decimals);
+
 class CReadingStore {
  public:
   /// What a channel keeps: a week at one reading a second, and some.
@@ -56,8 +65,8 @@ class CReadingStore {
   explicit CReadingStore(std::size_t mostpoints = kMostPoints) : mostpoints_(mostpoints) {}
 
   /// Times of a channel never go back: where the clock was set back, readings stand at the latest
-  /// time until it has caught up.
-  void Add(SeriesId id, TimePoint time, double value);
+  /// time until it has caught up. `decimals` as of `DecimalsOf`.
+  void Add(SeriesId id, TimePoint time, double value, int decimals = kAnyDecimals);
 
   /// What comes next is not joined to what was there: the line was lost, or measuring was off.
   void Gap(SeriesId id);
@@ -79,7 +88,8 @@ class CReadingStore {
   /// The value nearest to `time`, within `reach` seconds; NaN for none.
   double ValueAt(SeriesId id, double time, double reach) const;
 
-  /// "time,channel,name,reading,unit", as it is kept; times in UTC with milliseconds.
+  /// "time,channel,name,reading,unit", as it is kept; times in UTC with milliseconds, all readings
+  /// of a series with as many digits as the finest.
   void WriteCsv(std::ostream& stream, const std::map<std::int16_t, std::string>& names,
                 const std::function<std::string(std::int16_t unit)>& unittext) const;
 
@@ -97,6 +107,7 @@ class CReadingStore {
   struct Series {
     std::vector<PlotPoint> points;  // NaN is a gap
     Sums sums;
+    int decimals = kAnyDecimals;
     double last = 0;
     TimePoint lasttime{};
   };

@@ -4,10 +4,14 @@
 
 #include <QAction>
 #include <QApplication>
-#include <QLabel>
+#include <QClipboard>
+#include <QImage>
+#include <QProcess>
+#include <QPushButton>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTreeWidget>
+#include <atomic>
 #include <chrono>
 #include <cmath>
 #include <filesystem>
@@ -22,6 +26,7 @@
 #include "apps/thermoscribe-desktop/main_window.h"
 #include "apps/thermoscribe-desktop/plot/plot_view.h"
 #include "apps/thermoscribe-desktop/reading_store.h"
+#include "simulator/line_server.h"
 #include "vane/channels/channel.h"
 
 namespace vane::desktop {
@@ -143,111 +148,354 @@ TEST(Plot, FollowsUntilTheUserMovesItAndIsSavedInEachForm) {
   EXPECT_FALSE(plot.SavePicture(folder.path() + "/none/p.png"));
 }
 
-// The user's configuration in a folder of its own.
+// The user's configuration in a folder of its own, and a readout at a path that outlives it, whose
+// samples come when the test says so.
 class Desktop : public testing::Test {
  protected:
   Desktop() {
     qputenv("XDG_CONFIG_HOME", folder_.path().toUtf8());
     host_.emplace([](std::int32_t) { return true; });
-    window_.emplace(*host_);
-    window_->show();
   }
 
-  bool Connect(const std::string& options) {
+  void Plug(const std::string& options = {}) {
+    line_.reset();
+    line_.emplace(simulator::ParseOptions(options + " --link " + path_),
+                  simulator::CSimulatedLine::Announce(), [this] {
+                    return std::chrono::steady_clock::now() + std::chrono::seconds(passed_);
+                  });
+    line_->Start();
+  }
+  void Unplug() { line_.reset(); }
+  void Tell(const std::vector<const char*>& commands) {
+    for (const char* const command : commands) EXPECT_EQ("=", line_->Ask(command)) << command;
+  }
+  void NextSample() { passed_ += 2; }
+  Connection There() const {
     Connection connection;
-    connection.simulated = true;
-    connection.simulatoroptions = options;
-    connection.timeout = 200ms;
-    return window_->Connect(connection);
+    connection.port = path_;
+    connection.timeout = 300ms;
+    return connection;
+  }
+  // Lets the program go on, with a sample now and then.
+  bool Until(const std::function<bool()>& holds) {
+    const auto start = std::chrono::steady_clock::now();
+    while (!holds()) {
+      if (std::chrono::steady_clock::now() - start > 20s) return false;
+      NextSample();
+      QTest::qWait(50);
+    }
+    return true;
+  }
+
+  QTemporaryDir folder_;
+  const std::string path_ = FromQt(folder_.filePath("readout"));
+  std::atomic<std::int64_t> passed_ = 0;  // s
+  std::optional<simulator::CSimulatedLine> line_;
+  std::optional<CDesktopHost> host_;
+};
+
+TEST_F(Desktop, AdapterIsKnownAgainAndNoOtherIsTakenForIt) {
+  const auto adapter = [](const std::string& path, const char* serial) {
+    return SerialPortRecord{path, "ftdi_sio", "", "", serial, "0403:6001"};
+  };
+  struct Case {
+    const char* adapter;  // what was there; its path is /dev/ttyUSB1
+    std::vector<SerialPortRecord> now;
+    const char* found;
+  };
+  const Case cases[] = {
+      {"", {}, "/dev/ttyUSB1"},
+      {"0403:6001 A", {adapter("/dev/ttyUSB3", "A")}, "/dev/ttyUSB3"},
+      {"0403:6001 A", {adapter("/dev/ttyUSB1", "B")}, ""},
+      {"0403:6001 ", {adapter("/dev/ttyUSB0", ""), adapter("/dev/ttyUSB1", "")}, "/dev/ttyUSB1"},
+      {"0403:6001 A", {}, ""},
+  };
+  EXPECT_FALSE(host_->LastConnection({}));
+  for (const Case& one : cases) {
+    host_->Registry().WriteText("Port", "/dev/ttyUSB1", "Desktop");
+    host_->Registry().WriteText("Adapter", one.adapter, "Desktop");
+    host_->Registry().WriteText("Baud", "2400", "Desktop");
+    const auto last = host_->LastConnection(one.now);
+    ASSERT_TRUE(last);
+    EXPECT_EQ(last->port, one.found);
+    EXPECT_EQ(last->baud, EVaneBaudRate::BR_2400);
+  }
+}
+
+class Measuring : public Desktop {
+ protected:
+  Measuring() {
+    measuring_.OnRound([this] { ++rounds_; });
+  }
+  void Begin(std::vector<std::int16_t> channels) {
+    ASSERT_TRUE(host_->Connect(There(), nullptr));
+    measuring_.Start(std::move(channels), 0ms);
+    EndRound();
+  }
+  // Until the round that goes on now is over.
+  void EndRound() {
+    const int before = rounds_;
+    ASSERT_TRUE(QTest::qWaitFor([&] { return rounds_ > before; }, 10'000));
+  }
+  std::int64_t Count(std::int16_t channel) {
+    return store_.StatisticsOf(measuring_.SeriesOf(channel)).count;
+  }
+
+  int rounds_ = 0;
+  CReadingStore store_;
+  CMeasuring measuring_{*host_, store_, 2ms};
+};
+
+// A standard resistor reads the same at each sample: what tells its readings apart is how many
+// samples a turn takes.
+TEST_F(Measuring, ReadingCountsOnceForEachTimeThatItsChannelIsMeasured) {
+  struct Case {
+    std::vector<const char*> settings;
+    std::int16_t channel;
+    const char* isnew;
+  };
+  const std::vector<Case> cases = {
+      {{"CHANNEL:MODE 2"}, 2, "111111"},
+      {{"CHANNEL:MODE 1"}, 2, "000000"},
+      {{"CHANNEL:MODE 0"}, 2, "010101"},
+      {{"CHANNEL:MODE 3", "SCANNER:CHANNEL 2"}, 4, "111111"},
+      {{"CHANNEL:MODE 3", "SCANNER:CHANNEL 1"}, 4, "000000"},
+      {{"CHANNEL:MODE 4", "SCANNER:MODE 1", "SCANNER:SEQUENCE:CHANNELS 2"}, 4, "000100"},
+      {{"CHANNEL:MODE 4", "SCANNER:MODE 1", "SCANNER:SEQUENCE:CHANNELS 1"}, 4, "000000"},
+      {{"CHANNEL:MODE 4", "SCANNER:MODE 3", "SCANNER:SEQUENCE:CHANNELS 1"}, 2, "010101"},
+      {{"CHANNEL:MODE 4", "SCANNER:MODE 5", "SCANNER:SEQUENCE:CHANNELS 1"}, 4, "000010"},
+      {{"CHANNEL:MODE 4", "SCANNER:MODE 5"}, 6, "000000"},
+  };
+  for (const Case& one : cases) {
+    Plug();
+    Tell({"UNITS O", "CHANNEL 2:PROBE 14", "SCANNER:PROBE 2 14", "SCANNER:PROBE 4 14"});
+    Tell(one.settings);
+    store_.Clear();
+    Begin({one.channel});
+    EXPECT_FALSE(measuring_.LatestOf(one.channel).text.empty());  // at once, and not counted
+    EXPECT_EQ(Count(one.channel), 0);
+    std::string isnew;
+    for (std::size_t i = 0; i < 6; ++i) {
+      NextSample();
+      EndRound();
+      const int before = rounds_;
+      QTest::qWait(20);
+      EXPECT_EQ(rounds_, before);  // the same sample is no second one
+      isnew += measuring_.LatestOf(one.channel).isnew ? '1' : '0';
+    }
+    EXPECT_EQ(one.isnew, isnew) << one.settings.front() << ", channel " << one.channel;
+    EXPECT_EQ(Count(one.channel), std::ranges::count(isnew, '1'));
+    measuring_.Stop();
+  }
+}
+
+TEST_F(Measuring, ReadingsOfAnotherUnitAreTakenAgainAndOneRefusedKeepsNoOtherAway) {
+  Plug();
+  Begin({2, 3});
+  const SeriesId celsius = measuring_.SeriesOf(3);
+  for (int i = 0; i < 2; ++i) {
+    NextSample();
+    EndRound();
+  }
+  const std::int64_t before = store_.StatisticsOf(celsius).count;
+  NextSample();
+  Tell({"UNITS K"});
+  EndRound();
+  EXPECT_EQ(store_.StatisticsOf(celsius).count, before);
+  EXPECT_NE(measuring_.SeriesOf(3), celsius);
+  EXPECT_GT(std::stod(measuring_.LatestOf(3).text), 250);
+  NextSample();
+  EndRound();
+  const ChannelStatistics kelvin = store_.StatisticsOf(measuring_.SeriesOf(3));
+  EXPECT_GE(kelvin.count, 1);
+  EXPECT_NEAR(kelvin.last, store_.StatisticsOf(celsius).last + 273.15, 0.1);
+  EXPECT_EQ(kelvin.last, std::stod(measuring_.LatestOf(3).text));
+
+  measuring_.Start({13, 2}, 0ms);
+  EndRound();
+  EXPECT_FALSE(measuring_.LatestOf(13).trouble.empty());
+  EXPECT_TRUE(measuring_.LatestOf(13).text.empty());
+  EXPECT_FALSE(measuring_.LatestOf(2).text.empty());
+}
+
+TEST_F(Measuring, LostReadoutIsFoundAgainAndAnotherIsNotTakenForIt) {
+  Plug("--no-scanner");
+  Begin({2});
+  NextSample();
+  EndRound();
+  EXPECT_EQ(Count(2), 1);
+  const auto lost = [&] { return measuring_.State() == CMeasuring::EState::LOST; };
+  Unplug();
+  ASSERT_TRUE(QTest::qWaitFor(lost));
+  Plug("--no-scanner --firmware 5.07");
+  ASSERT_TRUE(QTest::qWaitFor([&] {
+    measuring_.TryNow();
+    return measuring_.Trouble().find("another readout") != std::string::npos;
+  }));
+  EXPECT_THAT(measuring_.Trouble(), HasSubstr("5.07"));
+  EXPECT_EQ(Count(2), 1);
+  // What it had set before needn't hold any more.
+  Plug("--no-scanner");
+  Tell({"UNITS K", "CHANNEL:MODE 1"});
+  ASSERT_TRUE(QTest::qWaitFor([&] {
+    if (lost()) measuring_.TryNow();
+    return !lost();
+  }));
+  EndRound();
+  EXPECT_EQ(host_->Instrument().ChannelMode(), ET312BChannelMode::CM_INPUT_1);
+  EXPECT_EQ(measuring_.Units(), ET312BUnits::UNITS_KELVIN);
+}
+
+class Window : public Desktop {
+ protected:
+  Window() {
+    window_.emplace(*host_);
+    window_->show();
   }
   std::int64_t Count(std::int16_t channel) {
     return window_->Readings().StatisticsOf(window_->Measuring().SeriesOf(channel)).count;
   }
-  // The text of the label or row that holds `part`.
   bool Tells(const QString& part) {
-    for (auto* const row :
-         window_->findChild<QTreeWidget*>()->findItems(part, Qt::MatchContains, 1)) {
-      return !row->text(1).isEmpty();
+    return !window_->findChild<QTreeWidget*>()->findItems(part, Qt::MatchContains, 1).isEmpty();
+  }
+  void Trigger(const QString& text) {
+    for (QAction* const action : window_->findChildren<QAction*>()) {
+      if (action->text().remove('&') == text) return action->trigger();
     }
-    return false;
+    FAIL() << FromQt(text);
+  }
+  QString Cell(int row, int column) {
+    return window_->findChild<CChannelTable*>()->item(row, column)->text();
   }
 
-  QTemporaryDir folder_;
-  std::optional<CDesktopHost> host_;
   std::optional<CMainWindow> window_;
 };
 
-TEST_F(Desktop, MeasuresAllChannelsInUseFromTheFirstSecondOn) {
+TEST_F(Window, ShowsEachChannelsReadingsAndGoesOnBehindALostLine) {
+  Plug();
   const auto start = std::chrono::steady_clock::now();
-  ASSERT_TRUE(Connect("--scanner"));
-  ASSERT_TRUE(QTest::qWaitFor([&] { return Count(12) > 0; }));
-  std::cout << "first readings of all channels after "
-            << std::chrono::duration_cast<std::chrono::milliseconds>(
-                   std::chrono::steady_clock::now() - start)
+  ASSERT_TRUE(window_->Connect(There()));
+  ASSERT_TRUE(QTest::qWaitFor([&] { return window_->FirstReading().has_value(); }));
+  std::cout << "readings of all channels after "
+            << std::chrono::duration_cast<std::chrono::milliseconds>(*window_->FirstReading() -
+                                                                     start)
                    .count()
             << " ms\n";
-  ASSERT_TRUE(QTest::qWaitFor([&] { return Count(12) > 1; }));
-  EXPECT_EQ(Count(1), 0);  // carries the scanner
-  const auto* const table = window_->findChild<CChannelTable*>();
-  EXPECT_EQ(table->rowCount(), 11);
-  EXPECT_NE(table->item(0, 3)->text(), "-");
-  EXPECT_EQ(host_->Channels().size(), 12U);
-  EXPECT_TRUE(host_->LastConnection()->simulated);
-}
+  ASSERT_TRUE(Until([&] { return Count(12) > 2; }));
+  ASSERT_EQ(window_->findChild<CChannelTable*>()->rowCount(), 11);  // input 1 carries the scanner
+  for (int row = 0; row < 11; ++row) {
+    const std::string command =
+        row == 0 ? "MEASURE 2?" : "SCANNER:MEASURE " + std::to_string(row) + "?";
+    const double now = std::stod(line_->Ask(command)->substr(1));
+    EXPECT_NEAR(now, Cell(row, 3).toDouble(), 0.05) << command;
+    EXPECT_EQ(Cell(row, 3).section('.', 1).size(), 4);
+    EXPECT_EQ(Cell(row, 4), "\u00B0C");
+  }
+  QTest::keyClick(window_->findChild<CChannelTable*>(), Qt::Key_C, Qt::ControlModifier);
+  EXPECT_EQ(QGuiApplication::clipboard()->text().count('\n'), 12);
 
-TEST_F(Desktop, LostLineIsToldFoundAgainAndLeavesAGap) {
-  ASSERT_TRUE(Connect("--no-scanner --fault at=90:hangup=1.5"));
-  ASSERT_TRUE(QTest::qWaitFor([&] { return Count(2) > 1; }));
-  window_->Measuring().Start({1, 2}, 50ms);
-  ASSERT_TRUE(QTest::qWaitFor(
-      [&] { return window_->Measuring().State() == CMeasuring::EState::LOST; }, 10'000));
-  auto* const banner = window_->findChild<QLabel*>("banner");
-  EXPECT_TRUE(banner->isVisible());
+  // Commands have their turn in between, and measuring goes on behind them.
+  Trigger("Switch measuring off");
+  QTest::qWait(700);  // what was measured before is still fetched
+  const std::int64_t stopped = Count(12);
+  for (int i = 0; i < 10; ++i) {
+    NextSample();
+    QTest::qWait(100);
+  }
+  EXPECT_EQ(Count(12), stopped);
+  Trigger("Set the clock to this computer's");
+  EXPECT_TRUE(Tells("clock was set"));
+  Trigger("Switch measuring on");
+  ASSERT_TRUE(Until([&] { return Count(12) > stopped; }));
+
+  auto* const banner = window_->findChild<CBanner*>();
+  Unplug();
+  ASSERT_TRUE(Until([&] { return banner->isVisible(); }));
+  EXPECT_EQ(Cell(3, 6), "No connection");
   EXPECT_TRUE(Tells("can't be reached"));
   const std::int64_t before = Count(2);
-  ASSERT_TRUE(QTest::qWaitFor([&] { return Count(2) > before; }, 10'000));
+  Plug();
+  banner->findChild<QPushButton*>()->click();
+  ASSERT_TRUE(Until([&] { return Count(2) > before; }));
   EXPECT_FALSE(banner->isVisible());
   EXPECT_TRUE(Tells("answers again"));
   const auto [first, last] = window_->Readings().TimeRange();
   const auto points =
       window_->Readings().PointsOf(window_->Measuring().SeriesOf(2), first, last, 100'000);
   EXPECT_EQ(std::ranges::count_if(points, [](auto& p) { return std::isnan(p.value); }), 1);
+  EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
 }
 
-// Nothing is joined over a change of the units, and what is open keeps the line for itself.
-TEST_F(Desktop, SettingsChangeInBetweenAndMeasuringGoesOn) {
-  ASSERT_TRUE(Connect("--no-scanner"));
-  window_->Measuring().Start({1, 2}, 20ms);
-  ASSERT_TRUE(QTest::qWaitFor([&] { return Count(2) > 1; }));
-  const SeriesId celsius = window_->Measuring().SeriesOf(2);
-  host_->Run("changing the units", [&] {
-    const std::int64_t before = Count(2);
+TEST_F(Window, ClosedInTheMiddleOfAnExchangeItEndsInOrder) {
+  for (const int moment : {10, 150, 400, 1000}) {
+    Plug("--no-scanner --fault every=1:delay=0.05");
+    window_.reset();
+    host_.emplace([](std::int32_t) { return true; });
+    window_.emplace(*host_);
+    window_->show();
+    const auto start = std::chrono::steady_clock::now();
+    QTimer::singleShot(moment, [&] { window_->close(); });
+    window_->Connect(There());
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !window_->isVisible(); }, 10'000)) << moment;
+    EXPECT_LT(std::chrono::steady_clock::now() - start, (moment + 1000) * 1ms);
+    const std::uint64_t exchanges = line_->Exchanges();
     QTest::qWait(100);
-    EXPECT_EQ(Count(2), before);
-    host_->Instrument().SetUnits(ET312BUnits::UNITS_KELVIN);
-    host_->Instrument().UpdateUnits();
-  });
-  ASSERT_TRUE(
-      QTest::qWaitFor([&] { return window_->Measuring().SeriesOf(2) != celsius && Count(2) > 0; }));
-  const double kelvin = window_->Readings().StatisticsOf(window_->Measuring().SeriesOf(2)).last;
-  EXPECT_NEAR(kelvin, window_->Readings().StatisticsOf(celsius).last + 273.15, 0.1);
+    EXPECT_EQ(line_->Exchanges(), exchanges) << moment;
+    EXPECT_EQ(line_->IgnoredLines(), 0U) << moment;
+  }
 }
 
-TEST_F(Desktop, ClosesInTheMiddleOfAnExchange) {
-  ASSERT_TRUE(Connect("--no-scanner --fault every=1:delay=0.05"));
-  QTimer::singleShot(30, [&] { EXPECT_FALSE(window_->close()); });
-  ASSERT_TRUE(QTest::qWaitFor([&] { return !window_->isVisible(); }, 10'000));
-  window_.reset();
-  host_.reset();
-}
-
-TEST_F(Desktop, NoReadoutIsToldAndNothingIsConnected) {
-  QTimer::singleShot(600, [] {
+TEST_F(Window, NoReadoutIsToldAndNothingIsConnected) {
+  Plug("--fault every=1:drop");
+  QTimer::singleShot(1200, [] {
     if (QWidget* const box = QApplication::activeModalWidget()) box->close();
   });
-  EXPECT_FALSE(Connect("--fault every=1:drop"));
+  EXPECT_FALSE(window_->Connect(There()));
   EXPECT_FALSE(host_->IsConnected());
   EXPECT_EQ(window_->findChild<QTreeWidget*>()->topLevelItemCount(), 1);
+}
+
+TEST_F(Desktop, ProgramTakesAPictureAndRefusesWhatItDoesNotKnow) {
+  struct Case {
+    QStringList arguments;
+    int code;
+    const char* says;
+  };
+  const QString picture = folder_.filePath("window.png");
+  const std::vector<Case> cases = {
+      {{"--version"}, 0, "thermoscribe-desktop"},
+      {{"--simulate=--no-scanner", "--screenshot", picture, "--figures", "1"}, 0, "first reading"},
+      {{"--simulate=--no-scanner", "--screenshot", folder_.path(), "--figures", "0.5"},
+       1,
+       "can't be written"},
+      {{"--port", "/nowhere", "--screenshot", picture}, 1, "/nowhere"},
+      {{"--simulate=--bad"}, 2, "--bad"},
+      {{"--simulate", "--port", "/nowhere"}, 2, "exclude"},
+      {{"--port", "/nowhere", "--baud", "9601"}, 2, "9601"},
+      {{"--port", "/nowhere", "--timeout", "0"}, 2, "--timeout"},
+      {{"--baud", "9600"}, 2, "--baud"},
+      {{"readout"}, 2, "readout"},
+  };
+  for (const Case& one : cases) {
+    QProcess program;
+    program.setProcessChannelMode(QProcess::MergedChannels);
+    program.start(THERMOSCRIBE_DESKTOP_PATH, one.arguments);
+    ASSERT_TRUE(program.waitForFinished(60'000)) << one.says;
+    EXPECT_EQ(one.code, program.exitCode()) << one.says;
+    EXPECT_THAT(program.readAll().toStdString(), HasSubstr(one.says));
+  }
+  EXPECT_GT(QImage(picture).width(), 600);
+
+  Plug();
+  QProcess program;
+  program.start(THERMOSCRIBE_DESKTOP_PATH, {"--port", ToQt(path_)});
+  ASSERT_TRUE(program.waitForStarted());
+  while (line_->Exchanges() < 20) QTest::qWait(10);  // in the middle of connecting
+  program.terminate();
+  ASSERT_TRUE(program.waitForFinished(5000));
+  EXPECT_EQ(QProcess::NormalExit, program.exitStatus());
+  EXPECT_EQ(0, program.exitCode());
+  EXPECT_EQ(0U, line_->IgnoredLines());
 }
 
 }  // namespace

@@ -1,0 +1,49 @@
+// The platform and the factory of the desktop program: as of any program with windows, and besides
+// they end what the library is doing when the program is about to end.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <utility>
+
+#include "adapters/qt/qt_factory.h"
+#include "adapters/qt/qt_platform.h"
+
+namespace vane::desktop {
+
+class CDesktopPlatform final : public CQtPlatform {
+ public:
+  using CQtPlatform::CQtPlatform;
+
+  /// From now on no box comes up, and a question gets No.
+  void BeginToEnd() { isquiet_ = true; }
+  /// Nobody is there: the same, and standard error has what a box would have said.
+  void SetUnattended() { isquiet_ = isprinting_ = true; }
+
+  EBoxButton MessageBox(const std::string& text, const std::string& title, std::int32_t flags,
+                        const std::string& helpfile, std::int32_t helpcontext) override;
+
+ private:
+  bool isquiet_ = false;
+  bool isprinting_ = false;
+};
+
+class CDesktopFactory final : public CQtFactory {
+ public:
+  explicit CDesktopFactory(std::shared_ptr<LineSettings> line) : CQtFactory(std::move(line)) {}
+
+  /// The text of the latest reading, as the readout has sent it.
+  const std::string& ReadingText() const { return *reading_; }
+
+  /// From now on a run of the library stops behind its present step.
+  void BeginToEnd() { *ends_ = true; }
+
+  std::unique_ptr<CVaneCommunications> MakeCommunications() override;
+  std::unique_ptr<CVaneProgress> MakeProgress() override;
+
+ private:
+  const std::shared_ptr<std::string> reading_ = std::make_shared<std::string>();
+  const std::shared_ptr<bool> ends_ = std::make_shared<bool>(false);
+};
+
+}  // namespace vane::desktop
