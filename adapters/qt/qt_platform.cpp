@@ -41,6 +41,8 @@ EBoxButton CQtPlatform::MessageBox(const std::string& text, const std::string& t
   box.setTextFormat(Qt::PlainText);
   box.setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
   box.setDefaultButton(asks ? QMessageBox::Yes : QMessageBox::Ok);
+  // With a Help button the toolkit finds none by itself, and Escape would do nothing.
+  box.setEscapeButton(asks ? QMessageBox::No : QMessageBox::Ok);
   // The window below may be disabled while a run goes on, and would pass that on.
   box.setEnabled(true);
   while (true) {

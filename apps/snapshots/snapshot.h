@@ -18,7 +18,7 @@ struct ChannelEntry {
   std::int16_t probe;
 };
 
-/// Of a file it holds what can be compared and written: all but the head and the names.
+/// Of a file it holds all but the head and the names of channels.
 struct Snapshot {
   std::string taken = {};
   std::vector<PropertyValue> readout = {};   ///< what it says of itself

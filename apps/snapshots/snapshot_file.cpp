@@ -177,6 +177,13 @@ Snapshot SnapshotIn(const Value& file) {
   RefuseOthers(whole, {},
                {"format", "version", "taken", "readout", "settings", "channels", "probes"});
   Snapshot snapshot;
+  // These two are for people, so whatever stands there may.
+  const Value* const taken = Find(whole, "taken");
+  if (taken != nullptr && taken->If<std::string>() != nullptr) snapshot.taken = taken->Text();
+  for (const auto& [name, value] : PartOf<Members>(whole, "readout")) {
+    const PropertyRow* const row = FindProperty(name);
+    if (row != nullptr) snapshot.readout.push_back({row, value});
+  }
   snapshot.settings = SettingsIn(PartOf<Members>(whole, "settings"));
   std::int16_t number = 0;
   for (const Value& value : PartOf<List>(whole, "channels")) {

@@ -9,7 +9,9 @@
 #include <QPixmap>
 #include <QSignalBlocker>
 #include <QStyledItemDelegate>
+#include <algorithm>
 #include <cmath>
+#include <set>
 
 #include "adapters/qt/qt_text.h"
 #include "apps/thermoscribe-desktop/plot/plot_view.h"
@@ -89,6 +91,11 @@ CChannelTable::CChannelTable(QWidget* parent) : QTableWidget(0, COLUMNS, parent)
 
 void CChannelTable::SetChannels(const std::vector<ChannelRow>& channels) {
   const QSignalBlocker silence(this);
+  const std::int16_t current = CurrentChannel();
+  std::set<std::int16_t> hidden;
+  for (const std::int16_t channel : channels_) {
+    if (!IsPlotted(channel)) hidden.insert(channel);
+  }
   channels_.clear();
   setRowCount(0);
   for (const ChannelRow& channel : channels) {
@@ -102,7 +109,7 @@ void CChannelTable::SetChannels(const std::vector<ChannelRow>& channels) {
                              Qt::AlignVCenter);
       if (column == CHANNEL) {
         item->setFlags(item->flags() | Qt::ItemIsUserCheckable);
-        item->setCheckState(Qt::Checked);
+        item->setCheckState(hidden.contains(channel.channel) ? Qt::Unchecked : Qt::Checked);
         item->setToolTip("Whether the plot has it");
       }
       setItem(row, column, item);
@@ -112,7 +119,11 @@ void CChannelTable::SetChannels(const std::vector<ChannelRow>& channels) {
     item(row, PROBE)->setText(channel.probe < 0 ? "-" : QString::number(channel.probe));
   }
   Colour();
-  if (rowCount() > 0) setCurrentCell(0, NAME);
+  const auto place = std::ranges::find(channels_, current);
+  if (rowCount() > 0) {
+    setCurrentCell(place == channels_.end() ? 0 : static_cast<int>(place - channels_.begin()),
+                   NAME);
+  }
   updateGeometry();
 }
 

@@ -17,7 +17,7 @@ class CChannelTable final : public QTableWidget {
  public:
   explicit CChannelTable(QWidget* parent = nullptr);
 
-  /// A row per channel in use.
+  /// A row per channel in use. What the user has chosen for a channel that was there stays.
   void SetChannels(const std::vector<ChannelRow>& channels);
   void Show(const CReadingStore& store, const CMeasuring& measuring);
 

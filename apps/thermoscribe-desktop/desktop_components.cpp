@@ -11,21 +11,24 @@ namespace {
 
 class CEndingProgress final : public CVaneProgress {
  public:
-  CEndingProgress(std::unique_ptr<CVaneProgress> shown, std::shared_ptr<const bool> ends)
-      : shown_(std::move(shown)), ends_(std::move(ends)) {}
+  CEndingProgress(std::unique_ptr<CVaneProgress> shown,
+                  std::shared_ptr<CDesktopFactory::RunState> state)
+      : shown_(std::move(shown)), state_(std::move(state)) {}
 
   void SetVisible(bool flag) override { shown_->SetVisible(flag); }
   void Attach(ui::CWindow* frm) override { shown_->Attach(frm); }
   void Hide(bool flag) override { shown_->Hide(flag); }
   void Start(const std::string& text, double share) override { shown_->Start(text, share); }
   bool Step(std::int32_t total, std::int32_t position, std::int32_t extra) override {
-    return shown_->Step(total, position, extra) && !*ends_;
+    const bool goeson = shown_->Step(total, position, extra);
+    if (!goeson) state_->isstopped = true;
+    return goeson && !state_->ends;
   }
   void Finish() override { shown_->Finish(); }
 
  private:
   const std::unique_ptr<CVaneProgress> shown_;
-  const std::shared_ptr<const bool> ends_;
+  const std::shared_ptr<CDesktopFactory::RunState> state_;
 };
 
 }  // namespace
@@ -33,6 +36,7 @@ class CEndingProgress final : public CVaneProgress {
 EBoxButton CDesktopPlatform::MessageBox(const std::string& text, const std::string& title,
                                         std::int32_t flags, const std::string& helpfile,
                                         std::int32_t helpcontext) {
+  if ((flags & kBoxYesNo) == 0) ++boxes_;
   if (isprinting_) {
     std::string lines = text;
     std::ranges::replace(lines, '\r', '\n');
@@ -47,7 +51,7 @@ std::unique_ptr<CVaneCommunications> CDesktopFactory::MakeCommunications() {
 }
 
 std::unique_ptr<CVaneProgress> CDesktopFactory::MakeProgress() {
-  return std::make_unique<CEndingProgress>(CQtFactory::MakeProgress(), ends_);
+  return std::make_unique<CEndingProgress>(CQtFactory::MakeProgress(), state_);
 }
 
 }  // namespace vane::desktop

@@ -20,12 +20,16 @@ class CDesktopPlatform final : public CQtPlatform {
   /// Nobody is there: the same, and standard error has what a box would have said.
   void SetUnattended() { isquiet_ = isprinting_ = true; }
 
+  /// How many boxes there were up to now that were no question.
+  std::int32_t Boxes() const { return boxes_; }
+
   EBoxButton MessageBox(const std::string& text, const std::string& title, std::int32_t flags,
                         const std::string& helpfile, std::int32_t helpcontext) override;
 
  private:
   bool isquiet_ = false;
   bool isprinting_ = false;
+  std::int32_t boxes_ = 0;
 };
 
 class CDesktopFactory final : public CQtFactory {
@@ -36,14 +40,23 @@ class CDesktopFactory final : public CQtFactory {
   const std::string& ReadingText() const { return *reading_; }
 
   /// From now on a run of the library stops behind its present step.
-  void BeginToEnd() { *ends_ = true; }
+  void BeginToEnd() { state_->ends = state_->isstopped = true; }
+
+  /// Whether the user has stopped a run since `ForgetStop`, or the program is about to end.
+  bool IsStopped() const { return state_->isstopped; }
+  void ForgetStop() { state_->isstopped = state_->ends; }
 
   std::unique_ptr<CVaneCommunications> MakeCommunications() override;
   std::unique_ptr<CVaneProgress> MakeProgress() override;
 
+  struct RunState {
+    bool ends = false;
+    bool isstopped = false;
+  };
+
  private:
   const std::shared_ptr<std::string> reading_ = std::make_shared<std::string>();
-  const std::shared_ptr<bool> ends_ = std::make_shared<bool>(false);
+  const std::shared_ptr<RunState> state_ = std::make_shared<RunState>();
 };
 
 }  // namespace vane::desktop

@@ -108,6 +108,12 @@ class CDesktopHost {
   /// The latest reading, as the readout has sent it.
   const std::string& ReadingText() const { return factory_.ReadingText(); }
 
+  /// How often an exchange has failed or a box has told something so far.
+  std::int32_t Troubles() const { return line_->failures + platform_.Boxes(); }
+  /// Whether the user has stopped a run since `ForgetStop`, or the program is about to end.
+  bool IsStopped() const { return factory_.IsStopped(); }
+  void ForgetStop() { factory_.ForgetStop(); }
+
   /// What the latest exchange has met; number 0 for nothing.
   const LineFailure& LastFailure() const { return line_->lastfailure; }
 

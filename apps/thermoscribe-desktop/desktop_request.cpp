@@ -45,7 +45,7 @@ class CReader {
   }
 
   std::string SimulatorOptions() const {
-    const std::string text = Text("simulate");
+    std::string text = Text("simulate");
     try {
       if (simulator::ParseOptions(text).help.empty()) return text;
     } catch (const std::invalid_argument& error) {

@@ -150,16 +150,22 @@ void CMainWindow::MakeMenus() {
 
   QMenu& readout = *menuBar()->addMenu("&Readout");
   QAction* const settings = Add(readout, "&Settings...", QKeySequence("Ctrl+T"), [this] {
-    host_.Run("editing the settings", [this] {
-      host_.Instrument().Edit();
-      host_.ReadChannels();
-    });
-    StartMeasuring();
+    host_.Run("editing the settings", [this] { host_.Instrument().Edit(); });
+    TakeNewSettings();
   });
   QAction* const channel =
       Add(readout, "&Channel...", QKeySequence("Ctrl+H"), [this] { EditChannel(); });
   QAction* const download = Add(readout, "&Download a log...", QKeySequence("Ctrl+D"), [this] {
     host_.Run("downloading the log", [this] { host_.Instrument().DownloadLoggedData(); });
+  });
+  readout.addSeparator();
+  Add(readout, "Sa&ve a snapshot...", QKeySequence::Save, [this] { snapshots_.Save(); });
+  Add(readout, "Co&mpare with a snapshot...", {}, [this] { snapshots_.Compare(); });
+  Add(
+      readout, "Compare t&wo snapshots...", {}, [this] { snapshots_.CompareFiles(); }, false);
+  Add(readout, "&Restore a snapshot...", {}, [this] {
+    snapshots_.Restore();
+    TakeNewSettings();
   });
   readout.addSeparator();
   Add(readout, "Switch measuring &on", {}, [this] { SwitchReadout(true); });
@@ -275,6 +281,15 @@ void CMainWindow::StartMeasuring() {
   measuring_.Start(std::move(channels), period_);
 }
 
+void CMainWindow::TakeNewSettings() {
+  if (!host_.IsConnected()) return;
+  // A line that is lost by now is told by the live view.
+  if (!host_.IsBusy()) host_.Exchange([this] { host_.ReadChannels(); });
+  table_->SetChannels(host_.Channels());
+  StartMeasuring();
+  ShowReadings();
+}
+
 void CMainWindow::AskPeriod() {
   bool isgiven = false;
   const double seconds = QInputDialog::getDouble(
@@ -290,10 +305,8 @@ void CMainWindow::AskPeriod() {
 void CMainWindow::EditChannel() {
   const std::int16_t channel = table_->CurrentChannel();
   if (channel == 0) return;
-  host_.Run("editing the channel", [&] {
-    host_.Instrument().EditChannel(channel);
-    host_.ReadChannels();
-  });
+  host_.Run("editing the channel", [&] { host_.Instrument().EditChannel(channel); });
+  TakeNewSettings();
 }
 
 void CMainWindow::SwitchReadout(bool on) {

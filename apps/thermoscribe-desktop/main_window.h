@@ -15,6 +15,7 @@
 #include "apps/thermoscribe-desktop/live_measuring.h"
 #include "apps/thermoscribe-desktop/plot/plot_view.h"
 #include "apps/thermoscribe-desktop/reading_store.h"
+#include "apps/thermoscribe-desktop/snapshot_actions.h"
 
 class QAction;
 class QDockWidget;
@@ -58,6 +59,8 @@ class CMainWindow final : public QMainWindow {
   void MakePanes();
   void AskAndConnect();
   void StartMeasuring();
+  /// Behind anything that may have changed them.
+  void TakeNewSettings();
   void AskPeriod();
   void EditChannel();
   void SetClock();
@@ -77,6 +80,8 @@ class CMainWindow final : public QMainWindow {
   CQtWindow window_{*this};
   CReadingStore store_;
   CMeasuring measuring_{host_, store_};
+  CSnapshotActions snapshots_{host_, *this, window_,
+                              [this](const QString& text) { LogError(text); }};
   std::chrono::milliseconds period_{0};
   CBanner* banner_ = nullptr;
   QLabel* readout_ = nullptr;

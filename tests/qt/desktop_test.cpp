@@ -26,8 +26,9 @@
 #include "apps/thermoscribe-desktop/main_window.h"
 #include "apps/thermoscribe-desktop/plot/plot_view.h"
 #include "apps/thermoscribe-desktop/reading_store.h"
-#include "simulator/line_server.h"
+#include "tests/qt/desktop_fixture.h"
 #include "vane/channels/channel.h"
+#include "vane/components/user.h"
 
 namespace vane::desktop {
 namespace {
@@ -147,52 +148,6 @@ TEST(Plot, FollowsUntilTheUserMovesItAndIsSavedInEachForm) {
   }
   EXPECT_FALSE(plot.SavePicture(folder.path() + "/none/p.png"));
 }
-
-// The user's configuration in a folder of its own, and a readout at a path that outlives it, whose
-// samples come when the test says so.
-class Desktop : public testing::Test {
- protected:
-  Desktop() {
-    qputenv("XDG_CONFIG_HOME", folder_.path().toUtf8());
-    host_.emplace([](std::int32_t) { return true; });
-  }
-
-  void Plug(const std::string& options = {}) {
-    line_.reset();
-    line_.emplace(simulator::ParseOptions(options + " --link " + path_),
-                  simulator::CSimulatedLine::Announce(), [this] {
-                    return std::chrono::steady_clock::now() + std::chrono::seconds(passed_);
-                  });
-    line_->Start();
-  }
-  void Unplug() { line_.reset(); }
-  void Tell(const std::vector<const char*>& commands) {
-    for (const char* const command : commands) EXPECT_EQ("=", line_->Ask(command)) << command;
-  }
-  void NextSample() { passed_ += 2; }
-  Connection There() const {
-    Connection connection;
-    connection.port = path_;
-    connection.timeout = 300ms;
-    return connection;
-  }
-  // Lets the program go on, with a sample now and then.
-  bool Until(const std::function<bool()>& holds) {
-    const auto start = std::chrono::steady_clock::now();
-    while (!holds()) {
-      if (std::chrono::steady_clock::now() - start > 20s) return false;
-      NextSample();
-      QTest::qWait(50);
-    }
-    return true;
-  }
-
-  QTemporaryDir folder_;
-  const std::string path_ = FromQt(folder_.filePath("readout"));
-  std::atomic<std::int64_t> passed_ = 0;  // s
-  std::optional<simulator::CSimulatedLine> line_;
-  std::optional<CDesktopHost> host_;
-};
 
 TEST_F(Desktop, AdapterIsKnownAgainAndNoOtherIsTakenForIt) {
   const auto adapter = [](const std::string& path, const char* serial) {
@@ -346,31 +301,6 @@ TEST_F(Measuring, LostReadoutIsFoundAgainAndAnotherIsNotTakenForIt) {
   EXPECT_EQ(measuring_.Units(), ET312BUnits::UNITS_KELVIN);
 }
 
-class Window : public Desktop {
- protected:
-  Window() {
-    window_.emplace(*host_);
-    window_->show();
-  }
-  std::int64_t Count(std::int16_t channel) {
-    return window_->Readings().StatisticsOf(window_->Measuring().SeriesOf(channel)).count;
-  }
-  bool Tells(const QString& part) {
-    return !window_->findChild<QTreeWidget*>()->findItems(part, Qt::MatchContains, 1).isEmpty();
-  }
-  void Trigger(const QString& text) {
-    for (QAction* const action : window_->findChildren<QAction*>()) {
-      if (action->text().remove('&') == text) return action->trigger();
-    }
-    FAIL() << FromQt(text);
-  }
-  QString Cell(int row, int column) {
-    return window_->findChild<CChannelTable*>()->item(row, column)->text();
-  }
-
-  std::optional<CMainWindow> window_;
-};
-
 TEST_F(Window, ShowsEachChannelsReadingsAndGoesOnBehindALostLine) {
   Plug();
   const auto start = std::chrono::steady_clock::now();
@@ -424,6 +354,53 @@ TEST_F(Window, ShowsEachChannelsReadingsAndGoesOnBehindALostLine) {
       window_->Readings().PointsOf(window_->Measuring().SeriesOf(2), first, last, 100'000);
   EXPECT_EQ(std::ranges::count_if(points, [](auto& p) { return std::isnan(p.value); }), 1);
   EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
+}
+
+// From the program's menus through the library's windows to the readout and into a file.
+TEST_F(Window, EditsASettingAndAProbeAndDownloadsALog) {
+  Plug("--protect conversion");
+  ASSERT_TRUE(window_->Connect(There()));
+  const auto user = [] { return ui::CUser(*ui::CForm::Active()); };
+  const auto yes = [](QWidget& box) { Press(box, "Yes"); };
+  EXPECT_EQ(Through([this] { Trigger("Settings..."); },
+                    {[&](QWidget& dialog) {
+                       user().SelectTab(user().Find<ui::CTabStrip>("tabSettings"), 1);
+                       EXPECT_TRUE(user().Pick(user().Find<ui::CDropDown>("cboUnits"), 2));
+                       Press(dialog, "OK");
+                     },
+                     yes}),
+            2U);
+  EXPECT_EQ(line_->Ask("UNITS?"), "=K");
+  ASSERT_TRUE(Until([&] { return Cell(0, 4) == "K" && Cell(0, 3) != "-"; }));
+
+  window_->findChild<CChannelTable*>()->setCurrentCell(3, 0);  // scanner channel 3
+  EXPECT_EQ(Through([this] { Trigger("Channel..."); },
+                    {[](QWidget& dialog) { Press(dialog, "Edit"); },
+                     [](QWidget& passcode) { GivePasscode(passcode); },
+                     [](QWidget& dialog) { Press(dialog, "Conversion Settings..."); },
+                     [&](QWidget& editor) {
+                       auto& field = user().Find<ui::CTextField>("txtRTPW");
+                       user().Focus(field);
+                       user().SelectAll();
+                       user().Paste("25.5");
+                       Press(editor, "OK");
+                     },
+                     [](QWidget& dialog) { Press(dialog, "OK"); }, yes}),
+            6U);
+  EXPECT_EQ(std::stod(line_->Ask("PROBE 5:ITS90:RTPW?")->substr(1)), 25.5);
+
+  host_->Registry().WriteText("DownloadFolder", FromQt(folder_.path()), "");
+  EXPECT_EQ(Through([this] { Trigger("Download a log..."); },
+                    {[](QWidget& dialog) { Press(dialog, "Download"); },
+                     [](QWidget& files) { Press(files, "OK"); },
+                     [](QWidget& dialog) { Press(dialog, "Close"); }}),
+            3U);
+  std::ifstream log(FromQt(folder_.filePath("download.txt")));
+  const std::string text{std::istreambuf_iterator<char>(log), {}};
+  EXPECT_THAT(text, HasSubstr("Thermometer Readout Model: T312B"));
+  EXPECT_GT(std::ranges::count(text, '\n'), 10);
+  EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
+  EXPECT_EQ(window_->findChild<QTreeWidget*>()->topLevelItemCount(), 0);
 }
 
 TEST_F(Window, ClosedInTheMiddleOfAnExchangeItEndsInOrder) {

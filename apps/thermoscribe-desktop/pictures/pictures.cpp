@@ -4,18 +4,20 @@
 //   desktop_pictures [--dark] FOLDER
 #include <QAction>
 #include <QApplication>
+#include <QDialog>
 #include <QDialogButtonBox>
 #include <QDir>
 #include <QDockWidget>
 #include <QLineEdit>
 #include <QPalette>
-#include <QPlainTextEdit>
+#include <QPointer>
 #include <QPushButton>
 #include <QStyleFactory>
 #include <QTemporaryDir>
 #include <QTimer>
 #include <clocale>
 #include <cstdio>
+#include <fstream>
 #include <functional>
 #include <memory>
 #include <string>
@@ -83,6 +85,7 @@ class CPictures {
       dialog.close();
     });
     Trigger("Settings...", [this](QWidget& dialog) { GoThroughSettings(dialog); });
+    CompareSnapshots();
     Trigger("Channel...", [this](QWidget& dialog) { GoThroughChannel(dialog); });
     Trigger("Download a log...", [this](QWidget& dialog) { GoThroughDownload(dialog); });
     ShowErrors();
@@ -114,25 +117,27 @@ class CPictures {
   // Does what opens a window, and `look` as soon as the window waits for its user. `look` closes
   // it.
   void Through(const std::function<void()>& open, std::function<void(QWidget&)> look) {
-    QWidget* const before = QApplication::activeModalWidget();
-    auto islooked = std::make_shared<bool>(false);
+    const int before = looks_;
+    Await(std::move(look));
+    open();
+    if (looks_ > before) return;
+    std::fprintf(stderr, "A window did not come up\n");
+    isgood_ = false;
+  }
+
+  // The same for a window that comes up by itself behind the one that waits now.
+  void Await(std::function<void(QWidget&)> look) {
     const auto tick = std::make_shared<std::function<void()>>();
-    *tick = [this, before, islooked, look = std::move(look), again = std::weak_ptr(tick)] {
-      if (*islooked) return;
+    *tick = [this, before = QPointer<QWidget>(QApplication::activeModalWidget()),
+             look = std::move(look), again = std::weak_ptr(tick)] {
       QWidget* const modal = QApplication::activeModalWidget();
       if (modal != nullptr && modal != before && Waits(*modal)) {
-        *islooked = true;
+        ++looks_;
         return look(*modal);
       }
       if (const auto next = again.lock()) QTimer::singleShot(kTick, [next] { (*next)(); });
     };
     QTimer::singleShot(kTick, [tick] { (*tick)(); });
-    open();
-    if (!*islooked) {
-      std::fprintf(stderr, "A window did not come up\n");
-      isgood_ = false;
-      *islooked = true;
-    }
   }
 
   // A window of the library reads the readout first.
@@ -198,6 +203,33 @@ class CPictures {
     user.Escape();
   }
 
+  // A snapshot, and two values changed behind it.
+  void CompareSnapshots() {
+    const QString file = QDir::homePath() + "/bath.json";
+    const auto givefile = [&file](QWidget& dialog) {
+      dialog.findChild<QLineEdit*>()->setText(file);
+      dynamic_cast<QDialog&>(dialog).accept();
+    };
+    Trigger("Save a snapshot...", givefile);
+    std::ifstream saved(FromQt(file));
+    std::string text{std::istreambuf_iterator<char>(saved), {}};
+    for (const auto& [before, behind] :
+         {std::pair<std::string, std::string>{"\"Units\": \"\u00B0C\"", "\"Units\": \"K\""},
+          {"\"Interval\": 2", "\"Interval\": 10"},
+          {"CAP-1881", "CAP-1882"}}) {
+      const std::size_t place = text.find(before);
+      if (place != text.npos) text.replace(place, before.size(), behind);
+    }
+    std::ofstream(FromQt(file)) << text;
+    Trigger("Restore a snapshot...", [&](QWidget& dialog) {
+      Through([&] { givefile(dialog); },
+              [this](QWidget& differences) {
+                Take("restore", differences);
+                differences.close();
+              });
+    });
+  }
+
   void GoThroughDownload(QWidget& dialog) {
     ui::CUser user(*ui::CForm::Active());
     Take("download", dialog);
@@ -223,6 +255,7 @@ class CPictures {
 
   const QString folder_;
   bool isgood_ = true;
+  int looks_ = 0;
   CDesktopHost host_{[](std::int32_t) { return true; }};
   CMainWindow window_{host_};
 };

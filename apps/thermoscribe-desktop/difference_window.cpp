@@ -1,0 +1,104 @@
+#include "apps/thermoscribe-desktop/difference_window.h"
+
+#include <QClipboard>
+#include <QDialog>
+#include <QDialogButtonBox>
+#include <QGuiApplication>
+#include <QHeaderView>
+#include <QLabel>
+#include <QPushButton>
+#include <QShortcut>
+#include <QTableWidget>
+#include <QVBoxLayout>
+
+#include "adapters/qt/qt_text.h"
+#include "apps/snapshots/value_text.h"
+
+namespace vane::desktop {
+namespace {
+
+class CDifferenceWindow final : public QDialog {
+ public:
+  CDifferenceWindow(QWidget* parent, const DifferenceView& view)
+      : QDialog(parent), table_(new QTableWidget(this)) {
+    setObjectName("differences");
+    setWindowTitle(view.title);
+    auto* const layout = new QVBoxLayout(this);
+    auto* const intro = new QLabel(view.intro, this);
+    intro->setTextFormat(Qt::PlainText);
+    intro->setWordWrap(true);
+    intro->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+    layout->addWidget(intro);
+    Fill(view);
+    layout->addWidget(table_, 1);
+    auto* const box = new QDialogButtonBox(this);
+    QPushButton* const close =
+        box->addButton(view.accept.isEmpty() ? QDialogButtonBox::Close : QDialogButtonBox::Cancel);
+    close->setDefault(true);
+    if (!view.accept.isEmpty()) box->addButton(view.accept, QDialogButtonBox::AcceptRole);
+    layout->addWidget(box);
+    connect(box, &QDialogButtonBox::accepted, this, &QDialog::accept);
+    connect(box, &QDialogButtonBox::rejected, this, &QDialog::reject);
+    auto* const copy = new QShortcut(QKeySequence::Copy, table_);
+    connect(copy, &QShortcut::activated, this,
+            [this] { QGuiApplication::clipboard()->setText(Text()); });
+    resize(720, 420);
+  }
+
+ private:
+  void Fill(const DifferenceView& view) {
+    QStringList titles{"Where", view.left, view.right};
+    if (view.note) titles << "Note";
+    table_->setColumnCount(static_cast<int>(titles.size()));
+    table_->setHorizontalHeaderLabels(titles);
+    table_->setRowCount(static_cast<int>(view.rows.size()));
+    int row = 0;
+    for (const thermoscribe::Difference& one : view.rows) {
+      std::vector<std::string> texts{one.place.Text(), thermoscribe::TextOf(one.left),
+                                     thermoscribe::TextOf(one.right)};
+      if (view.note) texts.push_back(view.note(one));
+      for (int column = 0; column < titles.size(); ++column) {
+        auto* const item = new QTableWidgetItem(ToQt(texts[static_cast<std::size_t>(column)]));
+        item->setToolTip(item->text());
+        table_->setItem(row, column, item);
+      }
+      ++row;
+    }
+    table_->setEditTriggers(QAbstractItemView::NoEditTriggers);
+    table_->setSelectionBehavior(QAbstractItemView::SelectRows);
+    table_->setAlternatingRowColors(true);
+    table_->setTabKeyNavigation(false);
+    table_->setShowGrid(false);
+    table_->setSortingEnabled(true);
+    table_->sortByColumn(-1, Qt::AscendingOrder);  // as they come, until the user wants otherwise
+    table_->setAccessibleName("Differences");
+    table_->verticalHeader()->hide();
+    table_->horizontalHeader()->setStretchLastSection(true);
+    table_->horizontalHeader()->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
+    table_->verticalHeader()->setDefaultSectionSize(table_->fontMetrics().height() + 8);
+    table_->resizeColumnsToContents();
+  }
+
+  QString Text() const {
+    QStringList lines;
+    for (int row = -1; row < table_->rowCount(); ++row) {
+      QStringList cells;
+      for (int column = 0; column < table_->columnCount(); ++column) {
+        cells
+            << (row < 0 ? table_->horizontalHeaderItem(column) : table_->item(row, column))->text();
+      }
+      lines << cells.join('\t');
+    }
+    return lines.join('\n') + '\n';
+  }
+
+  QTableWidget* const table_;
+};
+
+}  // namespace
+
+bool ShowDifferences(QWidget* parent, const DifferenceView& view) {
+  return CDifferenceWindow(parent, view).exec() == QDialog::Accepted;
+}
+
+}  // namespace vane::desktop

@@ -1,0 +1,40 @@
+// Snapshots in the desktop program: everything that the readout keeps, saved in a file, compared
+// with one, and restored from one. The files are those of `thermoscribe settings`.
+#pragma once
+
+#include <QString>
+#include <functional>
+
+#include "apps/snapshots/snapshot.h"
+#include "apps/thermoscribe-desktop/desktop_host.h"
+
+class QWidget;
+
+namespace vane::desktop {
+
+class CSnapshotActions {
+ public:
+  /// `owner` stands for `parent`; `told` gets a short notice of what went well. All outlive it.
+  CSnapshotActions(CDesktopHost& host, QWidget& parent, ui::CWindow& owner,
+                   std::function<void(const QString&)> told);
+
+  // Each asks for its files. All but the comparison of two files need a readout.
+
+  void Save();
+  void Compare();
+  void CompareFiles();
+  void Restore();
+
+ private:
+  bool Take(thermoscribe::CAudience& audience, thermoscribe::Snapshot& snapshot);
+  /// False when there is none, which the user knows.
+  bool Read(const QString& path, thermoscribe::Snapshot& snapshot);
+  void RestoreFrom(const QString& path);
+
+  CDesktopHost& host_;
+  QWidget& parent_;
+  ui::CWindow& owner_;
+  const std::function<void(const QString&)> told_;
+};
+
+}  // namespace vane::desktop
