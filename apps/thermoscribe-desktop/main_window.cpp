@@ -6,6 +6,7 @@
 #include <QDateTime>
 #include <QDockWidget>
 #include <QFileDialog>
+#include <QFileInfo>
 #include <QInputDialog>
 #include <QLabel>
 #include <QMenu>
@@ -19,10 +20,12 @@
 #include <QTreeWidget>
 #include <QVBoxLayout>
 #include <algorithm>
-#include <fstream>
+#include <exception>
 #include <map>
+#include <sstream>
 #include <utility>
 
+#include "adapters/files/replacing_file.h"
 #include "adapters/qt/qt_text.h"
 #include "apps/thermoscribe-desktop/connect_dialog.h"
 #include "vane/support/display_texts.h"
@@ -327,8 +330,12 @@ void CMainWindow::ExportPlot() {
   const QString path =
       QFileDialog::getSaveFileName(this, "Export the plot", "plot.png",
                                    "Picture (*.png);;Scalable drawing (*.svg);;Document (*.pdf)");
-  if (path.isEmpty() || plot_->SavePicture(path)) return;
-  QMessageBox::critical(this, "Export the plot", path + " can't be written.");
+  if (path.isEmpty()) return;
+  const QString ending = QFileInfo(path).suffix().toLower();
+  const EPicture form = ending == "svg"   ? EPicture::SVG
+                        : ending == "pdf" ? EPicture::PDF
+                                          : EPicture::PNG;
+  Export("Export the plot", path, plot_->Picture(form).toStdString());
 }
 
 void CMainWindow::ExportReadings() {
@@ -337,10 +344,20 @@ void CMainWindow::ExportReadings() {
   if (path.isEmpty()) return;
   std::map<std::int16_t, std::string> names;
   for (const ChannelRow& row : host_.Channels()) names[row.channel] = row.name;
-  std::ofstream stream(FromQt(path), std::ios::binary | std::ios::trunc);
+  std::ostringstream stream;
   store_.WriteCsv(stream, names, UnitsText);
-  stream.close();
-  if (!stream) QMessageBox::critical(this, "Export the readings", path + " can't be written.");
+  Export("Export the readings", path, stream.str());
+}
+
+void CMainWindow::Export(const QString& title, const QString& path, const std::string& content) {
+  try {
+    CReplacingFile file(FromQt(path));
+    file.Write(content);
+    file.Commit();
+    LogError(path + " was written.");
+  } catch (const std::exception& error) {
+    QMessageBox::critical(this, title, error.what());
+  }
 }
 
 void CMainWindow::ShowReadings() {

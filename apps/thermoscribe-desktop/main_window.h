@@ -67,6 +67,7 @@ class CMainWindow final : public QMainWindow {
   void SwitchReadout(bool on);
   void ExportPlot();
   void ExportReadings();
+  void Export(const QString& title, const QString& path, const std::string& content);
   void ShowReadings();
   void ShowState();
   void PlotSeries();

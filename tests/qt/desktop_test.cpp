@@ -5,6 +5,7 @@
 #include <QAction>
 #include <QApplication>
 #include <QClipboard>
+#include <QFileInfo>
 #include <QImage>
 #include <QProcess>
 #include <QPushButton>
@@ -135,18 +136,13 @@ TEST(Plot, FollowsUntilTheUserMovesItAndIsSavedInEachForm) {
   QTest::keyClick(&plot, Qt::Key_0);
   EXPECT_THAT(told, testing::ElementsAre(false, true, false));
   plot.SetRelative(true);
-  const QTemporaryDir folder;
-  const std::pair<const char*, const char*> forms[] = {
-      {"p.png", "\x89PNG"}, {"p.svg", "<?xml"}, {"p.pdf", "%PDF"}};
-  for (const auto& [name, start] : forms) {
-    const QString path = folder.path() + "/" + name;
-    ASSERT_TRUE(plot.SavePicture(path)) << name;
-    std::ifstream file(FromQt(path), std::ios::binary);
-    std::string text(5, ' ');
-    file.read(text.data(), 5);
-    EXPECT_TRUE(text.starts_with(start)) << name;
+  const std::pair<EPicture, const char*> forms[] = {
+      {EPicture::PNG, "\x89PNG"}, {EPicture::SVG, "<?xml"}, {EPicture::PDF, "%PDF"}};
+  for (const auto& [form, start] : forms) {
+    const QByteArray picture = plot.Picture(form);
+    EXPECT_TRUE(picture.startsWith(start)) << start;
+    EXPECT_GT(picture.size(), 1000) << start;
   }
-  EXPECT_FALSE(plot.SavePicture(folder.path() + "/none/p.png"));
 }
 
 TEST_F(Desktop, AdapterIsKnownAgainAndNoOtherIsTakenForIt) {
@@ -337,6 +333,15 @@ TEST_F(Window, ShowsEachChannelsReadingsAndGoesOnBehindALostLine) {
   EXPECT_TRUE(Tells("clock was set"));
   Trigger("Switch measuring on");
   ASSERT_TRUE(Until([&] { return Count(12) > stopped; }));
+
+  for (const auto& [command, name] :
+       {std::pair{"Export readings...", "r.csv"}, {"Export plot...", "p.svg"}}) {
+    const QString file = folder_.filePath(name);
+    EXPECT_EQ(
+        Through([&] { Trigger(command); }, {[&](QWidget& dialog) { GiveFile(dialog, file); }}), 1U);
+    EXPECT_GT(QFileInfo(file).size(), 500) << name;
+    EXPECT_TRUE(Tells(file + " was written"));
+  }
 
   auto* const banner = window_->findChild<CBanner*>();
   Unplug();

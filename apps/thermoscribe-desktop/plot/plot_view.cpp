@@ -2,10 +2,13 @@
 
 #include <qcustomplot.h>
 
+#include <QBuffer>
 #include <QDateTime>
 #include <QEvent>
 #include <QKeyEvent>
 #include <QMouseEvent>
+#include <QPageSize>
+#include <QPdfWriter>
 #include <QSvgGenerator>
 #include <QVBoxLayout>
 #include <QWheelEvent>
@@ -26,6 +29,7 @@ constexpr double kZoom = 1.25;
 constexpr double kMargin = 0.06;  // of the values' range, above and below
 constexpr std::size_t kMostSmoothPoints = 6000;
 constexpr double kPictureScale = 2;
+constexpr int kPointsOfAnInch = 72;
 constexpr double kPenWidth = 1.6;  // a wider one of many points is drawn slowly
 constexpr double kThinPenWidth = 1;
 
@@ -213,32 +217,49 @@ class CPlotView::CPlot final : public QCustomPlot {
     moment_->setFont(font());
   }
 
-  bool SavePicture(const QString& path) {
+  QByteArray Picture(EPicture form) {
     const bool hascursor = cursor_->visible();
     cursor_->setVisible(false);
     moment_->setVisible(false);
-    bool isdone = false;
-    if (path.endsWith(".pdf", Qt::CaseInsensitive)) {
-      isdone = savePdf(path, width(), height());
-    } else if (path.endsWith(".svg", Qt::CaseInsensitive)) {
-      QSvgGenerator generator;
-      generator.setFileName(path);
-      generator.setSize(size());
-      generator.setViewBox(rect());
-      generator.setTitle("Readings");
-      QCPPainter painter;
-      if (painter.begin(&generator)) {
-        painter.setMode(QCPPainter::pmVectorized);
-        painter.setMode(QCPPainter::pmNoCaching);
-        toPainter(&painter, width(), height());
-        isdone = painter.end();
+    QByteArray bytes;
+    QBuffer buffer(&bytes);
+    buffer.open(QIODevice::WriteOnly);
+    switch (form) {
+      case EPicture::PNG:
+        toPixmap(width(), height(), kPictureScale).save(&buffer, "png");
+        break;
+      case EPicture::SVG: {
+        QSvgGenerator generator;
+        generator.setOutputDevice(&buffer);
+        generator.setSize(size());
+        generator.setViewBox(rect());
+        generator.setTitle("Readings");
+        Draw(generator);
+        break;
       }
-    } else {
-      isdone = savePng(path, width(), height(), kPictureScale);
+      case EPicture::PDF: {
+        QPdfWriter writer(&buffer);
+        writer.setTitle("Readings");
+        writer.setPageSize(QPageSize(QSizeF(size()), QPageSize::Point));
+        writer.setPageMargins({});
+        writer.setResolution(kPointsOfAnInch);
+        Draw(writer);
+        break;
+      }
     }
     cursor_->setVisible(hascursor);
     moment_->setVisible(hascursor);
-    return isdone;
+    return bytes;
+  }
+
+  // As lines and texts, not as a picture.
+  void Draw(QPaintDevice& device) {
+    QCPPainter painter;
+    if (!painter.begin(&device)) return;
+    painter.setMode(QCPPainter::pmVectorized);
+    painter.setMode(QCPPainter::pmNoCaching);
+    toPainter(&painter, width(), height());
+    painter.end();
   }
 
   bool IsFollowing() const { return follows_; }
@@ -437,7 +458,7 @@ void CPlotView::SetSpan(double seconds) { plot_->SetSpan(seconds); }
 void CPlotView::ShowAll() { plot_->ShowAll(); }
 void CPlotView::SetRelative(bool isrelative) { plot_->SetRelative(isrelative); }
 void CPlotView::Refresh() { plot_->Refresh(); }
-bool CPlotView::SavePicture(const QString& path) { return plot_->SavePicture(path); }
+QByteArray CPlotView::Picture(EPicture form) { return plot_->Picture(form); }
 void CPlotView::OnFollowing(std::function<void(bool)> observer) {
   plot_->onfollowing = std::move(observer);
 }

@@ -4,6 +4,7 @@
 // docs/decisions.md).
 #pragma once
 
+#include <QByteArray>
 #include <QColor>
 #include <QString>
 #include <QWidget>
@@ -23,6 +24,8 @@ struct PlottedSeries {
   QColor colour;
   bool visible = true;
 };
+
+enum class EPicture : std::int32_t { PNG, SVG, PDF };
 
 /// The mouse: the wheel zooms the time, with Ctrl the values, dragging moves, a double click shows
 /// all; the pointer is a cursor with the values of all channels. The keys: arrows move, + and -
@@ -51,8 +54,8 @@ class CPlotView final : public QWidget {
   /// Draws what the store has now.
   void Refresh();
 
-  /// By the ending of its name: .png, .svg or .pdf. False when it can't be written.
-  bool SavePicture(const QString& path);
+  /// What is seen, as the content of a file. Empty when it can't be drawn.
+  QByteArray Picture(EPicture form);
 
   /// Hears when the user has ended or started the following.
   void OnFollowing(std::function<void(bool)> observer);
