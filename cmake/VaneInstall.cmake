@@ -4,12 +4,12 @@
 include(CMakePackageConfigHelpers)
 
 # In the order of a static link: what uses another stands before it.
-set(VANE_INSTALLED_LIBRARIES headless serial conversions files terminal posix protocol vane)
+set(VANE_INSTALLED_LIBRARIES headless serial conversions files terminal posix protocol physics vane)
 set(VANE_PACKAGE_FOLDER ${CMAKE_INSTALL_LIBDIR}/cmake/VaneT312B)
 
 list(TRANSFORM VANE_INSTALLED_LIBRARIES PREPEND vane_ OUTPUT_VARIABLE targets)
 install(TARGETS ${targets} EXPORT VaneT312BTargets ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
-foreach(folder IN ITEMS vane protocol adapters)
+foreach(folder IN ITEMS vane protocol physics adapters)
   install(DIRECTORY ${PROJECT_SOURCE_DIR}/${folder}
           DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/VaneT312B
           FILES_MATCHING PATTERN "*.h"

@@ -25,6 +25,7 @@ vane/instrument/* vane/(components|support|channels|topology|instrument)/
 vane/dialogs/* vane/(components|support|channels|topology|instrument|dialogs)/
 vane/download/* vane/
 protocol/* protocol/ vane/components/commands.h
+physics/* physics/
 adapters/posix/* vane/ adapters/posix/
 adapters/serial/* vane/ protocol/ adapters/posix/ adapters/serial/
 adapters/conversions/* vane/ adapters/conversions/
