@@ -19,6 +19,7 @@ struct Side {
   std::int32_t subrange;
   const double* c;
   double aluminium;
+  std::int32_t coefficients = CoefficientsOf(subrange);
 };
 
 // W - Wr by W: a sum of powers of W - 1, and in the low subranges of ln W.
@@ -36,16 +37,17 @@ ValueAndSlope Deviation(const Side& side, double w) {
     slope += 2 * c[1] * x;
   }
   if (side.subrange <= 3) {
-    // The powers begin with 3, 1 and 2.
-    static constexpr int kFirstPower[] = {0, 3, 1, 2};
+    // c1 goes with the third power of ln W, the first and the second.
     const double l = std::log(w);
-    double power = std::pow(l, kFirstPower[side.subrange] - 1);
-    for (std::int32_t i = 2; i < CoefficientsOf(side.subrange); ++i) {
-      const int n = kFirstPower[side.subrange] + i - 2;
-      slope += c[i] * n * power / w;
+    int n = side.subrange == 1 ? 3 : side.subrange == 2 ? 1 : 2;
+    double power = n == 3 ? l * l : n == 2 ? l : 1;
+    double sum = 0;
+    for (std::int32_t i = 2; i < side.coefficients; ++i, ++n) {
+      sum += c[i] * n * power;
       power *= l;
       value += c[i] * power;
     }
+    slope += sum / w;
   }
   if (side.subrange == 6 || side.subrange == 7) {
     value += c[2] * x * x * x;
@@ -121,7 +123,9 @@ double AluminiumRatio(const Its90Record& record) {
 Marked Its90Temperature(const Its90Record& record, double aluminium, double ohms) {
   const double w = ohms / record.rtpw;
   if (!(w > 0)) throw std::domain_error("A resistance of that size has no temperature.");
-  if (record.high != kNoSubrange) {
+  // Far below, the high side has nothing to say where there is a low one.
+  constexpr double kFarBelow = 0.99;
+  if (record.high != kNoSubrange && (w > kFarBelow || record.low == kNoSubrange)) {
     const Side side = HighSide(record, aluminium);
     const double reference = w - Deviation(side, w).value;
     // Where the high side begins; the margin is that of a double's last digits.
