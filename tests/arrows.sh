@@ -34,7 +34,7 @@ adapters/terminal/* vane/ adapters/posix/ adapters/terminal/
 adapters/headless/* vane/ adapters/(posix|serial|conversions|files|headless)/
 adapters/qt/* vane/ adapters/(posix|serial|conversions|files|headless|qt)/
 apps/thermoscribe-desktop/plot/* apps/thermoscribe-desktop/(plot/|reading_store)
-apps/snapshots/* vane/ adapters/(posix|files)/ apps/snapshots/
+apps/snapshots/* vane/ physics/ adapters/(posix|files)/ apps/snapshots/
 simulator/* protocol/ simulator/ vane/components/commands.h
 END
 

@@ -198,6 +198,20 @@ Snapshot SnapshotIn(const Value& file) {
   return snapshot;
 }
 
+// What `read` makes of the file's content.
+template <class Read>
+auto ReadFile(const std::filesystem::path& path, const Patience& patience, Read read) {
+  const std::string text = ReadWholeFile(path, kMostBytes, patience);
+  const std::string name = NameOfInput(path);
+  try {
+    return read(ValueOfJson(text));
+  } catch (const CJsonDamage& error) {
+    throw std::runtime_error(name + " is no JSON that can be read: " + error.what() + ".");
+  } catch (const std::runtime_error& error) {
+    throw std::runtime_error(name + ": " + error.what());
+  }
+}
+
 }  // namespace
 
 std::string SnapshotText(const Snapshot& snapshot) {
@@ -220,15 +234,23 @@ std::string SnapshotText(const Snapshot& snapshot) {
 }
 
 Snapshot ReadSnapshotFile(const std::filesystem::path& path, const Patience& patience) {
-  const std::string text = ReadWholeFile(path, kMostBytes, patience);
-  const std::string name = NameOfInput(path);
-  try {
-    return SnapshotIn(ValueOfJson(text));
-  } catch (const CJsonDamage& error) {
-    throw std::runtime_error(name + " is no JSON that can be read: " + error.what() + ".");
-  } catch (const std::runtime_error& error) {
-    throw std::runtime_error(name + ": " + error.what());
-  }
+  return ReadFile(path, patience, SnapshotIn);
+}
+
+ProbeValues ReadProbeFile(const std::filesystem::path& path, std::int16_t number,
+                          const Patience& patience) {
+  return ReadFile(path, patience, [number](const Value& file) {
+    if (!Has(file, "kind", "proberecord")) {
+      if (number == 0) throw std::runtime_error("it has several probes: name one by --probe");
+      return SnapshotIn(file).probes.at(static_cast<std::size_t>(number - 1));
+    }
+    Members record = *file.If<Members>();
+    const Value* const own = Find(record, "probe");
+    if (own == nullptr || !own->IsWhole()) Damaged("probe", "not the number of a probe");
+    std::erase_if(record,
+                  [](const Member& one) { return one.name == "version" || one.name == "kind"; });
+    return ProbeIn(record, number == 0 ? static_cast<std::int16_t>(own->Number()) : number);
+  });
 }
 
 void WriteSnapshotFile(const std::filesystem::path& path, const Snapshot& snapshot,

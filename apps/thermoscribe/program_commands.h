@@ -13,6 +13,8 @@ Command ChannelsCommand();
 Command MeasureCommand();
 Command ChannelCommand();
 Command ProbeCommand();
+Command ConvertCommand();
+Command TableCommand();
 Command SettingsCommand();
 Command ScanCommand();
 Command ProtectionCommand();
