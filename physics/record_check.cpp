@@ -1,5 +1,6 @@
 #include "physics/record_check.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstddef>
 #include <cstdio>
@@ -80,7 +81,8 @@ void CheckCurve(CFindings& findings, const CSensor& sensor, double rtpw, const S
   constexpr int kPlaces = 200;
   constexpr Limits kSlopes{0.93, 1.03};  // industrial platinum is flatter
   for (int i = 0; i <= kPlaces; ++i) {
-    const double kelvin = span.lowest + (span.highest - span.lowest) * i / kPlaces;
+    const double kelvin =
+        std::min(span.lowest + (span.highest - span.lowest) * i / kPlaces, span.highest);
     const double share = sensor.Slope(kelvin) / (rtpw * ReferenceSlope(kelvin));
     // Towards hydrogen the curves of real thermometers part by far more.
     if (kelvin < 54 ? share > 0.5 && share < 3 : kSlopes.Has(share)) continue;

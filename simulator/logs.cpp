@@ -16,7 +16,7 @@ constexpr std::int32_t kReadingsPerUnit = 60;
 std::string LogLine(ELog log, std::int32_t index, std::uint64_t seed) {
   if (index > (log == ELog::HISTORY ? kHistoryLength : kMemoryLength)) return {};
   const std::int32_t channel = log == ELog::HISTORY ? 1 : 2;
-  const double celsius = BathTemperature(seed, channel, index);
+  const double celsius = BathTemperature(Bath{}, seed, channel, index);
   double value = celsius;
   std::string unit = "C";
   if (log == ELog::MEMORY) {

@@ -13,9 +13,7 @@ namespace {
 constexpr std::array kLevels = {24.95, 0.01, 10.0, 15.0, 20.0, 25.0,
                                 30.0,  37.0, 50.0, 60.0, 70.0, 85.0};
 
-constexpr double kDrift = 0.004;         // °C, amplitude
 constexpr double kDriftSamples = 900.0;  // of one full wave
-constexpr double kNoise = 0.0003;        // °C, standard deviation
 
 // Keys that keep the two uses of chance apart.
 constexpr std::uint64_t kPhaseKey = 1;
@@ -39,7 +37,8 @@ double ThermistorRatio(double t) {
 
 }  // namespace
 
-double BathTemperature(std::uint64_t seed, std::int32_t channel, std::int64_t sample) {
+double BathTemperature(const Bath& bath, std::uint64_t seed, std::int32_t channel,
+                       std::int64_t sample) {
   const auto channelkey = static_cast<std::uint64_t>(channel);
   const auto samplekey = static_cast<std::uint64_t>(sample);
   const double phase = ScatterUnit({seed, kPhaseKey, channelkey});
@@ -50,8 +49,13 @@ double BathTemperature(std::uint64_t seed, std::int32_t channel, std::int64_t sa
   for (std::uint64_t i = 0; i < 4; ++i) {
     sum += ScatterUnit({seed, kNoiseKey, channelkey, samplekey, i});
   }
-  const double level = kLevels.at(static_cast<std::size_t>(channel - 1));
-  return level + kDrift * wave + kNoise * std::numbers::sqrt3 * sum;
+  const auto own = bath.levels.find(channel);
+  double level =
+      own != bath.levels.end() ? own->second : kLevels.at(static_cast<std::size_t>(channel - 1));
+  for (const auto& [from, kelvins] : bath.steps) {
+    if (sample >= from) level += kelvins;
+  }
+  return level + bath.drift * wave + bath.noise * std::numbers::sqrt3 * sum;
 }
 
 double SensorResistance(const Sensor& sensor, double celsius) {

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <fstream>
 #include <functional>
+#include <limits>
 #include <stdexcept>
 
 #include "protocol/command_table.h"
@@ -61,6 +62,18 @@ std::string FirstLine(const std::string& path) {
   return line;
 }
 
+// "3=100"
+std::pair<std::int64_t, double> WholeAndReal(const char* option, const std::string& text,
+                                             std::int64_t least, std::int64_t most) {
+  const std::size_t place = text.find('=');
+  if (place != text.npos) {
+    const auto number = ParseWhole(text.substr(0, place));
+    const auto value = ParseReal(text.substr(place + 1));
+    if (number && value && *number >= least && *number <= most) return {*number, *value};
+  }
+  throw std::invalid_argument(std::string(option) + ": \"" + text + "\" is no NUMBER=VALUE");
+}
+
 // CLI11 reads a text and an argument vector by different overloads; all else is the same.
 Options Parse(const std::function<void(CLI::App&)>& parse) {
   Options options;
@@ -108,6 +121,27 @@ Options Parse(const std::function<void(CLI::App&)>& parse) {
   app.add_option("--seed", options.readout.seed, "start of all chance: readings, logs, faults")
       ->type_name("N")
       ->capture_default_str();
+  std::vector<std::string> levels;
+  app.add_option("--bath", levels,
+                 "temperatures of channels in C, such as 3=100,4=-38.8;\n"
+                 "the others have what they come with")
+      ->delimiter(',')
+      ->type_name("CH=C,...");
+  app.add_option("--drift", options.readout.bath.drift,
+                 "amplitude of a slow wave of each bath, in K")
+      ->check(CLI::Range(0.0, 1000.0).description(""))
+      ->type_name("K")
+      ->capture_default_str();
+  app.add_option("--noise", options.readout.bath.noise, "standard deviation of a reading, in K")
+      ->check(CLI::Range(0.0, 1000.0).description(""))
+      ->type_name("K")
+      ->capture_default_str();
+  std::vector<std::string> steps;
+  app.add_option("--step", steps,
+                 "steps of all baths from a sample on, such as\n"
+                 "100=0.5,200=-0.5 in K")
+      ->delimiter(',')
+      ->type_name("N=K,...");
   app.add_option("--baud", options.baud, "pace the answers as a line of N bit/s would; 0 doesn't")
       ->check(CLI::Range(0, 4000000).description(""))
       ->type_name("N")
@@ -138,6 +172,14 @@ Options Parse(const std::function<void(CLI::App&)>& parse) {
   if (!protocol::FitsForm(protocol::kPasscodeForm, options.readout.passcode)) {
     throw std::invalid_argument("the passcode must be " +
                                 protocol::FormText(protocol::kPasscodeForm));
+  }
+  for (const std::string& level : levels) {
+    const auto [channel, celsius] = WholeAndReal("--bath", level, 1, 12);
+    options.readout.bath.levels[static_cast<std::int32_t>(channel)] = celsius;
+  }
+  for (const std::string& step : steps) {
+    options.readout.bath.steps.push_back(
+        WholeAndReal("--step", step, 0, std::numeric_limits<std::int64_t>::max()));
   }
   for (const std::string& fault : faults) options.faults.push_back(ParseFaultRule(fault));
   const auto has = [&groups](const char* group) {

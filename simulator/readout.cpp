@@ -7,6 +7,7 @@
 #include "simulator/clock_parser.h"
 #include "simulator/probe_settings.h"
 #include "simulator/readout_numbers.h"
+#include "simulator/sensor_model.h"
 
 namespace vane::simulator {
 namespace {
@@ -207,31 +208,42 @@ CReply CReadout::WriteTime(const CommandParams& fields) {
   return CReply::Done();
 }
 
+// As on a bench: a bath has its temperature, the thermometer in it a resistance, the readout a
+// ratio to its reference resistor, and everything shown comes from that by the numbers that it
+// holds.
 CReply CReadout::Reading(std::int32_t channel) {
   lastfetched_ = Sample();
   const auto place = static_cast<std::size_t>(channel - 1);
-  const Probe& probe = probes_[static_cast<std::size_t>(probeofchannel_[place] - 1)];
-  const double celsius = BathTemperature(options_.seed, channel, lastfetched_);
-  const double ohms = SensorResistance(probe.sensor, celsius);
-  double value = celsius;
+  const auto number = static_cast<std::size_t>(probeofchannel_[place] - 1);
+  const Probe& probe = probes_[number];
+  const Probe& works = works_[number];
+  const double bath = BathTemperature(options_.bath, options_.seed, channel, lastfetched_);
+  const double truereference = worksettings_.ReferenceOhms(probe.reference);
+  const double ratio = (TrueResistance(works, bath) + works.numbers[NUMBER_OFFSET]) / truereference;
+  const double ohms =
+      ratio * settings_.ReferenceOhms(probe.reference) - probe.numbers[NUMBER_OFFSET];
+  double value = 0;
   switch (settings_.Units()) {
     case EUnits::CELSIUS:
-      break;
     case EUnits::FAHRENHEIT:
-      value = celsius * 1.8 + 32;
+    case EUnits::KELVIN: {
+      // A resistor has none; what stands for it follows its bath.
+      const bool isthermometer = RecordOf(probe).has_value();
+      const auto celsius = isthermometer ? TemperatureBy(probe, ohms) : bath;
+      if (!celsius) return ERefusal::OUT_OF_RANGE;
+      value = settings_.Units() == EUnits::CELSIUS      ? *celsius
+              : settings_.Units() == EUnits::FAHRENHEIT ? *celsius * 1.8 + 32
+                                                        : *celsius + 273.15;
       break;
-    case EUnits::KELVIN:
-      value = celsius + 273.15;
-      break;
+    }
     case EUnits::OHMS:
       value = ohms;
       break;
     case EUnits::RATIO:
-      value = ohms / settings_.ReferenceOhms(probe.reference);
+      value = ratio;
       break;
     case EUnits::W:
-      constexpr double kTriplePoint = 0.01;
-      value = ohms / SensorResistance(probe.sensor, kTriplePoint);
+      value = ohms / BaseOfW(probe, works);
       break;
   }
   return FixedText(value, settings_.ReadingDigits());

@@ -29,6 +29,7 @@ struct ReadoutOptions {
   std::string firmware = "5.03";
   bool scanner = true;
   std::uint64_t seed = 1;
+  Bath bath = {};
   std::string passcode = "1234";
   bool protectconversion = false;
   bool protectcalibration = false;
@@ -99,6 +100,9 @@ class CReadout {
   const Clock clock_;
   CInstrumentSettings settings_;
   std::array<Probe, kProbeCount> probes_ = MakeProbes();
+  // What the thermometers and reference resistors truly are, whatever anybody writes.
+  const std::array<Probe, kProbeCount> works_ = MakeProbes();
+  const CInstrumentSettings worksettings_;
   std::array<std::int32_t, kInputs + kScannerChannels> probeofchannel_;
   std::vector<std::optional<std::int32_t>> scansteps_;
 

@@ -35,7 +35,7 @@ adapters/headless/* vane/ adapters/(posix|serial|conversions|files|headless)/
 adapters/qt/* vane/ adapters/(posix|serial|conversions|files|headless|qt)/
 apps/thermoscribe-desktop/plot/* apps/thermoscribe-desktop/(plot/|reading_store)
 apps/snapshots/* vane/ physics/ adapters/(posix|files)/ apps/snapshots/
-simulator/* protocol/ simulator/ vane/components/commands.h
+simulator/* protocol/ physics/ simulator/ vane/components/commands.h
 END
 
 twins=$(find . -path ./build -prune -o \( -name '*.h' -o -name '*.cpp' \) -not -name main.cpp \

@@ -4,7 +4,9 @@
 #include <sys/ioctl.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <chrono>
+#include <cmath>
 #include <filesystem>
 #include <fstream>
 #include <map>
@@ -14,7 +16,8 @@
 #include <thread>
 #include <vector>
 
-#include "gtest/gtest.h"
+#include "gmock/gmock.h"
+#include "physics/sensor.h"
 #include "protocol/command_table.h"
 #include "protocol/framing.h"
 #include "simulator/answer_queue.h"
@@ -22,6 +25,7 @@
 #include "simulator/line_server.h"
 #include "simulator/options.h"
 #include "simulator/readout.h"
+#include "simulator/sensor_model.h"
 #include "tests/support/host_machine.h"
 
 namespace vane::simulator {
@@ -245,10 +249,11 @@ TEST(Readout, NewDataComesWithTheIntervalWhileMeasuring) {
 TEST(Readout, ReadingsFollowTheUnitsAndTheResolution) {
   Moment now{};
   CReadout readout({}, [&now] { return now; });
-  // Input 2 stands at the triple point of water, with the 2.5 ohm probe; 10 ohm is the reference.
+  // Input 2 stands at the triple point of water, with the 2.5 ohm probe; 10 ohm is the reference,
+  // and truly 10.000123.
   const std::vector<std::tuple<std::string, double, double>> cases = {
-      {"C", 0.01, 0.01},   {"F", 32.018, 0.02},  {"K", 273.16, 0.01},
-      {"O", 2.5001, 2e-4}, {"R", 0.25001, 2e-5}, {"W", 1, 1e-4}};
+      {"C", 0.01, 0.01},    {"F", 32.018, 0.02},   {"K", 273.16, 0.01},
+      {"O", 2.53189, 1e-4}, {"R", 0.253186, 1e-5}, {"W", 1, 1e-4}};
   for (const auto& [code, value, tolerance] : cases) {
     Ask(readout, "UNITS " + code);
     EXPECT_NEAR(std::stod(Ask(readout, "MEASURE 2?").substr(1)), value, tolerance) << code;
@@ -257,6 +262,66 @@ TEST(Readout, ReadingsFollowTheUnitsAndTheResolution) {
   EXPECT_EQ(Ask(readout, "MEASURE 2?").size(), 3u + 7u);
   Ask(readout, "RESOLUTION:RATIO 0");
   EXPECT_EQ(Ask(readout, "MEASURE 2?"), "=1");
+}
+
+// As on a bench: what is written into the readout moves its readings, and nothing in the bath.
+TEST(Readout, ReadingsComeFromTheNumbersThatItHolds) {
+  Moment now{};
+  ReadoutOptions options;
+  options.bath = {.levels = {{3, 100}}, .drift = 0, .noise = 0, .steps = {{2, 0.5}}};
+  CReadout readout(options, [&now] { return now; });
+  const auto reading = [&](const std::string& units) {
+    Ask(readout, "UNITS " + units);
+    return std::stod(Ask(readout, "SCANNER:MEASURE 1?").substr(1));
+  };
+  EXPECT_EQ(reading("C"), 100);
+  EXPECT_NEAR(reading("K"), 373.15, 1e-9);
+  const double ohms = reading("O");
+  const double ratio = reading("R");
+  EXPECT_NEAR(reading("W") * 25.4786312, ohms, 1e-5);
+  // RTPW 1e-5 larger: colder by that part of R / (dR/dT). The resistance stays.
+  Ask(readout, "PROBE 3:ITS90:RTPW 25.478886");
+  EXPECT_NEAR(reading("C"), 100 - 1e-5 * 35.4835 / 0.0985318, 2e-4);
+  EXPECT_EQ(reading("O"), ohms);
+  // A larger reference resistor is a larger resistance for the same ratio.
+  Ask(readout, "CAL:PARAM 3 100.998697");
+  EXPECT_NEAR(reading("O") / ohms, 1.01, 2e-5);
+  EXPECT_EQ(reading("R"), ratio);
+  now += 4s;
+  EXPECT_NEAR(reading("R") / ratio, 1 + 0.5 * 0.0985318 / 35.4835, 1e-6);
+}
+
+// What a wrong digit costs somewhere in the range of the probe: more than the last digit of a
+// reading, or it can't be seen in one.
+TEST(SensorModel, AWrongDigitInANumberOfARecordShows) {
+  std::vector<std::string> unseen;
+  for (const Probe& probe : MakeProbes()) {
+    const auto record = RecordOf(probe);
+    if (!record) continue;
+    const physics::CSensor sensor(*record);
+    physics::Record changed = *record;
+    for (const auto& [name, number] : physics::ParametersOf(changed)) {
+      if (*number == 0) continue;
+      const double whole = *number;
+      *number += std::pow(10, std::floor(std::log10(std::abs(whole))));  // its first digit
+      double most = 0;
+      for (double kelvin = 14; kelvin < 1235; kelvin += 1) {
+        try {
+          const physics::Marked ohms = sensor.Resistance(kelvin);
+          if (ohms.Has(physics::EMark::EXTRAPOLATED)) continue;
+          if (ohms.Has(physics::EMark::UNBOUNDED) && (kelvin < 250 || kelvin > 500)) continue;
+          const double off = physics::CSensor(changed).Temperature(ohms.value).value - kelvin;
+          most = std::max(most, std::abs(off));
+        } catch (const std::exception&) {
+          continue;  // beyond its curve
+        }
+      }
+      *number = whole;
+      if (most < 1e-4) unseen.push_back(probe.serial + " " + name);
+    }
+  }
+  // Over its short range that one moves no reading by more than 0.06 mK.
+  EXPECT_THAT(unseen, testing::ElementsAre("RT-0077 b5"));
 }
 
 TEST(Readout, ClockTakesBothHourForms) {

@@ -115,9 +115,11 @@ class CConverter {
           Fixed(FromKelvin(kelvin.value, unit), kTemperatureDigits), " " + UnitText(unit));
     }
     add("  dR/dT", Significant(slope, 7), " Ohm/K");
+    Value uncertainty;
+    Value contributions;
     if (hasuncertainty_) {
       const physics::Budget budget = sensor_.UncertaintyAt(ohms.value, given_);
-      members.push_back({"uncertainty", budget.kelvins});
+      uncertainty = budget.kelvins;
       add("  Uncertainty", Significant(budget.kelvins, 3), " K");
       List parts;
       for (const auto& [name, sensitivity, kelvins] : budget.contributions) {
@@ -126,8 +128,10 @@ class CConverter {
             Members{{"name", name}, {"sensitivity", sensitivity}, {"kelvins", kelvins}});
         add("", Significant(kelvins, 3) + " K of " + name, "");
       }
-      members.push_back({"contributions", std::move(parts)});
+      contributions = std::move(parts);
     }
+    members.push_back({"uncertainty", std::move(uncertainty)});
+    members.push_back({"contributions", std::move(contributions)});
     const Value note = NoteOf(kelvin.marks);
     members.push_back({"note", note});
     if (!note.IsNone()) add("  Note", note.Text(), "");

@@ -15,6 +15,7 @@ Command ChannelCommand();
 Command ProbeCommand();
 Command ConvertCommand();
 Command TableCommand();
+Command VerifyCommand();
 Command SettingsCommand();
 Command ScanCommand();
 Command ProtectionCommand();

@@ -133,7 +133,7 @@ class CTable {
     try {
       const physics::Marked ohms = sensor_.Resistance(kelvin);
       TableRow row{temperature, ohms.value, sensor_.Slope(kelvin), {}, NoteOf(ohms.marks)};
-      if (!options_.source.uncertainty.empty()) {
+      if (HasUncertainty()) {
         row.uncertainty = sensor_.UncertaintyAt(ohms.value, given_).kelvins;
       }
       rows_.push_back(std::move(row));
@@ -151,10 +151,14 @@ class CTable {
     return unit_ == ETemperatureUnit::FAHRENHEIT ? kelvins * 1.8 : kelvins;
   }
 
+  bool HasUncertainty() const { return !options_.source.uncertainty.empty(); }
+
   std::vector<TableColumn> Columns() const {
     std::vector<TableColumn> columns{
         {"temperature", "Temperature"}, {"ohms", "Ohm"}, {"slope", "dR/dT"}};
-    if (!options_.source.uncertainty.empty()) columns.push_back({"uncertainty", "Uncertainty"});
+    if (HasUncertainty() || host_.Output().IsJson()) {
+      columns.push_back({"uncertainty", "Uncertainty"});
+    }
     columns.push_back({"note", "Note"});
     return columns;
   }
@@ -166,7 +170,7 @@ class CTable {
       Row row;
       if (isjson) {
         row = {one.temperature, one.ohms, PerUnit(one.slope)};
-        if (one.uncertainty) row.emplace_back(InUnit(*one.uncertainty));
+        row.push_back(one.uncertainty ? Value(InUnit(*one.uncertainty)) : Value());
       } else {
         row = {TextOf(one.temperature, UnitText(unit_)), Fixed(one.ohms, digits_),
                Fixed(PerUnit(one.slope), digits_ + 2)};
@@ -213,8 +217,7 @@ class CTable {
     page += "<h1>Resistance of the thermometer " + Escaped(serial) + "</h1>\n<dl>\n" + facts +
             "</dl>\n<table>\n<thead><tr><th>Temperature / " + UnitText(unit_) +
             "</th><th>Resistance / \u03A9</th><th>dR/dT / \u03A9 per " + UnitText(unit_) + "</th>";
-    const bool hasuncertainty = !options_.source.uncertainty.empty();
-    if (hasuncertainty) page += "<th>Standard uncertainty / " + UnitText(unit_) + "</th>";
+    if (HasUncertainty()) page += "<th>Standard uncertainty / " + UnitText(unit_) + "</th>";
     page += "</tr></thead>\n<tbody>\n";
     std::vector<std::string> notes;
     for (const TableRow& one : rows_) {
