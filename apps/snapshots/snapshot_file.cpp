@@ -247,9 +247,10 @@ ProbeValues ReadProbeFile(const std::filesystem::path& path, std::int16_t number
     Members record = *file.If<Members>();
     const Value* const own = Find(record, "probe");
     if (own == nullptr || !own->IsWhole()) Damaged("probe", "not the number of a probe");
+    const auto ownnumber = static_cast<std::int16_t>(own->Number());
     std::erase_if(record,
                   [](const Member& one) { return one.name == "version" || one.name == "kind"; });
-    return ProbeIn(record, number == 0 ? static_cast<std::int16_t>(own->Number()) : number);
+    return ProbeIn(record, number == 0 ? ownnumber : number);
   });
 }
 
