@@ -84,6 +84,14 @@ std::vector<Parameter> ParametersOf(Record& record) {
   return list;
 }
 
+double BaseOfW(const Record& record) {
+  if (const auto* const its90 = std::get_if<Its90Record>(&record)) return its90->rtpw;
+  if (const auto* const wt90 = std::get_if<Wt90Record>(&record)) return wt90->rtpw;
+  if (const auto* const ipts68 = std::get_if<Ipts68Record>(&record)) return ipts68->r0;
+  if (const auto* const cvd = std::get_if<CvdRecord>(&record)) return cvd->r0;
+  return 0;
+}
+
 Span SpanOf(std::int32_t subrange) {
   const SubrangeRow& row = RowOf(subrange);
   return {row.lowest, row.highest};

@@ -79,6 +79,9 @@ struct Parameter {
 /// the subranges have.
 std::vector<Parameter> ParametersOf(Record& record);
 
+/// The resistance that the ratio W counts from: RTPW, or R0; 0 where a conversion has none.
+double BaseOfW(const Record& record);
+
 /// Limits of a subrange.
 struct Span {
   double lowest;  ///< K

@@ -91,17 +91,9 @@ std::optional<double> TemperatureBy(const Probe& probe, double ohms) {
 }
 
 double BaseOfW(const Probe& probe, const Probe& works) {
-  switch (probe.conversion) {
-    case CONV_ITS90:
-    case CONV_WT90:
-      return probe.numbers[NUMBER_RTPW];
-    case CONV_IPTS68:
-      return probe.numbers[NUMBER_IPTS68];
-    case CONV_CVD:
-      return probe.numbers[NUMBER_CVD];
-    default:
-      return TrueResistance(works, kTriplePoint);
-  }
+  const auto record = RecordOf(probe);
+  const double base = record ? physics::BaseOfW(*record) : 0;
+  return base != 0 ? base : TrueResistance(works, kTriplePoint);
 }
 
 }  // namespace vane::simulator

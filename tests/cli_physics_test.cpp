@@ -16,7 +16,6 @@ namespace {
 
 using testing::HasSubstr;
 using testing::Not;
-using testing::StartsWith;
 
 Outcome InShell(const std::string& script) {
   setenv("T", THERMOSCRIBE_PATH, 1);
@@ -27,7 +26,7 @@ class CliPhysics : public Cli {
  protected:
   // A snapshot of the simulated readout, and one with `from` replaced in it.
   std::string Saved() {
-    const std::string path = folder_ / "bath.json";
+    std::string path = folder_ / "bath.json";
     EXPECT_EQ(InShell("$T --simulate settings save " + path).exitcode, 0);
     return path;
   }
@@ -36,7 +35,7 @@ class CliPhysics : public Cli {
     const std::size_t place = text.find(from);
     EXPECT_NE(place, text.npos) << from;
     text.replace(place, from.size(), to);
-    const std::string changed = folder_ / "changed.json";
+    std::string changed = folder_ / "changed.json";
     std::ofstream(changed) << text;
     return changed;
   }
@@ -130,8 +129,12 @@ TEST_F(CliPhysics, VerifyAgreesPutsTheUnitsBackAndFindsAWrongDigit) {
   EXPECT_EQ(records.exitcode, 10);
   EXPECT_THAT(records.out, HasSubstr("SP-NEW"));
   EXPECT_THAT(records.out, Not(HasSubstr("CAP-1881")));
-  const Outcome odd = InShell("$T verify " + Changed(file, "1.4987", "0.14987"));
-  EXPECT_THAT(odd.out, HasSubstr("delta is 0.14987"));
+  const std::string changed = Changed(file, "1.4987", "0.14987");
+  EXPECT_THAT(InShell("$T verify " + changed).out, HasSubstr("delta is 0.14987"));
+  // Told, and written all the same.
+  const Outcome restored = InShell("$T --simulate settings restore --yes " + changed);
+  EXPECT_EQ(restored.exitcode, 0);
+  EXPECT_THAT(restored.err, HasSubstr("Odd, probe 10: delta is 0.14987"));
 }
 
 }  // namespace

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "apps/snapshots/json_text.h"
+#include "apps/snapshots/probe_sensor.h"
 #include "apps/snapshots/property_write.h"
 #include "apps/snapshots/value_check.h"
 #include "apps/snapshots/value_text.h"
@@ -53,6 +54,21 @@ std::string CRestore::Problem() const {
            ExpectedText(row->rule) + ".";
   }
   return {};
+}
+
+std::vector<std::string> CRestore::OddThings() const {
+  std::vector<std::string> texts;
+  for (std::size_t i = 0; i < file_.probes.size(); ++i) {
+    const auto number = static_cast<std::int16_t>(i + 1);
+    const bool converts = std::ranges::any_of(wanted_, [&](const Difference& one) {
+      return one.place.IsIn(PROBE, number) && one.place.IsConversion();
+    });
+    if (!converts) continue;
+    for (const std::string& text : OddThingsAbout(file_.probes[i])) {
+      texts.push_back("probe " + std::to_string(number) + ": " + text);
+    }
+  }
+  return texts;
 }
 
 bool CRestore::MissesScanner() const {

@@ -50,6 +50,10 @@ class CRestore {
   /// Why the readout can't have a value of the file; empty where it can.
   std::string WhyImpossible(const Difference& difference) const;
 
+  /// What is odd about the probes' records that are written with another conversion than the
+  /// readout has, as sentences for the user: a warning, and no reason not to write them.
+  std::vector<std::string> OddThings() const;
+
   /// Whether the file has a scanner's settings, and no scanner is attached.
   bool MissesScanner() const;
 

@@ -26,6 +26,7 @@ enum EColumn : int {
   PROBE,
   READING,
   UNIT,
+  COMPUTED,
   TIME,
   STATE,
   COUNT,
@@ -36,11 +37,12 @@ enum EColumn : int {
   COLUMNS
 };
 
-constexpr const char* kTitles[COLUMNS] = {"Channel",  "Name",    "Probe", "Reading",
-                                          "Unit",     "Time",    "State", "Readings",
-                                          "Smallest", "Largest", "Mean",  "Std. deviation"};
+constexpr const char* kTitles[COLUMNS] = {
+    "Channel", "Name",     "Probe",    "Reading", "Unit", "Computed \u00B0C", "Time",
+    "State",   "Readings", "Smallest", "Largest", "Mean", "Std. deviation"};
 // Of sums, behind those of the reading.
 constexpr int kMoreDecimals = 2;
+constexpr int kComputedDecimals = 4;
 
 QString Number(double value, int decimals) {
   return std::isnan(value) ? QString("-") : ToQt(NumberText(value, decimals));
@@ -57,8 +59,8 @@ class CRoomyCells final : public QStyledItemDelegate {
 };
 
 bool IsNumber(int column) {
-  return column == READING || column == COUNT || column >= SMALLEST || column == CHANNEL ||
-         column == PROBE;
+  return column == READING || column == COMPUTED || column == COUNT || column >= SMALLEST ||
+         column == CHANNEL || column == PROBE;
 }
 
 }  // namespace
@@ -130,6 +132,7 @@ void CChannelTable::SetChannels(const std::vector<ChannelRow>& channels) {
 void CChannelTable::Show(const CReadingStore& store, const CMeasuring& measuring) {
   const QSignalBlocker silence(this);
   const QString unit = ToQt(UnitsText(static_cast<std::int16_t>(measuring.Units())));
+  setColumnHidden(COMPUTED, measuring.IsTemperature());
   const bool islost = measuring.State() == CMeasuring::EState::LOST;
   for (int row = 0; row < rowCount(); ++row) {
     const std::int16_t channel = channels_[static_cast<std::size_t>(row)];
@@ -148,6 +151,7 @@ void CChannelTable::Show(const CReadingStore& store, const CMeasuring& measuring
         ->setForeground(
             palette().brush(holds ? QPalette::Active : QPalette::Disabled, QPalette::Text));
     SetText(row, UNIT, unit);
+    SetText(row, COMPUTED, latest.celsius ? Number(*latest.celsius, kComputedDecimals) : "-");
     SetText(row, TIME,
             sums.lasttime == TimePoint{}
                 ? "-"

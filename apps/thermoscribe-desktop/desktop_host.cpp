@@ -12,6 +12,7 @@
 
 #include "adapters/qt/qt_text.h"
 #include "adapters/serial/baud_rates.h"
+#include "apps/snapshots/probe_sensor.h"
 #include "simulator/line_server.h"
 #include "vane/channels/channel.h"
 #include "vane/channels/module.h"
@@ -23,6 +24,7 @@ namespace vane::desktop {
 namespace {
 
 constexpr char kSubkey[] = "Desktop";
+constexpr double kIcePoint = 273.15;  // K
 constexpr std::size_t kMostWaitingLines = 10'000;
 
 EVaneBaudRate BaudOf(const std::string& bits) {
@@ -198,6 +200,7 @@ void CDesktopHost::Disconnect() {
   instrument_.reset();
   simulated_.reset();
   channels_.clear();
+  thermometers_.clear();
 }
 
 std::string CDesktopHost::ModuleText(std::int16_t idx) const {
@@ -218,7 +221,41 @@ bool CDesktopHost::ReadChannels() {
     }
   }
   channels_ = std::move(rows);
+  thermometers_.clear();
   return true;
+}
+
+void CDesktopHost::ReadThermometer(std::int16_t channel) {
+  CVaneT312BPRTTHRMChannel* const object = instrument_->GetChannelReference(channel);
+  if (object == nullptr || !object->QueryInfo(nullptr)) return;
+  Thermometer thermometer{{}, 0, 0};
+  const ET312BProbeRefResistor reference = object->ProbeRefResistor();
+  if (reference != ET312BProbeRefResistor::PRR_NONE) {
+    thermometer.reference =
+        instrument_->CalParams(ET312BCalParams{static_cast<std::int32_t>(reference)});
+  }
+  try {
+    const physics::Record record =
+        thermoscribe::PhysicsRecordOf(thermoscribe::ProbeRecord(*object));
+    thermometer.sensor.emplace(record);
+    thermometer.base = physics::BaseOfW(record);
+  } catch (const std::invalid_argument&) {
+    // A resistor, or a probe that isn't calibrated.
+  }
+  thermometers_.insert_or_assign(channel, std::move(thermometer));
+}
+
+std::optional<double> CDesktopHost::CelsiusOf(std::int16_t channel, double reading) const {
+  const auto found = thermometers_.find(channel);
+  if (found == thermometers_.end() || !found->second.sensor) return std::nullopt;
+  double ohms = reading;
+  if (instrument_->Units() == ET312BUnits::UNITS_RATIO) ohms *= found->second.reference;
+  if (instrument_->Units() == ET312BUnits::UNITS_W) ohms *= found->second.base;
+  try {
+    return found->second.sensor->Temperature(ohms).value - kIcePoint;
+  } catch (const std::domain_error&) {
+    return std::nullopt;
+  }
 }
 
 void CDesktopHost::Run(const std::string& action, const std::function<void()>& body) {

@@ -5,6 +5,7 @@
 #include <chrono>
 #include <cstdint>
 #include <functional>
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
@@ -14,6 +15,7 @@
 #include "adapters/serial/serial_communications.h"
 #include "adapters/serial/serial_ports.h"
 #include "apps/thermoscribe-desktop/desktop_components.h"
+#include "physics/sensor.h"
 #include "vane/components/components.h"
 #include "vane/components/ui.h"
 #include "vane/instrument/t312b.h"
@@ -87,8 +89,15 @@ class CDesktopHost {
   const std::vector<ChannelRow>& Channels() const { return channels_; }
   /// "T312B, 2 channels".
   std::string ModuleText(std::int16_t idx) const;
-  /// Reads anew which channels are in use and with which probe.
+  /// Reads anew which channels are in use and with which probe, and forgets their thermometers.
   bool ReadChannels();
+
+  /// Reads the record of the channel's probe, for `CelsiusOf`. Raises what the line raises.
+  void ReadThermometer(std::int16_t channel);
+  bool KnowsThermometer(std::int16_t channel) const { return thermometers_.contains(channel); }
+  /// What a reading in ohms, of the ratio or of W means in °C by the record of the channel's probe,
+  /// computed here; nothing for one that gives no temperature.
+  std::optional<double> CelsiusOf(std::int16_t channel, double reading) const;
 
   /// Runs something of the library that has the line for itself, and shows what it raises.
   /// `action` completes "An error occurred while". Nothing when the line is busy.
@@ -122,6 +131,11 @@ class CDesktopHost {
 
  private:
   class CTrace;
+  struct Thermometer {
+    std::optional<physics::CSensor> sensor;
+    double reference;  // ohms of its reference resistor
+    double base;       // ohms that W counts from; 0: there are none
+  };
 
   std::function<void(const std::string&)> trouble_;
   CDesktopPlatform platform_;
@@ -135,6 +149,7 @@ class CDesktopHost {
   Connection connection_;
   std::string identification_;
   std::vector<ChannelRow> channels_;
+  std::map<std::int16_t, Thermometer> thermometers_;
   bool busy_ = false;
 };
 

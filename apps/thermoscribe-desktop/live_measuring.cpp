@@ -149,6 +149,16 @@ void CMeasuring::CheckUnits() {
     timer_.start(0);
     return;
   }
+  // Behind a change of units or probes, once.
+  for (const Watched& watched : watched_) {
+    if (IsTemperature() || host_.KnowsThermometer(watched.channel)) continue;
+    host_.Exchange([&] { host_.ReadThermometer(watched.channel); });
+    if (host_.LastFailure().number != 0) return Lose(host_.LastFailure().description);
+    if (host_.KnowsThermometer(watched.channel)) {
+      timer_.start(0);  // the next one behind what the user wants meanwhile
+      return;
+    }
+  }
   for (const Taken& reading : taken_) File(reading);
   taken_.clear();
   hassample_ = false;
@@ -166,9 +176,16 @@ void CMeasuring::File(const Taken& reading) {
                                     (round > 0 && sample_ - watched.sample >= round));
   watched.latest.isnew = isnew;
   watched.latest.text = reading.text;
+  watched.latest.celsius =
+      IsTemperature() ? std::nullopt : host_.CelsiusOf(watched.channel, reading.value);
   if (!isnew) return;
   watched.sample = sample_;
   store_.Add(SeriesOf(watched.channel), reading.time, reading.value, DecimalsOf(reading.text));
+}
+
+bool CMeasuring::IsTemperature() const {
+  return units_ == ET312BUnits::UNITS_DEGREESC || units_ == ET312BUnits::UNITS_DEGREESF ||
+         units_ == ET312BUnits::UNITS_KELVIN;
 }
 
 std::int64_t CMeasuring::RoundOf(std::int16_t channel) const {

@@ -14,6 +14,7 @@
 #include <chrono>
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -25,9 +26,10 @@ namespace vane::desktop {
 
 /// What a channel has said last.
 struct LatestReading {
-  std::string text = {};     ///< as the readout has sent it; empty: none in these units
-  bool isnew = false;        ///< false: the readout has kept it from earlier
-  std::string trouble = {};  ///< why there is none now; empty: it was read
+  std::string text = {};               ///< as the readout has sent it; empty: none in these units
+  std::optional<double> celsius = {};  ///< computed here, of a reading that is no temperature
+  bool isnew = false;                  ///< false: the readout has kept it from earlier
+  std::string trouble = {};            ///< why there is none now; empty: it was read
 };
 
 class CMeasuring {
@@ -54,6 +56,7 @@ class CMeasuring {
 
   /// Of the readings; changes with the readout's.
   ET312BUnits Units() const { return units_; }
+  bool IsTemperature() const;
   /// Where the readings of a channel go now.
   SeriesId SeriesOf(std::int16_t channel) const {
     return {channel, static_cast<std::int16_t>(units_)};

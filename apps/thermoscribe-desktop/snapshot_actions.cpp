@@ -148,6 +148,7 @@ void CSnapshotActions::RestoreFrom(const QString& path) {
     intro +=
         "\nThe file has a scanner's settings, and no scanner is attached: the rest is restored.";
   }
+  for (const std::string& text : restore.OddThings()) intro += "\nOdd, " + ToQt(text);
   const std::size_t count = restore.Wanted().size();
   const bool goeson = ShowDifferences(
       &parent_,

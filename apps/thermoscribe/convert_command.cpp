@@ -42,21 +42,12 @@ struct ConvertOptions {
   std::vector<std::string> values;  // a value and its unit, and so on
 };
 
-// The resistance that W counts from.
-double BaseOf(const physics::Record& record) {
-  if (const auto* const its90 = std::get_if<physics::Its90Record>(&record)) return its90->rtpw;
-  if (const auto* const wt90 = std::get_if<physics::Wt90Record>(&record)) return wt90->rtpw;
-  if (const auto* const ipts68 = std::get_if<physics::Ipts68Record>(&record)) return ipts68->r0;
-  if (const auto* const cvd = std::get_if<physics::CvdRecord>(&record)) return cvd->r0;
-  return 0;
-}
-
 class CConverter {
  public:
   CConverter(CHost& host, const ProbeSource& source, const physics::Record& record)
       : host_(host),
         sensor_(record),
-        base_(BaseOf(record)),
+        base_(physics::BaseOfW(record)),
         given_(source.Uncertainties(record)),
         hasuncertainty_(!source.uncertainty.empty()) {}
 

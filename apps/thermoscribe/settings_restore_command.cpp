@@ -69,6 +69,7 @@ EExitCode Restore(CHost& host, Snapshot file, bool yes, bool dryrun) {
     host.Note(
         "The file has a scanner's settings, and no scanner is attached: the rest is restored.");
   }
+  for (const std::string& text : restore.OddThings()) host.Note("Odd, " + text);
   if (restore.Wanted().empty()) {
     return restore.All().empty() || dryrun ? EExitCode::DONE : Verify(host, restore);
   }

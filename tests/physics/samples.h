@@ -30,11 +30,11 @@ inline std::vector<Sample> Samples() {
                         std::int32_t high, std::array<double, 4> highs) {
     return Its90Record{rtpw, low, lows, high, highs};
   };
-  const std::array<double, 7> kLow1{-2.4153e-4, -3.1286e-6, 8.1342e-7, 6.2714e-7,
-                                    9.3381e-8,  1.27e-9,    -4.2e-9};
-  const std::array<double, 4> kHigh6{-2.3893e-4, 2.4107e-6, -3.812e-7, 4.655e-6};
+  const std::array<double, 7> low1{-2.4153e-4, -3.1286e-6, 8.1342e-7, 6.2714e-7,
+                                   9.3381e-8,  1.27e-9,    -4.2e-9};
+  const std::array<double, 4> high6{-2.3893e-4, 2.4107e-6, -3.812e-7, 4.655e-6};
   return {
-      {"ITS-90 1+6", its90(25.4786312, 1, kLow1, 6, kHigh6), 13.8034, 1234.92},
+      {"ITS-90 1+6", its90(25.4786312, 1, low1, 6, high6), 13.8034, 1234.92},
       {"ITS-90 2+7", its90(25.51, 2, {-2.4e-4, -3e-6, 7e-7, 5e-7, 8e-8}, 7, {-2.4e-4, 2e-6, -3e-7}),
        24.5562, 933.47},
       {"ITS-90 3+8", its90(100.02, 3, {-2.4e-4, -3e-6, 7e-7}, 8, {-2.41e-4, 2e-6}), 54.3585,

@@ -262,6 +262,19 @@ TEST_F(Measuring, ReadingsOfAnotherUnitAreTakenAgainAndOneRefusedKeepsNoOtherAwa
   EXPECT_NEAR(kelvin.last, store_.StatisticsOf(celsius).last + 273.15, 0.1);
   EXPECT_EQ(kelvin.last, std::stod(measuring_.LatestOf(3).text));
 
+  // In ohms the temperature is computed here.
+  EXPECT_FALSE(measuring_.LatestOf(3).celsius);
+  Tell({"UNITS O"});
+  NextSample();
+  ASSERT_TRUE(QTest::qWaitFor([&] { return measuring_.LatestOf(3).celsius.has_value(); }));
+  EXPECT_NEAR(*measuring_.LatestOf(3).celsius, kelvin.last - 273.15, 0.01);
+  Tell({"UNITS R"});
+  ASSERT_TRUE(QTest::qWaitFor([&] {
+    NextSample();
+    return std::stod(measuring_.LatestOf(3).text + "9") < 1 && measuring_.LatestOf(3).celsius;
+  }));
+  EXPECT_NEAR(*measuring_.LatestOf(3).celsius, kelvin.last - 273.15, 0.01);
+
   measuring_.Start({13, 2}, 0ms);
   EndRound();
   EXPECT_FALSE(measuring_.LatestOf(13).trouble.empty());
@@ -334,19 +347,19 @@ TEST_F(Window, ShowsEachChannelsReadingsAndGoesOnBehindALostLine) {
   Trigger("Switch measuring on");
   ASSERT_TRUE(Until([&] { return Count(12) > stopped; }));
 
-  for (const auto& [command, name] :
-       {std::pair{"Export readings...", "r.csv"}, {"Export plot...", "p.svg"}}) {
-    const QString file = folder_.filePath(name);
+  for (const auto& one : {std::pair{"Export readings...", "r.csv"}, {"Export plot...", "p.svg"}}) {
+    const QString file = folder_.filePath(one.second);
     EXPECT_EQ(
-        Through([&] { Trigger(command); }, {[&](QWidget& dialog) { GiveFile(dialog, file); }}), 1U);
-    EXPECT_GT(QFileInfo(file).size(), 500) << name;
+        Through([&] { Trigger(one.first); }, {[&](QWidget& dialog) { GiveFile(dialog, file); }}),
+        1U);
+    EXPECT_GT(QFileInfo(file).size(), 500) << one.second;
     EXPECT_TRUE(Tells(file + " was written"));
   }
 
   auto* const banner = window_->findChild<CBanner*>();
   Unplug();
   ASSERT_TRUE(Until([&] { return banner->isVisible(); }));
-  EXPECT_EQ(Cell(3, 6), "No connection");
+  EXPECT_EQ(Cell(3, 7), "No connection");
   EXPECT_TRUE(Tells("can't be reached"));
   const std::int64_t before = Count(2);
   Plug();
