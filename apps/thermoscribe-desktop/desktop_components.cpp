@@ -51,7 +51,8 @@ std::unique_ptr<CVaneCommunications> CDesktopFactory::MakeCommunications() {
 }
 
 std::unique_ptr<CVaneProgress> CDesktopFactory::MakeProgress() {
-  return std::make_unique<CEndingProgress>(CQtFactory::MakeProgress(), state_);
+  return std::make_unique<CEndingProgress>(progress_ ? progress_() : CQtFactory::MakeProgress(),
+                                           state_);
 }
 
 }  // namespace vane::desktop

@@ -2,6 +2,7 @@
 // they end what the library is doing when the program is about to end.
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <string>
 #include <utility>
@@ -46,6 +47,11 @@ class CDesktopFactory final : public CQtFactory {
   bool IsStopped() const { return state_->isstopped; }
   void ForgetStop() { state_->isstopped = state_->ends; }
 
+  /// Makes the progress of each run from now on; null: a window for each.
+  void SetProgress(std::function<std::unique_ptr<CVaneProgress>()> maker) {
+    progress_ = std::move(maker);
+  }
+
   std::unique_ptr<CVaneCommunications> MakeCommunications() override;
   std::unique_ptr<CVaneProgress> MakeProgress() override;
 
@@ -56,6 +62,7 @@ class CDesktopFactory final : public CQtFactory {
 
  private:
   const std::shared_ptr<std::string> reading_ = std::make_shared<std::string>();
+  std::function<std::unique_ptr<CVaneProgress>()> progress_;
   const std::shared_ptr<RunState> state_ = std::make_shared<RunState>();
 };
 

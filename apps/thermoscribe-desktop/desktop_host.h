@@ -122,6 +122,10 @@ class CDesktopHost {
   /// Whether the user has stopped a run since `ForgetStop`, or the program is about to end.
   bool IsStopped() const { return factory_.IsStopped(); }
   void ForgetStop() { factory_.ForgetStop(); }
+  /// Makes the progress of each run from now on; null: a window for each.
+  void SetProgress(std::function<std::unique_ptr<CVaneProgress>()> maker) {
+    factory_.SetProgress(std::move(maker));
+  }
 
   /// What the latest exchange has met; number 0 for nothing.
   const LineFailure& LastFailure() const { return line_->lastfailure; }

@@ -6,6 +6,7 @@
 #include <QGuiApplication>
 #include <QHeaderView>
 #include <QLabel>
+#include <QLocale>
 #include <QPushButton>
 #include <QShortcut>
 #include <QTableWidget>
@@ -16,6 +17,21 @@
 
 namespace vane::desktop {
 namespace {
+
+// Numbers are in the order of their values, behind all texts.
+class CCell final : public QTableWidgetItem {
+ public:
+  using QTableWidgetItem::QTableWidgetItem;
+
+  bool operator<(const QTableWidgetItem& other) const override {
+    bool isnumber = false;
+    bool isother = false;
+    const double value = QLocale().toDouble(text(), &isnumber);
+    const double othervalue = QLocale().toDouble(other.text(), &isother);
+    if (isnumber != isother) return isother;
+    return isnumber ? value < othervalue : QTableWidgetItem::operator<(other);
+  }
+};
 
 class CDifferenceWindow final : public QDialog {
  public:
@@ -58,7 +74,7 @@ class CDifferenceWindow final : public QDialog {
                                      thermoscribe::TextOf(one.right)};
       if (view.note) texts.push_back(view.note(one));
       for (int column = 0; column < titles.size(); ++column) {
-        auto* const item = new QTableWidgetItem(ToQt(texts[static_cast<std::size_t>(column)]));
+        auto* const item = new CCell(ToQt(texts[static_cast<std::size_t>(column)]));
         item->setToolTip(item->text());
         table_->setItem(row, column, item);
       }

@@ -81,8 +81,7 @@ class CMainWindow final : public QMainWindow {
   CQtWindow window_{*this};
   CReadingStore store_;
   CMeasuring measuring_{host_, store_};
-  CSnapshotActions snapshots_{host_, *this, window_,
-                              [this](const QString& text) { LogError(text); }};
+  CSnapshotActions snapshots_{host_, *this, [this](const QString& text) { LogError(text); }};
   std::chrono::milliseconds period_{0};
   CBanner* banner_ = nullptr;
   QLabel* readout_ = nullptr;

@@ -9,8 +9,8 @@
 #include "apps/snapshots/restore.h"
 #include "apps/snapshots/snapshot_file.h"
 #include "apps/snapshots/value_text.h"
+#include "apps/thermoscribe-desktop/desktop_audience.h"
 #include "apps/thermoscribe-desktop/difference_window.h"
-#include "apps/thermoscribe-desktop/window_audience.h"
 #include "vane/support/messages.h"
 
 namespace vane::desktop {
@@ -23,9 +23,16 @@ using thermoscribe::LostValue;
 using thermoscribe::PropertyValue;
 using thermoscribe::Snapshot;
 
+constexpr int kSettingsRuns = 1;  // beside one per probe
 constexpr char kFilter[] = "Snapshots (*.json);;All files (*)";
 
 QString NameOf(const QString& path) { return QFileInfo(path).fileName(); }
+
+// A pipe would be waited for, and the windows with it.
+void RefusePipes(const QString& path) {
+  const QFileInfo file(path);
+  if (file.exists() && !file.isFile()) throw std::runtime_error(FromQt(path) + " is no file.");
+}
 
 QString CountText(std::size_t count) {
   if (count == 0) return "Nothing differs.";
@@ -53,16 +60,20 @@ QString OtherReadout(const Snapshot& file, const Snapshot& now) {
 
 }  // namespace
 
-CSnapshotActions::CSnapshotActions(CDesktopHost& host, QWidget& parent, ui::CWindow& owner,
+CSnapshotActions::CSnapshotActions(CDesktopHost& host, QWidget& parent,
                                    std::function<void(const QString&)> told)
-    : host_(host), parent_(parent), owner_(owner), told_(std::move(told)) {}
+    : host_(host), parent_(parent), told_(std::move(told)) {}
 
-bool CSnapshotActions::Take(thermoscribe::CAudience& audience, Snapshot& snapshot) {
-  return thermoscribe::TakeSnapshot(host_.Instrument(), audience, snapshot) == EEnd::DONE;
+bool CSnapshotActions::Take(CDesktopAudience& audience, const char* title, Snapshot& snapshot) {
+  audience.BeginProgress(title, kSettingsRuns + CVaneT312B::NumProbes());
+  const EEnd end = thermoscribe::TakeSnapshot(host_.Instrument(), audience, snapshot);
+  audience.EndProgress();
+  return end == EEnd::DONE;
 }
 
 bool CSnapshotActions::Read(const QString& path, Snapshot& snapshot) {
   try {
+    RefusePipes(path);
     snapshot = thermoscribe::ReadSnapshotFile(FromQt(path));
     return true;
   } catch (const std::runtime_error& error) {
@@ -76,10 +87,11 @@ void CSnapshotActions::Save() {
       QFileDialog::getSaveFileName(&parent_, "Save a snapshot", "snapshot.json", kFilter);
   if (path.isEmpty()) return;
   host_.Run("saving a snapshot", [&] {
-    CWindowAudience audience(host_, owner_);
+    CDesktopAudience audience(host_, parent_);
     Snapshot snapshot;
-    if (!Take(audience, snapshot)) return;
+    if (!Take(audience, "Saving a snapshot", snapshot)) return told_("Nothing was saved.");
     try {
+      RefusePipes(path);
       thermoscribe::WriteSnapshotFile(FromQt(path), snapshot);
     } catch (const std::runtime_error& error) {
       return ShowMessage(error.what());
@@ -93,10 +105,10 @@ void CSnapshotActions::Compare() {
       QFileDialog::getOpenFileName(&parent_, "Compare with a snapshot", {}, kFilter);
   if (path.isEmpty()) return;
   host_.Run("comparing with a snapshot", [&] {
-    CWindowAudience audience(host_, owner_);
+    CDesktopAudience audience(host_, parent_);
     Snapshot file;
     Snapshot now;
-    if (!Read(path, file) || !Take(audience, now)) return;
+    if (!Read(path, file) || !Take(audience, "Comparing with a snapshot", now)) return;
     const std::vector<Difference> differences = thermoscribe::Differences(file, now);
     ShowDifferences(&parent_, {.title = "Compare with a snapshot",
                                .intro = NameOf(path) + TakenText(file) + " and the readout: " +
@@ -133,10 +145,10 @@ void CSnapshotActions::Restore() {
 }
 
 void CSnapshotActions::RestoreFrom(const QString& path) {
-  CWindowAudience audience(host_, owner_);
+  CDesktopAudience audience(host_, parent_);
   Snapshot file;
   Snapshot now;
-  if (!Read(path, file) || !Take(audience, now)) return;
+  if (!Read(path, file) || !Take(audience, "Reading the readout", now)) return;
   QString intro = NameOf(path) + TakenText(file) + " and the readout: ";
   const QString other = OtherReadout(file, now);
   CRestore restore(host_.Instrument(), audience, std::move(file), std::move(now));
@@ -169,12 +181,14 @@ void CSnapshotActions::RestoreFrom(const QString& path) {
   if (restore.OpenGates() != EEnd::DONE) {
     return told_(ToQt(thermoscribe::NothingWrittenText(audience.IsInterrupted())));
   }
+  audience.BeginProgress("Restoring a snapshot", static_cast<int>(restore.Stages().size()));
   const thermoscribe::WriteAccount account = restore.Write();
+  audience.EndProgress();
   if (account.end != EEnd::DONE) {
     return audience.Say(account.Text(audience.IsInterrupted()) + " Restore again to complete it.");
   }
   Snapshot after;
-  if (!Take(audience, after)) {
+  if (!Take(audience, "Reading the readout again", after)) {
     return audience.Say("Everything was written, but what arrived could not be read.");
   }
   const std::vector<LostValue> lost = restore.LostIn(after);

@@ -12,11 +12,12 @@ class QWidget;
 
 namespace vane::desktop {
 
+class CDesktopAudience;
+
 class CSnapshotActions {
  public:
-  /// `owner` stands for `parent`; `told` gets a short notice of what went well. All outlive it.
-  CSnapshotActions(CDesktopHost& host, QWidget& parent, ui::CWindow& owner,
-                   std::function<void(const QString&)> told);
+  /// `told` gets a short notice of what became of it. Both outlive it.
+  CSnapshotActions(CDesktopHost& host, QWidget& parent, std::function<void(const QString&)> told);
 
   // Each asks for its files. All but the comparison of two files need a readout.
 
@@ -26,14 +27,13 @@ class CSnapshotActions {
   void Restore();
 
  private:
-  bool Take(thermoscribe::CAudience& audience, thermoscribe::Snapshot& snapshot);
+  bool Take(CDesktopAudience& audience, const char* title, thermoscribe::Snapshot& snapshot);
   /// False when there is none, which the user knows.
   bool Read(const QString& path, thermoscribe::Snapshot& snapshot);
   void RestoreFrom(const QString& path);
 
   CDesktopHost& host_;
   QWidget& parent_;
-  ui::CWindow& owner_;
   const std::function<void(const QString&)> told_;
 };
 

@@ -4,8 +4,10 @@
 #include <QClipboard>
 #include <QFile>
 #include <QLabel>
+#include <QProgressBar>
 #include <QTableWidget>
 #include <fstream>
+#include <set>
 #include <sstream>
 
 #include "apps/snapshots/snapshot_file.h"
@@ -114,6 +116,34 @@ TEST_F(SnapshotWindows, SavedComparedAndRestoredBehindThePasscode) {
             3U);
   EXPECT_THAT(places, ElementsAre());
   EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
+}
+
+// Over the many runs of the library there is one progress window, and its Cancel ends all of them.
+TEST_F(SnapshotWindows, CancelEndsASaveAsAWholeAndLeavesNoFile) {
+  Plug();
+  ASSERT_TRUE(window_->Connect(There()));
+  std::set<QWidget*> shown;
+  QTimer look;
+  QObject::connect(&look, &QTimer::timeout, [&] {
+    QWidget* const modal = QApplication::activeModalWidget();
+    if (modal == nullptr || modal->objectName() != "progress") return;
+    shown.insert(modal);
+    const auto* const bar = modal->findChild<QProgressBar*>();
+    if (bar->value() > bar->maximum() / 3) modal->findChild<QPushButton*>()->click();
+  });
+  look.start(1);
+  EXPECT_EQ(Through([this] { Trigger("Save a snapshot..."); },
+                    {[this](QWidget& dialog) { GiveFile(dialog, file_); },
+                     [](QWidget& box) { box.close(); }}),
+            2U);
+  EXPECT_TRUE(Tells("Aborted"));
+  EXPECT_EQ(shown.size(), 1U);
+  EXPECT_FALSE(QFile::exists(file_));
+  EXPECT_TRUE(Tells("Nothing was saved"));
+  EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
+  // And what comes behind is not cancelled too.
+  look.stop();
+  SaveAndChange();
 }
 
 TEST_F(SnapshotWindows, ALineThatFailsInTheMiddleLeavesAnAccountAndABadFileNothing) {
