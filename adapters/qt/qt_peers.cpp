@@ -144,8 +144,17 @@ class CCombo final : public QComboBox {
  public:
   using QComboBox::QComboBox;
 
+  QSize sizeHint() const override { return Wider(QComboBox::sizeHint()); }
+  QSize minimumSizeHint() const override { return Wider(QComboBox::minimumSizeHint()); }
+
  protected:
   void wheelEvent(QWheelEvent* event) override { event->ignore(); }
+
+ private:
+  // Some styles round down on screens of a high resolution, and cut the longest text.
+  QSize Wider(const QSize& hint) const {
+    return hint + QSize(2 * fontMetrics().averageCharWidth(), 0);
+  }
 };
 
 class CDropDownPeer final : public CControlPeer {

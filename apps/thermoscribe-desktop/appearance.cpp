@@ -15,8 +15,8 @@ float Mixed(float text, float ground) { return kShare * text + (1 - kShare) * gr
 
 void MakeDisabledTextsLegible() {
   const QPalette now = QApplication::palette();
-  // Holds these colours alone, so that all others go on following the desktop.
-  QPalette changed;
+  // What nobody has set in it goes on following the desktop.
+  QPalette changed = now;
   for (const auto& [role, groundrole] : {std::pair(QPalette::WindowText, QPalette::Window),
                                          {QPalette::Text, QPalette::Base},
                                          {QPalette::ButtonText, QPalette::Button}}) {

@@ -258,6 +258,16 @@ std::optional<double> CDesktopHost::CelsiusOf(std::int16_t channel, double readi
   }
 }
 
+std::vector<std::string> CDesktopHost::OddThingsOf(std::int16_t channel) const {
+  const CVaneT312BPRTTHRMChannel* const object = instrument_->GetChannelReference(channel);
+  if (object == nullptr) return {};
+  std::vector<std::string> texts;
+  for (const std::string& text : thermoscribe::OddThingsAbout(thermoscribe::ProbeRecord(*object))) {
+    texts.push_back("Probe " + std::to_string(object->ProbeIndex()) + " is odd. " + text);
+  }
+  return texts;
+}
+
 void CDesktopHost::Run(const std::string& action, const std::function<void()>& body) {
   if (IsBusy()) return;
   const CTurn turn(busy_);

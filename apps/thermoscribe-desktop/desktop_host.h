@@ -99,6 +99,9 @@ class CDesktopHost {
   /// computed here; nothing for one that gives no temperature.
   std::optional<double> CelsiusOf(std::int16_t channel, double reading) const;
 
+  /// What is odd about the record that the channel's object holds, as sentences for the user.
+  std::vector<std::string> OddThingsOf(std::int16_t channel) const;
+
   /// Runs something of the library that has the line for itself, and shows what it raises.
   /// `action` completes "An error occurred while". Nothing when the line is busy.
   void Run(const std::string& action, const std::function<void()>& body);

@@ -308,7 +308,11 @@ void CMainWindow::AskPeriod() {
 void CMainWindow::EditChannel() {
   const std::int16_t channel = table_->CurrentChannel();
   if (channel == 0) return;
-  host_.Run("editing the channel", [&] { host_.Instrument().EditChannel(channel); });
+  host_.Run("editing the channel", [&] {
+    if (!host_.Instrument().EditChannel(channel)) return;
+    // What was written may be right all the same.
+    for (const std::string& text : host_.OddThingsOf(channel)) ShowMessage(text);
+  });
   TakeNewSettings();
 }
 

@@ -103,7 +103,8 @@ class CPictures {
   }
 
   void Take(const std::string& name, QWidget& widget) {
-    QCoreApplication::processEvents();
+    // What a page that has just come up asks its layout for comes in a second round.
+    for (int round = 0; round < 3; ++round) QCoreApplication::processEvents();
     const QString path = folder_ + "/" + ToQt(name) + ".png";
     // Quality 0 is the smallest file.
     if (widget.grab().save(path, "png", 0)) {
@@ -152,7 +153,9 @@ class CPictures {
   void Trigger(const QString& text, std::function<void(QWidget&)> look) {
     for (QAction* const action : window_.findChildren<QAction*>()) {
       if (action->text().remove('&') != text) continue;
-      return Through([action] { action->trigger(); }, std::move(look));
+      Through([action] { action->trigger(); }, std::move(look));
+      if (!isgood_) std::fprintf(stderr, "by %s\n", FromQt(text).c_str());
+      return;
     }
     std::fprintf(stderr, "There is no %s\n", FromQt(text).c_str());
     isgood_ = false;
@@ -222,11 +225,11 @@ class CPictures {
     }
     std::ofstream(FromQt(file)) << text;
     Trigger("Restore a snapshot...", [&](QWidget& dialog) {
-      Through([&] { givefile(dialog); },
-              [this](QWidget& differences) {
-                Take("restore", differences);
-                differences.close();
-              });
+      Await([this](QWidget& differences) {
+        Take("restore", differences);
+        differences.close();
+      });
+      givefile(dialog);
     });
   }
 
