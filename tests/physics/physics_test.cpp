@@ -5,6 +5,7 @@
 #include <cmath>
 #include <stdexcept>
 
+#include "physics/iec60751.h"
 #include "physics/record_check.h"
 #include "physics/scale_1968.h"
 #include "physics/scale_1990.h"
@@ -90,13 +91,40 @@ TEST(Sensor, EachDirectionInvertsTheOtherAndTheSlopeIsTheirs) {
 }
 
 TEST(Sensor, PlatinumByIec60751AsPublished) {
-  const CSensor sensor(IecPt100());
+  const CSensor sensor(IecRecord());
   const std::pair<double, double> rows[] = {
       {-200, 18.52}, {-150, 39.72}, {-100, 60.26}, {-50, 80.31},  {0, 100.00},
       {50, 119.40},  {100, 138.51}, {200, 175.86}, {300, 212.05}, {400, 247.09},
       {500, 280.98}, {600, 313.71}, {700, 345.28}, {800, 375.70}, {850, 390.48}};
   for (const auto& [celsius, ohms] : rows) {
     EXPECT_NEAR(sensor.Resistance(celsius + kIcePoint).value, ohms, 0.005) << celsius;
+  }
+}
+
+TEST(Iec60751, TolerancesAreThoseOfTheClassesWithinTheirRanges) {
+  const struct {
+    double celsius;
+    double kelvins[4];  // AA, A, B, C; 0: outside
+    double ohms[4];     // of a Pt100
+  } rows[] = {{-196, {0, 0, 1.28, 2.56}, {0, 0, 0.55, 1.10}},
+              {-100, {0, 0.35, 0.8, 1.6}, {0, 0.14, 0.32, 0.65}},
+              {0, {0.1, 0.15, 0.3, 0.6}, {0.04, 0.06, 0.12, 0.23}},
+              {100, {0.27, 0.35, 0.8, 1.6}, {0.10, 0.13, 0.30, 0.61}},
+              {250, {0.525, 0.65, 1.55, 3.1}, {0.19, 0.24, 0.56, 1.12}},
+              {600, {0, 0, 3.3, 6.6}, {0, 0, 1.06, 2.12}}};
+  const CSensor sensor(IecRecord());
+  for (const auto& row : rows) {
+    for (std::size_t i = 0; i < 4; ++i) {
+      const auto grade = static_cast<EToleranceClass>(i);
+      if (row.kelvins[i] == 0) {
+        EXPECT_THROW(ToleranceOf(grade, row.celsius), std::domain_error);
+        continue;
+      }
+      const double tolerance = ToleranceOf(grade, row.celsius);
+      EXPECT_NEAR(tolerance, row.kelvins[i], 1e-12) << row.celsius;
+      EXPECT_NEAR(tolerance * sensor.Slope(row.celsius + kIcePoint), row.ohms[i], 0.006)
+          << row.celsius;
+    }
   }
 }
 
@@ -238,7 +266,7 @@ TEST(RecordCheck, GoodRecordsPassAndOddOnesAreTold) {
   odd = good;
   odd.lowcoefficients[0] = 2.4153e-4;  // a lost sign
   EXPECT_THAT(CheckRecord(odd), Not(IsEmpty()));
-  CvdRecord cvd = IecPt100();
+  CvdRecord cvd = IecRecord();
   cvd.delta = 0.1507;
   ASSERT_THAT(CheckRecord(cvd), SizeIs(1));
   EXPECT_EQ(CheckRecord(cvd)[0].parameter, "delta");

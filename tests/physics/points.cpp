@@ -44,6 +44,6 @@ int main() {
   }
   for (int celsius = -200; celsius <= 850; ++celsius) {
     std::printf("IEC | %d %.17g\n", celsius,
-                CSensor(IecPt100()).Resistance(celsius + 273.15).value);
+                CSensor(IecRecord()).Resistance(celsius + 273.15).value);
   }
 }

@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "physics/iec60751.h"
 #include "physics/record.h"
 #include "physics/scale_1968.h"
 
@@ -15,15 +16,6 @@ struct Sample {
   double lowest;  ///< K
   double highest;
 };
-
-/// IEC 60751:2008: A, B and C of the standard as alpha, delta and beta.
-inline CvdRecord IecPt100() {
-  constexpr double kA = 3.9083e-3;
-  constexpr double kB = -5.775e-7;
-  constexpr double kC = -4.183e-12;
-  const double alpha = kA + 100 * kB;
-  return {100, alpha, -1e4 * kB / alpha, -1e8 * kC / alpha};
-}
 
 inline std::vector<Sample> Samples() {
   const auto its90 = [](double rtpw, std::int32_t low, std::array<double, 7> lows,
@@ -48,7 +40,7 @@ inline std::vector<Sample> Samples() {
        903.88},
       {"IPTS-68, 1990", Ipts68Record{25.5, 3.92597e-3, 1.496334, 1.2e-7, 2.1e-14, true}, 90.2,
        903.1},
-      {"Callendar-Van Dusen", IecPt100(), 73.15, 1123.15},
+      {"Callendar-Van Dusen", IecRecord(), 73.15, 1123.15},
       {"polynomial",
        PolynomialRecord{{-242.02, 2.2228, 2.5859e-3, -4.826e-6, -2.8183e-8, 1.5243e-10}}, 80, 420},
       {"thermistor T(R)", ThermistorTRRecord{{1.129241e-3, 2.341077e-4, 1e-8, 8.775468e-8}}, 200,
