@@ -160,10 +160,11 @@ class CLayOut {
     const bool istall = row.field->Kind() == EKind::LIST_BOX;
     if (istall) grid.setRowStretch(line, kListStretch);
     if (row.label != nullptr) {
-      QWidget& label = widgetof_(*row.label);
+      auto& label = static_cast<QLabel&>(widgetof_(*row.label));
+      label.setBuddy(&field);  // whose name it is
       if (istall && row.field->Frame() == nullptr) {
         auto* const stack = new QVBoxLayout();
-        if (auto* const text = dynamic_cast<QLabel*>(&label)) text->setWordWrap(true);
+        label.setWordWrap(true);
         stack->addWidget(&label);
         stack->addWidget(&field, 1);
         grid.addLayout(stack, line, first, 1, kColumnsOfARow);

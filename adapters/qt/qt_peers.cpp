@@ -59,12 +59,16 @@ void ShowCaption(QAbstractButton& button, const std::string& caption) {
   button.setShortcut({});
 }
 
+// The frame around the content of a window. Its caption is that of the window, which stands in the
+// title bar already, so it is there for screen readers alone.
 class CFramePeer final : public CControlPeer {
  public:
   CFramePeer(ui::CControl& control, QWidget* parent) : CControlPeer(control, new QWidget(parent)) {}
 
  private:
-  void Show(EAspect) override {}
+  void Show(EAspect aspect) override {
+    if (aspect == EAspect::CAPTION) Widget().setAccessibleName(ToQt(Control().Caption()));
+  }
 };
 
 class CGroupPeer final : public CControlPeer {

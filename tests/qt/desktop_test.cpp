@@ -2,9 +2,11 @@
 // simulated readout.
 #include <gmock/gmock.h>
 
+#include <QAccessible>
 #include <QAction>
 #include <QApplication>
 #include <QClipboard>
+#include <QDockWidget>
 #include <QFileInfo>
 #include <QImage>
 #include <QProcess>
@@ -20,6 +22,7 @@
 #include <functional>
 #include <iostream>
 #include <numeric>
+#include <set>
 #include <sstream>
 
 #include "adapters/qt/qt_text.h"
@@ -374,6 +377,35 @@ TEST_F(Window, ShowsEachChannelsReadingsAndGoesOnBehindALostLine) {
   EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
 }
 
+// What takes the focus has a name for screen readers: one of its own, a caption, or that of its
+// label.
+TEST_F(Window, EverythingThatTakesTheFocusHasAName) {
+  Plug();
+  ASSERT_TRUE(window_->Connect(There()));
+  std::set<std::string> unnamed;
+  const auto look = [&](QWidget& top) {
+    for (QWidget* const widget : top.findChildren<QWidget*>()) {
+      const bool isown = !widget->objectName().startsWith("qt_");
+      if (!isown || !widget->isVisible() || (widget->focusPolicy() & Qt::TabFocus) == 0) continue;
+      QAccessibleInterface* const face = QAccessible::queryAccessibleInterface(widget);
+      if (face == nullptr || !face->text(QAccessible::Name).isEmpty()) continue;
+      unnamed.insert(FromQt(top.windowTitle() + "/" + widget->metaObject()->className() + "/" +
+                            widget->objectName()));
+    }
+  };
+  for (QDockWidget* const pane : window_->findChildren<QDockWidget*>()) pane->show();
+  look(*window_);
+  for (const char* const command :
+       {"Settings...", "Channel...", "Download a log...", "Connect..."}) {
+    EXPECT_GE(Through([&] { Trigger(command); }, {[&](QWidget& dialog) {
+                        look(dialog);
+                        dialog.close();
+                      }}),
+              1U);
+  }
+  EXPECT_THAT(unnamed, testing::ElementsAre());
+}
+
 // From the program's menus through the library's windows to the readout and into a file.
 TEST_F(Window, EditsASettingAndAProbeAndDownloadsALog) {
   Plug("--protect conversion");
@@ -444,6 +476,25 @@ TEST_F(Window, ClosedInTheMiddleOfAnExchangeItEndsInOrder) {
     QTest::qWait(100);
     EXPECT_EQ(line_->Exchanges(), exchanges) << moment;
     EXPECT_EQ(line_->IgnoredLines(), 0U) << moment;
+  }
+}
+
+// As a signal does it, which comes whatever is open: nothing waits for a user who isn't there.
+TEST_F(Window, ClosedOverAnOpenWindowItClosesThatToo) {
+  for (const char* const command : {"Settings...", "Channel...", "Download a log...", "Connect...",
+                                    "Restore a snapshot...", "About"}) {
+    Plug("--protect conversion");
+    window_.reset();
+    host_.emplace([](std::int32_t) { return true; });
+    window_.emplace(*host_);
+    window_->show();
+    ASSERT_TRUE(window_->Connect(There()));
+    EXPECT_EQ(Through([&] { Trigger(command); }, {[&](QWidget&) { window_->close(); }}), 1U)
+        << command;
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !window_->isVisible(); })) << command;
+    EXPECT_EQ(QApplication::activeModalWidget(), nullptr) << command;
+    EXPECT_EQ(ui::CForm::Active(), nullptr) << command;
+    EXPECT_EQ(line_->IgnoredLines(), 0U) << command;
   }
 }
 
