@@ -72,13 +72,13 @@ TEST_F(CliPhysics, ConvertsInBothDirectionsAsTheTableHasIt) {
   EXPECT_THAT(column.err, HasSubstr("Line 3: \\\"x\\\" is no number."));
   EXPECT_THAT(InShell("$T convert " + record + "2 9 Ohm --uncertainty resistance=1e-5,a6=1e-6").out,
               HasSubstr("K of a6\n  Note        The ratio at the aluminium point was solved"));
-  const std::pair<const char*, int> refused[] = {{"7 25 C", 1},
-                                                 {"14 25 C", 1},
-                                                 {"13 -- -200 C", 1},
-                                                 {"3 25", 2},
-                                                 {"3 25 V", 2},
-                                                 {"3 x C", 2},
-                                                 {"3 25 C --uncertainty b9=1", 2}};
+  const auto ratio =
+      JsonLines(InShell("$T --json convert " + record + "3 --reference 100.05 0.26 Ratio").out);
+  EXPECT_NEAR(ratio.at(0)["ohms"].Number(), 26.013, 1e-12);
+  EXPECT_EQ(ratio.at(0)["ratio"].Number(), 0.26);
+  const std::pair<const char*, int> refused[] = {
+      {"7 25 C", 1}, {"14 25 C", 1},      {"13 -- -200 C", 1}, {"3 25", 2},
+      {"3 25 V", 2}, {"3 0.26 Ratio", 2}, {"3 x C", 2},        {"3 25 C --uncertainty b9=1", 2}};
   for (const auto& [arguments, code] : refused) {
     EXPECT_EQ(InShell("$T convert " + record + arguments).exitcode, code) << arguments;
   }

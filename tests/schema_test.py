@@ -41,7 +41,7 @@ CASES = [
     (0, "", "channel 3 set probe=4 conversion=Ratio"),
     (0, "", "probe 3 set serial=A-1"),
     (0, "", "probe 3 set current=2 --dry-run"),
-    (0, "", "convert --probe 3 26 Ohm 20 C --uncertainty resistance=1e-5,RTPW=1e-5"),
+    (0, "", "convert --probe 3 26 Ohm 20 C --reference 100 0.3 Ratio --uncertainty resistance=1e-5,RTPW=1e-5"),
     (1, "", "convert --probe 14 26 Ohm"),
     (0, "", "table --probe 10 --from -200 --to 200 --step 100 --uncertainty resistance=0.01"),
     (0, "", "table --probe 13 --from 273 --to 300 --step 10 --unit K"),

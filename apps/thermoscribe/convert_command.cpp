@@ -19,7 +19,7 @@ namespace vane::thermoscribe {
 namespace {
 
 // What a value is given in.
-enum class EGiven : std::int32_t { TEMPERATURE, OHMS, W };
+enum class EGiven : std::int32_t { TEMPERATURE, OHMS, RATIO, W };
 
 struct Given {
   EGiven kind;
@@ -30,26 +30,29 @@ struct Given {
 Given GivenIn(const std::string& text) {
   const std::string folded = Folded(text);
   if (folded == "ohm" || folded == "ohms" || folded == "\u03A9") return {EGiven::OHMS, {}, "Ohm"};
+  if (folded == "ratio") return {EGiven::RATIO, {}, "Ratio"};
   if (folded == "w") return {EGiven::W, {}, "W"};
   if (const auto unit = FindTemperatureUnit(text)) {
     return {EGiven::TEMPERATURE, *unit, UnitText(*unit)};
   }
-  throw CUsageError("\"" + text + "\" is no unit. It is Ohm, W, C, F or K.");
+  throw CUsageError("\"" + text + "\" is no unit. It is Ohm, Ratio, W, C, F or K.");
 }
 
 struct ConvertOptions {
   ProbeSource source;
+  std::optional<double> reference;  // Ohm
   std::vector<std::string> values;  // a value and its unit, and so on
 };
 
 class CConverter {
  public:
-  CConverter(CHost& host, const ProbeSource& source, const physics::Record& record)
+  CConverter(CHost& host, const ConvertOptions& options, const physics::Record& record)
       : host_(host),
+        reference_(options.reference),
         sensor_(record),
         base_(physics::BaseOfW(record)),
-        given_(source.Uncertainties(record)),
-        hasuncertainty_(!source.uncertainty.empty()) {}
+        given_(options.source.Uncertainties(record)),
+        hasuncertainty_(!options.source.uncertainty.empty()) {}
 
   /// False for a value that can't be converted, which has been told.
   bool Convert(double value, const Given& given) {
@@ -72,6 +75,7 @@ class CConverter {
       ohms = sensor_.Resistance(kelvin.value);
       kelvin.marks = ohms.marks;
     } else {
+      if (given.kind == EGiven::RATIO) ohms.value = value * *reference_;
       if (given.kind == EGiven::W) {
         if (base_ == 0) throw std::domain_error("The conversion has no ratio W.");
         ohms.value = value * base_;
@@ -82,6 +86,7 @@ class CConverter {
     Members members = {{"given", value},
                        {"unit", given.text},
                        {"ohms", ohms.value},
+                       {"ratio", reference_ ? Value(ohms.value / *reference_) : Value()},
                        {"w", base_ == 0 ? Value() : Value(ohms.value / base_)},
                        {"kelvin", kelvin.value},
                        {"celsius", FromKelvin(kelvin.value, ETemperatureUnit::CELSIUS)},
@@ -97,6 +102,10 @@ class CConverter {
     constexpr double kStepToTell = 1e-6;
     AddLine(lines, text, 0, "");
     add("  Resistance", Fixed(ohms.value, DigitsOf(slope, kStepToTell)), " Ohm");
+    if (reference_) {
+      add("  Ratio", Fixed(ohms.value / *reference_, DigitsOf(slope / *reference_, kStepToTell)),
+          "");
+    }
     if (base_ != 0) {
       add("  W", Fixed(ohms.value / base_, DigitsOf(slope / base_, kStepToTell)), "");
     }
@@ -130,6 +139,7 @@ class CConverter {
   }
 
   CHost& host_;
+  const std::optional<double> reference_;
   const physics::CSensor sensor_;
   const double base_;
   const physics::Uncertainties given_;
@@ -191,7 +201,7 @@ EExitCode RunConvert(CHost& host, const ConvertOptions& options) {
   }
   try {
     const physics::Record record = PhysicsRecordOf(values);
-    CConverter converter(host, options.source, record);
+    CConverter converter(host, options, record);
     bool isgood = true;
     for (std::size_t i = 0; i + 1 < options.values.size(); i += 2) {
       const Given given = GivenIn(options.values[i + 1]);
@@ -213,12 +223,14 @@ EExitCode RunConvert(CHost& host, const ConvertOptions& options) {
 void Check(const ConvertOptions& options) {
   options.source.Check();
   if (options.values.size() % 2 != 0) {
-    throw CUsageError("Each value has a unit behind it: Ohm, W, C, F or K.");
+    throw CUsageError("Each value has a unit behind it: Ohm, Ratio, W, C, F or K.");
   }
   for (std::size_t i = 0; i < options.values.size(); i += 2) {
     const std::string& text = options.values[i];
     if (text != "-" && !NumberOf(text)) throw CUsageError("\"" + text + "\" is no number.");
-    GivenIn(options.values[i + 1]);
+    if (GivenIn(options.values[i + 1]).kind == EGiven::RATIO && !options.reference) {
+      throw CUsageError("A ratio needs the reference resistor: --reference has its ohms.");
+    }
   }
 }
 
@@ -227,9 +239,12 @@ void Check(const ConvertOptions& options) {
 Command ConvertCommand() {
   const auto options = std::make_shared<ConvertOptions>();
   std::vector<Option> all = options->source.Options();
+  all.push_back(RealOption("--reference", "OHM", options->reference, 1e-3, 1e6,
+                           "the reference resistor, for ratios to it"));
   Option values = ManyTexts("values", "VALUE UNIT...", options->values,
-                            "what is to be converted, each with its unit: Ohm, W,\n"
-                            "C, F or K; \"-\" for VALUE: all lines of standard input");
+                            "what is to be converted, each with its unit: Ohm,\n"
+                            "Ratio, W, C, F or K; \"-\" for VALUE: all lines of\n"
+                            "standard input");
   values.isrequired = true;
   all.push_back(std::move(values));
   return {
@@ -237,9 +252,10 @@ Command ConvertCommand() {
       .brief = "Convert resistance and temperature by a probe's record",
       .footer =
           R"(Computes on the host, with the formulas of the scale and the coefficients of the record,
-what the readout should show. W is the ratio of a resistance to RTPW, or to R0. A value
-outside the range of the record is marked as extrapolated; one that the formula can't give
-is an error (1). Negative numbers stand behind "--".
+what the readout should show. W is the ratio of a resistance to RTPW, or to R0; Ratio that
+to the reference resistor. A value outside the range of the record is marked as
+extrapolated; one that the formula can't give is an error (1). Negative numbers stand
+behind "--".
 
 Examples:
   thermoscribe convert --probe 3 25.4 Ohm 100 C --port /dev/ttyUSB0
