@@ -194,10 +194,24 @@ class CDropDownPeer final : public CControlPeer {
   ui::CDropDown& list_;
 };
 
+// Getting the focus selects nothing: that is the user's to do.
+class CList final : public QListWidget {
+ public:
+  using QListWidget::QListWidget;
+
+ protected:
+  void focusInEvent(QFocusEvent* event) override {
+    const bool hasnone = !currentIndex().isValid();
+    const QSignalBlocker silence(this);
+    QListWidget::focusInEvent(event);
+    if (hasnone) selectionModel()->clear();
+  }
+};
+
 class CListBoxPeer final : public CControlPeer {
  public:
   CListBoxPeer(ui::CListBox& control, ui::CUser& user, QWidget* parent)
-      : CControlPeer(control, new QListWidget(parent)), list_(control) {
+      : CControlPeer(control, new CList(parent)), list_(control) {
     auto& box = Box();
     box.setUniformItemSizes(true);
     box.setMinimumHeight(6 * box.fontMetrics().lineSpacing());

@@ -1,11 +1,8 @@
 #include "apps/thermoscribe-desktop/channel_table.h"
 
-#include <QClipboard>
 #include <QDateTime>
 #include <QEvent>
-#include <QGuiApplication>
 #include <QHeaderView>
-#include <QKeyEvent>
 #include <QPixmap>
 #include <QSignalBlocker>
 #include <QStyledItemDelegate>
@@ -65,7 +62,7 @@ bool IsNumber(int column) {
 
 }  // namespace
 
-CChannelTable::CChannelTable(QWidget* parent) : QTableWidget(0, COLUMNS, parent) {
+CChannelTable::CChannelTable(QWidget* parent) : CCopyTable(0, COLUMNS, parent) {
   QStringList titles;
   for (const char* const title : kTitles) titles.append(title);
   setHorizontalHeaderLabels(titles);
@@ -169,26 +166,6 @@ void CChannelTable::Show(const CReadingStore& store, const CMeasuring& measuring
   }
 }
 
-QString CChannelTable::Text() const {
-  QStringList lines;
-  for (int row = -1; row < rowCount(); ++row) {
-    QStringList cells;
-    for (int column = 0; column < COLUMNS; ++column) {
-      cells << (row < 0 ? horizontalHeaderItem(column) : item(row, column))->text();
-    }
-    lines << cells.join('\t');
-  }
-  return lines.join('\n') + '\n';
-}
-
-void CChannelTable::keyPressEvent(QKeyEvent* event) {
-  if (event->matches(QKeySequence::Copy)) {
-    QGuiApplication::clipboard()->setText(Text());
-    return;
-  }
-  QTableWidget::keyPressEvent(event);
-}
-
 void CChannelTable::SetText(int row, int column, const QString& text) {
   QTableWidgetItem& cell = *item(row, column);
   if (cell.text() != text) cell.setText(text);
@@ -196,7 +173,7 @@ void CChannelTable::SetText(int row, int column, const QString& text) {
 
 QSize CChannelTable::sizeHint() const {
   const int rows = rowCount() * verticalHeader()->defaultSectionSize();
-  return {QTableWidget::sizeHint().width(),
+  return {CCopyTable::sizeHint().width(),
           horizontalHeader()->sizeHint().height() + rows + 2 * frameWidth() + 4};
 }
 
@@ -214,7 +191,7 @@ std::int16_t CChannelTable::CurrentChannel() const {
 }
 
 void CChannelTable::changeEvent(QEvent* event) {
-  QTableWidget::changeEvent(event);
+  CCopyTable::changeEvent(event);
   if (event->type() == QEvent::PaletteChange) Colour();
 }
 

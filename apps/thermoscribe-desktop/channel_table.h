@@ -1,19 +1,19 @@
 // The channels of a live view: the latest reading of each and what sums its readings up.
 #pragma once
 
-#include <QTableWidget>
 #include <cstdint>
 #include <functional>
 #include <map>
 #include <vector>
 
+#include "apps/thermoscribe-desktop/copy_table.h"
 #include "apps/thermoscribe-desktop/desktop_host.h"
 #include "apps/thermoscribe-desktop/live_measuring.h"
 #include "apps/thermoscribe-desktop/reading_store.h"
 
 namespace vane::desktop {
 
-class CChannelTable final : public QTableWidget {
+class CChannelTable final : public CCopyTable {
  public:
   explicit CChannelTable(QWidget* parent = nullptr);
 
@@ -28,15 +28,11 @@ class CChannelTable final : public QTableWidget {
   /// Of the row that the user is in; 0 for none.
   std::int16_t CurrentChannel() const;
 
-  /// All rows with their titles, for a spreadsheet.
-  QString Text() const;
-
   /// The user has chosen which channels the plot has.
   void OnPlotted(std::function<void()> observer) { onplotted_ = std::move(observer); }
 
  protected:
   void changeEvent(QEvent* event) override;
-  void keyPressEvent(QKeyEvent* event) override;
 
  private:
   void Colour();

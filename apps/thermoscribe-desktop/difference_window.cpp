@@ -1,19 +1,16 @@
 #include "apps/thermoscribe-desktop/difference_window.h"
 
-#include <QClipboard>
 #include <QDialog>
 #include <QDialogButtonBox>
-#include <QGuiApplication>
 #include <QHeaderView>
 #include <QLabel>
 #include <QLocale>
 #include <QPushButton>
-#include <QShortcut>
-#include <QTableWidget>
 #include <QVBoxLayout>
 
 #include "adapters/qt/qt_text.h"
 #include "apps/snapshots/value_text.h"
+#include "apps/thermoscribe-desktop/copy_table.h"
 
 namespace vane::desktop {
 namespace {
@@ -36,7 +33,7 @@ class CCell final : public QTableWidgetItem {
 class CDifferenceWindow final : public QDialog {
  public:
   CDifferenceWindow(QWidget* parent, const DifferenceView& view)
-      : QDialog(parent), table_(new QTableWidget(this)) {
+      : QDialog(parent), table_(new CCopyTable(this)) {
     setObjectName("differences");
     setWindowTitle(view.title);
     auto* const layout = new QVBoxLayout(this);
@@ -55,9 +52,6 @@ class CDifferenceWindow final : public QDialog {
     layout->addWidget(box);
     connect(box, &QDialogButtonBox::accepted, this, &QDialog::accept);
     connect(box, &QDialogButtonBox::rejected, this, &QDialog::reject);
-    auto* const copy = new QShortcut(QKeySequence::Copy, table_);
-    connect(copy, &QShortcut::activated, this,
-            [this] { QGuiApplication::clipboard()->setText(Text()); });
     resize(720, 420);
   }
 
@@ -95,20 +89,7 @@ class CDifferenceWindow final : public QDialog {
     table_->resizeColumnsToContents();
   }
 
-  QString Text() const {
-    QStringList lines;
-    for (int row = -1; row < table_->rowCount(); ++row) {
-      QStringList cells;
-      for (int column = 0; column < table_->columnCount(); ++column) {
-        cells
-            << (row < 0 ? table_->horizontalHeaderItem(column) : table_->item(row, column))->text();
-      }
-      lines << cells.join('\t');
-    }
-    return lines.join('\n') + '\n';
-  }
-
-  QTableWidget* const table_;
+  CCopyTable* const table_;
 };
 
 }  // namespace

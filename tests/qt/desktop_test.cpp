@@ -425,7 +425,10 @@ TEST_F(Window, EditsASettingAndAProbeAndDownloadsALog) {
 
   window_->findChild<CChannelTable*>()->setCurrentCell(3, 0);  // scanner channel 3
   EXPECT_EQ(Through([this] { Trigger("Channel..."); },
-                    {[](QWidget& dialog) { Press(dialog, "Edit"); },
+                    {[](QWidget& dialog) {
+                       EXPECT_EQ(FromQt(dialog.windowTitle()), "Scanner Channel 3 Settings");
+                       Press(dialog, "Edit");
+                     },
                      [](QWidget& passcode) { GivePasscode(passcode); },
                      [](QWidget& dialog) { Press(dialog, "Conversion Settings..."); },
                      [&](QWidget& editor) {

@@ -506,5 +506,58 @@ TEST(QtView, DownloadIsChosenAsAtTheDoor) {
   EXPECT_THAT(seen, HasSubstr("txtReadings=10"));
 }
 
+// What a field does with a value beyond its limits, and a window with what can't be written.
+TEST(QtView, LimitsAndChecksAreThoseAtTheDoor) {
+  const Acts settings = [](CHands& user) {
+    user.Press("cmdEditProtected");
+    user.ShowTab(1);
+    user.Enter("txtInterval", "100000");
+    user.Tab(true);
+    user.Enter("txtIntegrationTime", "100");
+    user.Tab(true);
+    user.Enter("txtConversionTime", "5");
+    user.Tab(true);
+    user.Enter("txtInterval", "4");
+    user.Tab(true);
+    user.ShowTab(2);
+    user.Pick("cboChannelMode", 4);
+    user.Pick("cboScanMode", 4);
+    user.Enter("txtSteps", "1");
+    user.Tab(true);
+    user.Enter("txtSteps", "3");
+    user.Tab(true);
+    user.Press("cmdApply");
+    user.Escape();
+  };
+  const std::string seen =
+      WalkTwice({{"frmT312BSettings", settings}}, [](CVaneT312B& it) { EXPECT_FALSE(it.Edit()); });
+  for (const char* const text : {"txtInterval=99999", "txtIntegrationTime=4", "txtConversionTime=4",
+                                 "box A valid channel must be assigned to every step"}) {
+    EXPECT_THAT(seen, HasSubstr(text));
+  }
+  const Acts channel = [](CHands& user) {
+    user.Press("cmdEditProtected");
+    user.Enter("txtCurrent", "30");
+    user.Tab(true);
+    user.Press("cmdApply");
+    user.Escape();
+  };
+  EXPECT_THAT(WalkTwice({{"frmT312BPRTTHRMChannel", channel}},
+                        [](CVaneT312B& it) { EXPECT_FALSE(it.EditChannel(3)); }),
+              testing::AllOf(HasSubstr("txtCurrent=21.0000"),
+                             HasSubstr("box Do you wish to write the changes that have been made "
+                                       "to this channel?")));
+  const Acts download = [](CHands& user) {
+    user.Choose("optReadings", 1);
+    user.Enter("txtReadings", "500");
+    user.Tab(true);
+    user.Enter("txtReadings", "");
+    user.Escape();
+  };
+  EXPECT_THAT(WalkTwice({{"frmT312BDownloadOptions", download}},
+                        [](CVaneT312B& it) { it.DownloadLoggedData(); }),
+              HasSubstr("txtReadings=100"));
+}
+
 }  // namespace
 }  // namespace vane
