@@ -97,6 +97,8 @@ CMainWindow::CMainWindow(CDesktopHost& host) : host_(host) {
 }
 
 CMainWindow::~CMainWindow() {
+  // A pane that is shown is hidden when the window has gone down to a plain one already.
+  tracepane_->toggleViewAction()->disconnect(this);
   host_.SetTrace(nullptr);
   host_.Platform().OnBox(nullptr);
   host_.OnTrouble(nullptr);
