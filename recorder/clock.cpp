@@ -15,6 +15,7 @@ constexpr std::int64_t kMsPerSecond = 1000;
 // the two clocks one after the other.
 constexpr std::int64_t kSteering = 1000;  // one part in
 constexpr std::int64_t kSmallestStep = 100;
+constexpr int kTries = 5;
 
 std::int64_t Milliseconds(clockid_t clock) {
   timespec now{};
@@ -30,7 +31,15 @@ std::string Formatted(const char* form, const std::tm& fields) {
 }  // namespace
 
 Moment CMachineClock::Now() const {
-  return {Milliseconds(CLOCK_REALTIME), Milliseconds(CLOCK_BOOTTIME)};
+  Moment now;
+  // Somebody else may have the processor between two of them; that is no step of a clock.
+  for (int tries = 0; tries < kTries; ++tries) {
+    now.monotonic = Milliseconds(CLOCK_BOOTTIME);
+    now.utc = Milliseconds(CLOCK_REALTIME);
+    now.awake = Milliseconds(CLOCK_MONOTONIC);
+    if (Milliseconds(CLOCK_BOOTTIME) - now.monotonic <= 1) break;
+  }
+  return now;
 }
 
 std::string CMachineClock::Boot() const {
@@ -40,14 +49,18 @@ std::string CMachineClock::Boot() const {
   return id;
 }
 
-std::optional<std::int64_t> CStepWatch::Look(const Moment& now) {
-  const std::optional<Moment> last = last_;
+CStepWatch::Found CStepWatch::Look(const Moment& now) {
+  const Moment last = last_.value_or(now);
+  const std::int64_t passed = now.monotonic - last.monotonic;
+  Found found{now.utc - last.utc - passed, passed - (now.awake - last.awake)};
+  if (std::llabs(found.step) <= kSmallestStep + passed / kSteering) {
+    found.step = 0;
+    // A clock that creeps away in smaller ones is still one that was set.
+    if (last_ && passed < kSmallestStep) return found;
+  }
+  if (found.asleep <= kSmallestStep) found.asleep = 0;
   last_ = now;
-  if (!last) return std::nullopt;
-  const std::int64_t passed = now.monotonic - last->monotonic;
-  const std::int64_t step = (now.utc - last->utc) - passed;
-  if (std::llabs(step) <= kSmallestStep + passed / kSteering) return std::nullopt;
-  return step;
+  return found;
 }
 
 std::string TimeText(std::int64_t utc, bool islocal) {

@@ -1,4 +1,4 @@
-// The two clocks of a recording, and what a step of the wall clock looks like between them.
+// The clocks of a recording, and what a step of the wall clock looks like between them.
 #pragma once
 
 #include <cstdint>
@@ -7,12 +7,13 @@
 
 namespace vane::recorder {
 
-/// One moment on both clocks, in milliseconds.
+/// One moment on all clocks, in milliseconds.
 struct Moment {
   std::int64_t utc = 0;  ///< since 1970, without leap seconds; somebody may set it
   /// Since the machine was started, the time that it was suspended included. Never goes back, and
   /// means nothing behind the next start.
   std::int64_t monotonic = 0;
+  std::int64_t awake = 0;  ///< as `monotonic`, but stands still while the machine is suspended
 
   friend bool operator==(const Moment&, const Moment&) = default;
 };
@@ -33,12 +34,17 @@ class CMachineClock final : public CClock {
   std::string Boot() const override;
 };
 
-/// Notices when the wall clock is set.
+/// Notices when the wall clock is set, and when the machine was suspended.
 class CStepWatch {
  public:
-  /// By how many milliseconds the wall clock went forward (or back, below 0) against the monotonic
-  /// one since the last call; nothing for what a clock that is merely steered does by itself.
-  std::optional<std::int64_t> Look(const Moment& now);
+  struct Found {
+    /// By how much the wall clock went forward (or back, below 0) against the monotonic one since
+    /// the last call; 0 for what a clock that is merely steered does by itself.
+    std::int64_t step = 0;
+    std::int64_t asleep = 0;
+  };
+
+  Found Look(const Moment& now);
 
  private:
   std::optional<Moment> last_;

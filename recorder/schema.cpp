@@ -56,6 +56,9 @@ CREATE TABLE event (
   channel INTEGER,
   number REAL,
   text TEXT NOT NULL);
+CREATE TABLE watched (
+  name TEXT PRIMARY KEY,
+  value TEXT NOT NULL) WITHOUT ROWID;
 CREATE TABLE reader (
   name TEXT PRIMARY KEY,
   reading INTEGER NOT NULL DEFAULT 0,
@@ -74,6 +77,13 @@ static_assert(kSteps.size() == kSchemaVersion);
 
 std::int64_t Version(CDatabase& database) { return database.Number("PRAGMA user_version"); }
 
+}  // namespace
+
+bool IsEmpty(CDatabase& database) {
+  return database.Number("SELECT count(*) FROM sqlite_schema") == 0 &&
+         database.Number("PRAGMA application_id") == 0;
+}
+
 void RequireRecording(CDatabase& database) {
   if (database.Number("PRAGMA application_id") != kApplication) {
     throw CStoreError("The file is no recording.");
@@ -83,13 +93,6 @@ void RequireRecording(CDatabase& database) {
                       ". This program knows versions up to " + std::to_string(kSchemaVersion) +
                       "; a newer one is needed.");
   }
-}
-
-}  // namespace
-
-bool IsEmpty(CDatabase& database) {
-  return database.Number("SELECT count(*) FROM sqlite_schema") == 0 &&
-         database.Number("PRAGMA application_id") == 0;
 }
 
 void BringUpToDate(CDatabase& database) {

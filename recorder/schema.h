@@ -17,6 +17,9 @@ bool IsEmpty(CDatabase& database);
 /// to this one. Raises `CStoreError` for a file that is no recording, and for a newer schema.
 void BringUpToDate(CDatabase& database);
 
+/// Raises `CStoreError` for a file that is no recording, and for a newer schema.
+void RequireRecording(CDatabase& database);
+
 /// Raises `CStoreError` for what can't be read: no recording, or a newer schema.
 void RequireReadable(CDatabase& database);
 

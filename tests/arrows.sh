@@ -35,6 +35,7 @@ adapters/headless/* vane/ adapters/(posix|serial|conversions|files|headless)/
 adapters/qt/* vane/ adapters/(posix|serial|conversions|files|headless|qt)/
 apps/thermoscribe-desktop/plot/* apps/thermoscribe-desktop/(plot/|reading_store)
 apps/snapshots/* vane/ physics/ adapters/(posix|files)/ apps/snapshots/
+apps/recording/* vane/ recorder/ adapters/serial/ apps/(snapshots|recording)/
 recorder/* vane/ recorder/
 simulator/* protocol/ physics/ simulator/ vane/components/commands.h
 END

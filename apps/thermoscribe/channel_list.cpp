@@ -6,6 +6,8 @@
 
 #include "apps/thermoscribe/assignments.h"
 #include "apps/thermoscribe/command.h"
+#include "vane/channels/channel.h"
+#include "vane/instrument/t312b.h"
 #include "vane/support/texts.h"
 
 namespace vane::thermoscribe {
@@ -42,6 +44,15 @@ std::vector<std::int16_t> ChannelList(const std::string& option, const std::stri
       }
       channels.push_back(channel);
     }
+  }
+  return channels;
+}
+
+std::vector<std::int16_t> ChannelsInUse(const CVaneT312B& instrument) {
+  std::vector<std::int16_t> channels;
+  for (std::int16_t chn = 1; chn <= instrument.NumChannels(); ++chn) {
+    const CVaneT312BPRTTHRMChannel* const channel = instrument.GetChannelReference(chn);
+    if (channel != nullptr && channel->Enabled()) channels.push_back(chn);
   }
   return channels;
 }

@@ -78,6 +78,12 @@ CHost::CHost(HostOptions options, CNotices& notices)
 
 CHost::~CHost() = default;
 
+void CHost::ForgetTroubles() {
+  errorcode_.reset();
+  line_->firsttrouble = {};
+  line_->lastfailure = {};
+}
+
 const LineFailure& CHost::LastFailure() const { return line_->lastfailure; }
 
 const std::shared_ptr<CConfigRegistry>& CHost::Registry() {
@@ -88,7 +94,7 @@ const std::shared_ptr<CConfigRegistry>& CHost::Registry() {
   return registry_;
 }
 
-EExitCode CHost::Connect() {
+void CHost::ChooseLine() {
   TakeDefaults(options_, *Registry());
   line_->timeout = options_.timeout;
   if (!options_.tracefile.empty()) {
@@ -104,7 +110,10 @@ EExitCode CHost::Connect() {
   }
   instrument_.SetRegistry(Registry());
   instrument_.InitializeCommunications({}, EVanePortNumber::PORT_1, options_.baud);
+}
 
+EExitCode CHost::Connect() {
+  ChooseLine();
   // The run below would tell of each exchange that fails on a dead line; one message is enough.
   if (!instrument_.InitializeCommunicationSettings()) return CodeOfStoppedRun();
   if (instrument_.QueryChannelInfo()) return CheckFindings();

@@ -73,7 +73,11 @@ class CHost final : public CAudience {
   /// The user's configuration; opens no line.
   const std::shared_ptr<CConfigRegistry>& Registry();
 
-  /// Opens the line, proves the instrument and finds out its modules and channels. When the result
+  /// Learns which line it is, and opens it with the first exchange. Raises `CUsageError` when it
+  /// can't know which.
+  void ChooseLine();
+
+  /// `ChooseLine`, opens the line, proves the instrument and finds out its modules and channels. When the result
   /// is not `DONE` the user has been told why; then what was found out so far is in the instrument
   /// object. Raises `CUsageError` when it can't know which line.
   EExitCode Connect();
@@ -125,6 +129,17 @@ class CHost final : public CAudience {
   bool IsInterrupted() const override { return interrupts_.Pending(); }
 
   const WrittenFile& LatestFile() const { return factory_.LatestFile(); }
+
+  /// Answers and errors only.
+  bool IsQuiet() const { return options_.quiet; }
+
+  /// Where the readout is, for people. After `ChooseLine`.
+  std::string LineText() const {
+    return options_.simulated ? "simulated" : options_.port;
+  }
+
+  /// What has failed so far was dealt with: the program may still end well.
+  void ForgetTroubles();
 
   /// The latest exchange; number 0 when it went well.
   const LineFailure& LastFailure() const;

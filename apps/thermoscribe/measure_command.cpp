@@ -15,7 +15,6 @@
 #include "apps/thermoscribe/channel_list.h"
 #include "apps/thermoscribe/host.h"
 #include "apps/thermoscribe/program_commands.h"
-#include "vane/channels/channel.h"
 #include "vane/components/library_error.h"
 #include "vane/support/display_texts.h"
 #include "vane/support/timing.h"
@@ -62,15 +61,6 @@ std::string LocalTimeStamp() {
   const std::string milliseconds = std::to_string(1000 + now.tv_nsec / 1'000'000);
   stamp.insert(size - 5, "." + milliseconds.substr(1));
   return stamp;
-}
-
-std::vector<std::int16_t> EnabledChannels(const CVaneT312B& instrument) {
-  std::vector<std::int16_t> channels;
-  for (std::int16_t chn = 1; chn <= instrument.NumChannels(); ++chn) {
-    const CVaneT312BPRTTHRMChannel* const channel = instrument.GetChannelReference(chn);
-    if (channel != nullptr && channel->Enabled()) channels.push_back(chn);
-  }
-  return channels;
 }
 
 // The readings of one channel after another, each in the units that were in force when it was
@@ -143,7 +133,7 @@ EExitCode TakeReadings(CHost& host, const MeasureOptions& options) {
   CVaneT312B& instrument = host.Instrument();
   std::vector<std::int16_t> channels = options.channels;
   if (channels.empty()) {
-    channels = EnabledChannels(instrument);
+    channels = ChannelsInUse(instrument);
     if (!options.allchannels) channels.resize(std::min<std::size_t>(channels.size(), 1));
   }
   const auto missing = std::ranges::find_if(

@@ -11,6 +11,8 @@ Command PortsCommand();
 Command IdentifyCommand();
 Command ChannelsCommand();
 Command MeasureCommand();
+Command RecordCommand();
+Command WatchCommand();
 Command ChannelCommand();
 Command ProbeCommand();
 Command ConvertCommand();
