@@ -35,6 +35,8 @@ CASES = [
     (0, "", "measure --count 2 --channel all"),
     (4, "--fault every=1:drop", "measure --timeout 0.02"),
     (0, "", "measure --stop"),
+    (0, "", "record bath.t312 --channels 1,3 --count 1 --limit 1:..-50"),
+    (0, "", "watch --count 1"),
     *((0, "", f"probe {number}") for number in range(1, 17)),
     (0, "", "channel 3"),
     (2, "--no-scanner", "channel 3"),
@@ -149,7 +151,7 @@ def main():
     for name in ("a.json", "b.json"):
         check_file(json.loads(pathlib.Path(name).read_text()), name)
 
-    known = {name for name, schema in OUTPUT["$defs"].items() if "kind" in schema["properties"]}
+    known = {name for name, schema in OUTPUT["$defs"].items() if "kind" in schema.get("properties", ())}
     # A machine need not have a port.
     if kinds | {"port"} != known:
         failures.append(f"kinds without a schema or a line: {kinds ^ known}")

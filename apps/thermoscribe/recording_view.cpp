@@ -102,23 +102,20 @@ void CRecordingView::Show(const std::vector<recorder::Reading>& readings) {
     }
     if (host_.IsQuiet()) continue;
     const Value name = NameOf(reading.channel);
-    Members members;
-    if (hasfile_) members.push_back({"sequence", reading.sequence});
-    for (Member& member : Members{{"time", recorder::TimeText(reading.time.utc)},
-                                  {"channel", reading.channel},
-                                  {"name", name},
-                                  {"reading", reading.value},
-                                  {"unit", reading.unit},
-                                  {"text", reading.text},
-                                  {"sample", reading.sample}}) {
-      members.push_back(std::move(member));
-    }
+    const Members members = {{"sequence", hasfile_ ? Value(reading.sequence) : Value()},
+                             {"time", recorder::TimeText(reading.time.utc)},
+                             {"channel", reading.channel},
+                             {"name", name},
+                             {"text", reading.text},
+                             {"reading", reading.value},
+                             {"unit", reading.unit},
+                             {"sample", reading.sample}};
     const std::string line = recorder::TimeText(reading.time.utc, true) + "  " +
                              RightBound(std::to_string(reading.channel), 2) + "  " +
                              Padded(TextOf(name), kNameColumns) + "  " +
                              Padded(reading.unit, kUnitColumns) + "  " +
                              WithUsersSeparator(PrintableText(reading.text));
-    Put([&] { host_.Output().Record("reading", members, line); });
+    Put([&] { host_.Output().Record("recordedreading", members, line); });
   }
 }
 
