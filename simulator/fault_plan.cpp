@@ -29,6 +29,7 @@ constexpr FaultKind kFaultKinds[] = {
     {"late", EFault::LATE, EValue::SECONDS, 1.5},
     {"refuse", EFault::REFUSE, EValue::NUMBER},
     {"hangup", EFault::HANGUP, EValue::SECONDS, 0.3},
+    {"power", EFault::POWER, EValue::SECONDS, 1},
     {"identify", EFault::IDENTIFY},
     {"answer", EFault::ANSWER, EValue::TEXT},
     {"overlong", EFault::OVERLONG},
@@ -70,6 +71,10 @@ void TakeValue(FaultRule& rule, EValue kind, std::string_view value, std::string
 
 }  // namespace
 
+std::string_view FaultName(EFault fault) {
+  return std::ranges::find(kFaultKinds, fault, &FaultKind::fault)->name;
+}
+
 FaultRule ParseFaultRule(std::string_view text) {
   FaultRule rule;
   const std::size_t colon = text.find(':');
@@ -103,7 +108,8 @@ FaultRule ParseFaultRule(std::string_view text) {
   });
   if (kind == std::end(kFaultKinds)) {
     Fail(text,
-         "KIND is drop, delay, garble, split, late, refuse, hangup, identify, answer or overlong");
+         "KIND is drop, delay, garble, split, late, refuse, hangup, power, identify, answer or "
+         "overlong");
   }
   rule.fault = kind->fault;
   rule.seconds = kind->seconds;

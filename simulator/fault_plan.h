@@ -17,6 +17,7 @@ enum class EFault {
   LATE,      ///< the answer comes when nobody waits for it any more
   REFUSE,    ///< the command is refused, as busy or with a number of the plan, and not obeyed
   HANGUP,    ///< the line is lost, the command is not obeyed; a new line comes after a while
+  POWER,     ///< the readout is switched off, and on again after a while; the line is lost as well
   IDENTIFY,  ///< the answer is the identification, the command is not obeyed
   ANSWER,    ///< the answer is a text of the plan, the command is not obeyed
   OVERLONG,  ///< the answer is longer than any line, the command is not obeyed
@@ -40,6 +41,9 @@ struct FaultRule {
 /// Understands "at=3:drop", "every=10:late=2", "write=2:answer=1e400", "p=0.01:garble". Raises
 /// `std::invalid_argument` with a text for the user.
 FaultRule ParseFaultRule(std::string_view text);
+
+/// As it is written in a plan.
+std::string_view FaultName(EFault fault);
 
 class CFaultPlan {
  public:

@@ -14,6 +14,7 @@
 #include <utility>
 
 #include "protocol/framing.h"
+#include "simulator/readout_numbers.h"
 
 namespace vane::simulator {
 namespace {
@@ -58,6 +59,13 @@ void CSimulatedLine::Start() {
   if (stopread_.Get() < 0 || stopwrite_.Get() < 0) {
     throw std::system_error(EMFILE, std::generic_category(), "can't make a pipe");
   }
+  if (!options_.readingslog.empty()) {
+    readingslog_ =
+        CFile(open(options_.readingslog.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0666));
+    if (readingslog_.Get() < 0) {
+      throw std::system_error(errno, std::generic_category(), options_.readingslog);
+    }
+  }
   OpenDevice();
   thread_ = std::thread([this] { Serve(); });
 }
@@ -91,6 +99,10 @@ void CSimulatedLine::HangUp(double seconds) {
 
 void CSimulatedLine::Reopen() {
   reopenat_.reset();
+  if (std::exchange(isoff_, false)) {
+    const std::lock_guard lock(readoutmutex_);
+    readout_.SwitchOn();
+  }
   try {
     OpenDevice();
   } catch (const std::runtime_error&) {
@@ -126,6 +138,22 @@ void CSimulatedLine::ReadCommands() {
   }
 }
 
+// In one piece each, so that a file may be shared with whoever comes behind.
+void CSimulatedLine::LogReading(const protocol::ParsedCommand& command, std::string_view body,
+                                const FaultRule* rule) {
+  if (readingslog_.Get() < 0) return;
+  const bool isscanner = command.row->id == ECommand::READ_SCANNER_MEASUREMENT;
+  const auto channel = ParseWhole(command.fields.Channel).value_or(0) + (isscanner ? kInputs : 0);
+  timespec now{};
+  clock_gettime(CLOCK_BOOTTIME, &now);
+  const std::string line = std::to_string(now.tv_sec * 1000 + now.tv_nsec / 1'000'000) + " " +
+                           std::to_string(readout_.FetchedSample()) + " " +
+                           std::to_string(channel) + " " + std::string(body) + " " +
+                           std::string(rule == nullptr ? "sent" : FaultName(rule->fault)) + "\n";
+  // A log that can't be written shows as one that has too little.
+  [[maybe_unused]] const ssize_t written = write(readingslog_.Get(), line.data(), line.size());
+}
+
 void CSimulatedLine::TakeLine(const protocol::ReceivedLine& received) {
   const std::string_view line = received.text;
   // A line without a tag comes from somebody at a terminal program and is answered likewise.
@@ -143,7 +171,8 @@ void CSimulatedLine::TakeLine(const protocol::ReceivedLine& received) {
   if (iswrite) ++writes_;
   const FaultRule* const rule = faults_.Strike(exchange, iswrite ? writes_ : 0);
   const auto strikes = [rule](EFault fault) { return rule != nullptr && rule->fault == fault; };
-  if (strikes(EFault::HANGUP)) {
+  if (strikes(EFault::HANGUP) || strikes(EFault::POWER)) {
+    isoff_ = strikes(EFault::POWER);
     HangUp(rule->seconds);
     return;
   }
@@ -159,6 +188,9 @@ void CSimulatedLine::TakeLine(const protocol::ReceivedLine& received) {
     body = protocol::ValueBody(std::string(protocol::kMaxLineLength, '9'));
   } else {
     body = Ask(command);
+    const bool isreading = parsed && (parsed->row->id == ECommand::READ_MEASUREMENT ||
+                                      parsed->row->id == ECommand::READ_SCANNER_MEASUREMENT);
+    if (isreading && body) LogReading(*parsed, *body, rule);
   }
   if (!body || strikes(EFault::DROP)) return;
   std::string answer = tagged ? protocol::FrameLine(framed->tag, *body) : *body;

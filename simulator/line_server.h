@@ -14,6 +14,7 @@
 #include <string_view>
 #include <thread>
 
+#include "protocol/command_table.h"
 #include "protocol/line_buffer.h"
 #include "simulator/answer_queue.h"
 #include "simulator/fault_plan.h"
@@ -57,6 +58,8 @@ class CSimulatedLine {
  private:
   void OpenDevice();
   void HangUp(double seconds);
+  void LogReading(const protocol::ParsedCommand& command, std::string_view body,
+                  const FaultRule* rule);
   void Reopen();
   void Serve();
   void ReadCommands();
@@ -73,6 +76,8 @@ class CSimulatedLine {
   CFile stopread_;
   CFile stopwrite_;
   std::optional<Moment> reopenat_;
+  bool isoff_ = false;
+  CFile readingslog_;
   protocol::CLineBuffer lines_;
   std::uint64_t writes_ = 0;  // among the exchanges
   std::atomic<std::uint64_t> exchanges_ = 0;

@@ -34,6 +34,8 @@ Faults:
             refuse[=NUMBER]   it is refused, with 20 for busy if nothing else is said
             hangup[=SECONDS]  the line is lost; later (0.3) there is a new one, its
                               path is printed and the link points to it
+            power[=SECONDS]   the same, and the readout is off meanwhile (1): its
+                              settings stay, a new sample begins when it is on again
             identify          the answer is the identification, as of a readout that
                               was just switched on
             answer=TEXT       the answer is TEXT: nothing, ERROR, 12.3.4, 1e400, ...
@@ -150,6 +152,11 @@ Options Parse(const std::function<void(CLI::App&)>& parse) {
                  "also make a symbolic link to the device at PATH;\n"
                  "an earlier link is replaced, a file is not")
       ->type_name("PATH");
+  app.add_option("--readings-log", options.readingslog,
+                 "append a line to FILE for each reading that is given:\n"
+                 "milliseconds since the start of the machine, sample,\n"
+                 "channel, reading, and what the line does with it")
+      ->type_name("FILE");
   std::vector<std::string> faults;
   app.add_option("--fault", faults, "plan a fault, see below; may be given again")
       ->type_name("WHEN:KIND")

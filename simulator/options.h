@@ -16,6 +16,7 @@ struct Options {
   std::int32_t baud = 0;  ///< 0: the line takes no time
   std::string link;       ///< empty: no link of the user's own
   std::vector<FaultRule> faults;
+  std::string readingslog;  ///< empty: none
 
   /// The manual page or the version, when it was asked for; the other members then hold nothing of
   /// use.

@@ -72,6 +72,11 @@ std::chrono::sys_seconds CReadout::ClockTime() const {
   return clocktime_ + std::chrono::floor<std::chrono::seconds>(clock_() - clocksetat_);
 }
 
+void CReadout::SwitchOn() {
+  RestartSamples(Sample(), true);
+  lastfetched_ = Sample();
+}
+
 bool CReadout::IsOldFirmware() const {
   return ParseReal(options_.firmware).value_or(0) < kNewFirmware;
 }

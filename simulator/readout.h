@@ -53,6 +53,13 @@ class CReadout {
   /// The answer to the identification command: model, comma, firmware.
   std::string Identification() const;
 
+  /// Switched off and on again just now: what is stored stays, and the first sample is one interval
+  /// away. The baths go on.
+  void SwitchOn();
+
+  /// The sample of the latest reading that was asked for.
+  std::int64_t FetchedSample() const { return lastfetched_; }
+
   /// The clock of the readout, which no command reads.
   std::chrono::sys_seconds ClockTime() const;
 

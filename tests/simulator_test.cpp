@@ -489,6 +489,35 @@ TEST(SimulatedLine, HasNoFileUnderTheNumberOfAStandardOne) {
   EXPECT_EXIT(withoutfiles(), testing::ExitedWithCode(0), "");
 }
 
+TEST(SimulatedLine, LogsWhatItGivesAndIsSwitchedOffAndOn) {
+  const std::filesystem::path log =
+      std::filesystem::temp_directory_path() / ("readings_log." + std::to_string(getpid()));
+  CSimulatedLine line(
+      ParseOptions("--fault at=2:garble --fault at=4:power=0.05 --readings-log " + log.string()));
+  line.Start();
+  const std::string path = line.Path();
+  const std::string first = Talk(path, "MEASURE 1?\r");
+  Talk(path, "SCANNER:MEASURE 10?\r");
+  Talk(path, "UNITS K\r");
+  EXPECT_EQ(Talk(path, "MEASURE:NEW?\r"), "(lost)") << "switched off";
+  for (int tries = 0, file = -1; tries < 400 && file < 0; ++tries) {
+    std::this_thread::sleep_for(5ms);
+    file = open(path.c_str(), O_RDWR | O_NOCTTY);
+    if (file >= 0) close(file);
+  }
+  EXPECT_EQ(Talk(path, "MEASURE:NEW?\r"), "=0\r\n") << "the next sample is an interval away";
+  EXPECT_EQ(Talk(path, "UNITS?\r"), "=K\r\n");
+  line.Stop();
+  std::ifstream file(log);
+  std::vector<std::string> words;
+  for (std::string word; file >> word;) words.push_back(word);
+  std::filesystem::remove(log);
+  using testing::_;
+  ASSERT_EQ(words.size(), 10u);
+  EXPECT_EQ(words[3] + "\r\n", first);
+  EXPECT_THAT(words, testing::ElementsAre(_, "0", "1", _, "sent", _, "0", "12", _, "garble"));
+}
+
 TEST(SimulatedLine, FaultsOnARealTerminal) {
   CSimulatedLine line(ParseOptions(
       "--fault at=3:drop --fault at=4:split=0.1 --fault at=5:refuse --fault at=6:identify "

@@ -6,6 +6,7 @@
 #include <csignal>
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <map>
 #include <memory>
 #include <optional>
@@ -113,11 +114,11 @@ class CRun final : public recorder::CRecordingAudience {
 
  private:
   bool HasFile() const { return !options_.file.empty(); }
-  bool OpenFile();
+  bool WithRoom(const std::function<void()>& write);
   EExitCode LearnHead();
   std::string ChannelsDiffer() const;
   std::vector<std::int16_t> Channels() const;
-  void Start();
+  bool Start();
   EExitCode Loop();
   std::string EndReason(const recorder::Moment& now) const;
   EExitCode Finish(const char* kind, const std::string& why, EExitCode code);
@@ -144,7 +145,10 @@ class CRun final : public recorder::CRecordingAudience {
 EExitCode CRun::Run() {
   // A recording outlives the terminal that it was started on.
   std::signal(SIGHUP, SIG_IGN);
-  if (HasFile() && !OpenFile()) return EExitCode::ABORTED;
+  if (HasFile()) {
+    ismade_ = !std::filesystem::exists(options_.file);
+    if (!WithRoom([&] { store_.emplace(options_.file); })) return EExitCode::ABORTED;
+  }
   const bool isnew = !store_ || store_->IsNew();
   if (!isnew) {
     if (const std::string problem = ChannelsDiffer(); !problem.empty()) {
@@ -159,10 +163,7 @@ EExitCode CRun::Run() {
     head_ = store_->Head();
     host_.ChooseLine();
   }
-  if (code == EExitCode::DONE) {
-    Start();
-    code = Loop();
-  }
+  if (code == EExitCode::DONE) code = Start() ? Loop() : EExitCode::ABORTED;
   if (ismade_ && store_ && store_->IsNew()) {
     store_.reset();
     for (const char* end : {"", "-wal", "-shm"}) {
@@ -173,12 +174,11 @@ EExitCode CRun::Run() {
   return code;
 }
 
-// False when the user didn't want to wait for room.
-bool CRun::OpenFile() {
-  ismade_ = !std::filesystem::exists(options_.file);
+// False when the user didn't want to wait any longer.
+bool CRun::WithRoom(const std::function<void()>& write) {
   for (bool istold = false;; istold = true) {
     try {
-      store_.emplace(options_.file);
+      write();
       return true;
     } catch (const recorder::CDiskFull& full) {
       if (!istold) host_.Say(std::string(full.what()) + " Waiting until there is.");
@@ -238,7 +238,7 @@ std::vector<std::int16_t> CRun::Channels() const {
   return channels;
 }
 
-void CRun::Start() {
+bool CRun::Start() {
   started_ = clock_.Now();
   recorder::Event first{.time = started_, .kind = kinds::kStarted, .text = "The recording begins."};
   std::string title = "The readings of " + head_.identification;
@@ -246,7 +246,7 @@ void CRun::Start() {
     const recorder::SessionHead session =
         SessionOf("thermoscribe " THERMOSCRIBE_VERSION, host_.LineText(), clock_);
     if (store_->IsNew()) {
-      store_->Begin(head_, session, started_);
+      if (!WithRoom([&] { store_->Begin(head_, session, started_); })) return false;
     } else {
       const auto& last = store_->Latest();
       const std::int64_t away = last.boot == session.boot ? started_.monotonic - last.time.monotonic
@@ -255,7 +255,7 @@ void CRun::Start() {
       first.number = static_cast<double>(away) / kMsPerSecond;
       first.text = "The recording goes on; the latest sign of it is " +
                    TextOf(std::round(*first.number * 10) / 10) + " s old.";
-      store_->Continue(session, started_);
+      if (!WithRoom([&] { store_->Continue(session, started_); })) return false;
     }
     title = options_.file + ", " + head_.identification;
   }
@@ -268,6 +268,7 @@ void CRun::Start() {
   engine_.emplace(*source_, store_ ? &*store_ : nullptr, head_, clock_, std::move(plan), *this);
   if (store_) engine_->Tell(first);
   TellManager("READY=1\n");
+  return true;
 }
 
 // Empty: go on.
