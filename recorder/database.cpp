@@ -1,8 +1,11 @@
 #include "recorder/database.h"
 
 #include <sqlite3.h>
+#include <unistd.h>
 
+#include <cctype>
 #include <cerrno>
+#include <cstdio>
 #include <cstring>
 
 namespace vane::recorder {
@@ -84,15 +87,42 @@ bool CStatement::IsNull(int column) const {
 void CDatabase::Finish::operator()(sqlite3* handle) const { sqlite3_close_v2(handle); }
 
 CDatabase::CDatabase(const std::filesystem::path& path, EAccess access) : path_(path) {
-  int flags = SQLITE_OPEN_READONLY;
-  if (access != EAccess::READ) flags = SQLITE_OPEN_READWRITE;
-  if (access == EAccess::MAKE) flags |= SQLITE_OPEN_CREATE;
+  if (access == EAccess::READ) {
+    OpenToRead();
+    return;
+  }
+  Open(path.string(), SQLITE_OPEN_READWRITE | (access == EAccess::MAKE ? SQLITE_OPEN_CREATE : 0));
+}
+
+void CDatabase::Open(const std::string& name, int flags) {
   sqlite3* handle = nullptr;
-  const int result = sqlite3_open_v2(path.c_str(), &handle, flags | SQLITE_OPEN_NOMUTEX, nullptr);
+  const int result = sqlite3_open_v2(name.c_str(), &handle, flags | SQLITE_OPEN_NOMUTEX, nullptr);
   handle_.reset(handle);
   if (result != SQLITE_OK) Fail();
   sqlite3_extended_result_codes(handle, 1);
   sqlite3_busy_timeout(handle, kBusyPatience);
+}
+
+// Reading needs files beside this one, which are taken away again; where none can be made, a file
+// that is complete in itself can be read all the same.
+void CDatabase::OpenToRead() {
+  const std::filesystem::path folder = path_.has_parent_path() ? path_.parent_path() : ".";
+  if (access(folder.c_str(), W_OK) == 0 && access(path_.c_str(), W_OK) == 0) {
+    Open(path_.string(), SQLITE_OPEN_READWRITE);
+    return Run("PRAGMA query_only = 1");
+  }
+  std::error_code none;
+  if (std::filesystem::exists(path_.string() + "-shm", none)) {
+    return Open(path_.string(), SQLITE_OPEN_READONLY);
+  }
+  std::string name = "file:";
+  for (const char c : std::filesystem::absolute(path_).string()) {
+    char escape[8];
+    std::snprintf(escape, sizeof escape, "%%%02X", static_cast<unsigned char>(c));
+    name +=
+        std::isalnum(static_cast<unsigned char>(c)) != 0 || c == '/' ? std::string(1, c) : escape;
+  }
+  Open(name + "?immutable=1", SQLITE_OPEN_READONLY | SQLITE_OPEN_URI);
 }
 
 void CDatabase::Run(const std::string& sql) {
@@ -121,8 +151,8 @@ void CDatabase::Fail() const {
   throw CStoreError(text + ".");
 }
 
-CTransaction::CTransaction(CDatabase& database) : database_(database) {
-  database_.Run("BEGIN IMMEDIATE");
+CTransaction::CTransaction(CDatabase& database, bool iswriting) : database_(database) {
+  database_.Run(iswriting ? "BEGIN IMMEDIATE" : "BEGIN");
 }
 
 CTransaction::~CTransaction() {

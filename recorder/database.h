@@ -68,7 +68,7 @@ class CStatement {
 
 class CDatabase {
  public:
-  enum class EAccess { READ, WRITE, MAKE };
+  enum class EAccess : std::int32_t { READ, WRITE, MAKE };
 
   CDatabase(const std::filesystem::path& path, EAccess access);
 
@@ -85,6 +85,9 @@ class CDatabase {
     void operator()(sqlite3* handle) const;
   };
 
+  void Open(const std::string& name, int flags);
+  void OpenToRead();
+
   std::filesystem::path path_;
   std::unique_ptr<sqlite3, Finish> handle_;
 };
@@ -92,7 +95,8 @@ class CDatabase {
 /// All or nothing: without `Commit` everything since its making is taken back.
 class CTransaction {
  public:
-  explicit CTransaction(CDatabase& database);
+  /// Without `iswriting` it is a look at the file as it is now.
+  explicit CTransaction(CDatabase& database, bool iswriting = true);
   ~CTransaction();
   CTransaction(const CTransaction&) = delete;
   CTransaction& operator=(const CTransaction&) = delete;

@@ -72,22 +72,31 @@ CStore::CStore(const std::filesystem::path& path)
 
 CStore::~CStore() = default;
 
-void CStore::Load() {
-  CStatement recording(database_, "SELECT uuid, identification, settings FROM recording");
-  if (!recording.Next()) return;
-  isnew_ = false;
-  uuid_ = recording.Text(0);
-  head_.identification = recording.Text(1);
-  head_.settings = recording.Text(2);
-  CStatement probes(database_, "SELECT probe, serial FROM probe");
-  while (probes.Next()) head_.probes[static_cast<std::int16_t>(probes.Whole(0))] = probes.Text(1);
-  CStatement channels(database_, "SELECT channel, name, probe FROM channel ORDER BY channel");
+RecordingHead ReadHead(CDatabase& database) {
+  RecordingHead head;
+  CStatement recording(database, "SELECT identification, settings FROM recording");
+  if (recording.Next()) {
+    head.identification = recording.Text(0);
+    head.settings = recording.Text(1);
+  }
+  CStatement probes(database, "SELECT probe, serial FROM probe");
+  while (probes.Next()) head.probes[static_cast<std::int16_t>(probes.Whole(0))] = probes.Text(1);
+  CStatement channels(database, "SELECT channel, name, probe FROM channel ORDER BY channel");
   while (channels.Next()) {
     std::optional<std::int16_t> probe;
     if (!channels.IsNull(2)) probe = static_cast<std::int16_t>(channels.Whole(2));
-    head_.channels.push_back(
+    head.channels.push_back(
         {static_cast<std::int16_t>(channels.Whole(0)), channels.Text(1), probe});
   }
+  return head;
+}
+
+void CStore::Load() {
+  CStatement recording(database_, "SELECT uuid FROM recording");
+  if (!recording.Next()) return;
+  isnew_ = false;
+  uuid_ = recording.Text(0);
+  head_ = ReadHead(database_);
   CStatement watched(database_, "SELECT name, value FROM watched");
   while (watched.Next()) watched_[watched.Text(0)] = watched.Text(1);
   CStatement units(database_, "SELECT unit, name FROM unit");

@@ -18,6 +18,9 @@
 
 namespace vane::recorder {
 
+/// Of the recording in `database`, which has one.
+RecordingHead ReadHead(CDatabase& database);
+
 class CStore {
  public:
   /// Opens the recording at `path`, or a file that there was none of yet. Raises `CStoreError` for

@@ -13,6 +13,8 @@ Command ChannelsCommand();
 Command MeasureCommand();
 Command RecordCommand();
 Command WatchCommand();
+Command ExportCommand();
+Command ReportCommand();
 Command ChannelCommand();
 Command ProbeCommand();
 Command ConvertCommand();

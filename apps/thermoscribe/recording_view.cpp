@@ -10,6 +10,7 @@
 #include <utility>
 
 #include "apps/thermoscribe/host.h"
+#include "apps/thermoscribe/recording_options.h"
 #include "vane/support/texts.h"
 
 namespace vane::thermoscribe {
@@ -124,15 +125,7 @@ void CRecordingView::Show(const recorder::Event& event) {
   if (istable_) {
     lastevent_ = line;
   } else if (host_.Output().IsJson()) {
-    Put([&] {
-      host_.Output().Record("event",
-                            {{"time", recorder::TimeText(event.time.utc)},
-                             {"event", event.kind},
-                             {"channel", event.channel ? Value(*event.channel) : Value()},
-                             {"number", event.number ? Value(*event.number) : Value()},
-                             {"text", event.text}},
-                            {});
-    });
+    Put([&] { host_.Output().Record("event", EventMembers(event), {}); });
   } else {
     host_.Note(line);
   }

@@ -14,6 +14,7 @@
 #include "apps/snapshots/probe_sensor.h"
 #include "apps/snapshots/value_rule.h"
 #include "apps/thermoscribe/host.h"
+#include "apps/thermoscribe/html_page.h"
 #include "apps/thermoscribe/probe_source.h"
 #include "apps/thermoscribe/program_commands.h"
 
@@ -50,55 +51,6 @@ std::int64_t RowsOf(const TableOptions& options) {
 
 // To a step of the tenth power that a person has typed: 0.1 + 0.2 is 0.3.
 double Rounded(double value) { return std::round(value * 1e9) / 1e9; }
-
-std::string Escaped(const std::string& text) {
-  std::string escaped;
-  for (const char c : text) {
-    switch (c) {
-      case '&':
-        escaped += "&amp;";
-        break;
-      case '<':
-        escaped += "&lt;";
-        break;
-      case '"':
-        escaped += "&quot;";
-        break;
-      default:
-        escaped += c;
-    }
-  }
-  return escaped;
-}
-
-constexpr const char* kHtmlHead = R"(<!DOCTYPE html>
-<html lang="en">
-<head>
-<meta charset="utf-8">
-<meta name="viewport" content="width=device-width, initial-scale=1">
-<title>Resistance of the thermometer %</title>
-<style>
-body { font: 10pt/1.35 sans-serif; color: #111; background: #fff; max-width: 46em; margin: 2em auto; padding: 0 1em; }
-h1 { font-size: 15pt; margin: 0 0 .2em; }
-dl { display: grid; grid-template-columns: max-content auto; gap: .15em 1.2em; margin: 1em 0; }
-dt { color: #444; }
-dd { margin: 0; font-variant-numeric: tabular-nums; }
-table { border-collapse: collapse; width: 100%; font-variant-numeric: tabular-nums; }
-th, td { text-align: right; padding: .18em .9em; border-bottom: 1px solid #ccc; }
-th { border-bottom: 2px solid #333; }
-td.note { text-align: left; font-size: 8.5pt; }
-tr:nth-child(10n) td { border-bottom-color: #777; }
-footer { color: #444; font-size: 8.5pt; margin-top: 1em; }
-@media print {
-  @page { margin: 18mm; }
-  body { margin: 0; max-width: none; }
-  thead { display: table-header-group; }
-  tr { break-inside: avoid; }
-}
-</style>
-</head>
-<body>
-)";
 
 class CTable {
  public:
@@ -212,8 +164,7 @@ class CTable {
       if (key.row != nullptr && key.row->name == "serial") serial = TextOf(value);
       fact(key.row != nullptr ? std::string(key.row->title) : key.coefficient, TextOf(value));
     }
-    std::string page = kHtmlHead;
-    page.replace(page.find('%'), 1, Escaped(serial));
+    std::string page = PageHead("Resistance of the thermometer " + serial);
     page += "<h1>Resistance of the thermometer " + Escaped(serial) + "</h1>\n<dl>\n" + facts +
             "</dl>\n<table>\n<thead><tr><th>Temperature / " + UnitText(unit_) +
             "</th><th>Resistance / \u03A9</th><th>dR/dT / \u03A9 per " + UnitText(unit_) + "</th>";
@@ -231,8 +182,10 @@ class CTable {
     for (std::size_t i = 0; i < notes.size(); ++i) {
       page += "<p><sup>" + std::to_string(i + 1) + "</sup> " + Escaped(notes[i]) + "</p>\n";
     }
-    return page + "<p>Computed from the coefficients above by thermoscribe " THERMOSCRIBE_VERSION
-                  ".</p>\n</footer>\n</body>\n</html>\n";
+    return page +
+           "<p>Computed from the coefficients above by thermoscribe " THERMOSCRIBE_VERSION
+           ".</p>\n</footer>\n" +
+           std::string(kPageEnd);
   }
   // The number of a note, which is added where it is new.
   static std::string Mark(std::vector<std::string>& notes, const Value& note) {
