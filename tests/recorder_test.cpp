@@ -55,7 +55,7 @@ class CTestReadout final : public CReadoutSource {
   std::invoke_result_t<Act> Exchange(const Act& act) {
     const auto [before, behind] = fault ? fault() : std::pair<std::int64_t, std::int64_t>{0, 0};
     clock.Pass(cost / 2 + std::abs(before));
-    const auto answer = act();
+    auto answer = act();
     clock.Pass(cost - cost / 2 + std::abs(behind));
     if (before < 0 || behind < 0) throw CLineTrouble("no answer");
     return answer;
@@ -74,7 +74,7 @@ class CTestReadout final : public CReadoutSource {
     return Exchange([&] { return Sample() > fetched; });
   }
   std::string ReadReading(std::int16_t channel) override {
-    const std::string answer = Exchange([&] {
+    std::string answer = Exchange([&] {
       fetched = Sample();
       return text(channel, fetched);
     });
@@ -138,42 +138,43 @@ class Recorder : public testing::Test {
  protected:
   Recorder() {
     static int number = 0;
-    folder = std::filesystem::temp_directory_path() /
-             ("recorder_test." + std::to_string(getpid()) + "." + std::to_string(++number));
-    std::filesystem::create_directories(folder);
-    file = folder / "bath.t312";
-    head = {.identification = "T312B, 5.03", .settings = "{}", .probes = {{1, "SP-4107"}}};
-    head.channels = {{1, "Input 1", 1}};
+    folder_ = std::filesystem::temp_directory_path() /
+              ("recorder_test." + std::to_string(getpid()) + "." + std::to_string(++number));
+    std::filesystem::create_directories(folder_);
+    file_ = folder_ / "bath.t312";
+    head_ = {.identification = "T312B, 5.03", .settings = "{}", .probes = {{1, "SP-4107"}}};
+    head_.channels = {{1, "Input 1", 1}};
   }
-  ~Recorder() override { std::filesystem::remove_all(folder); }
+  ~Recorder() override { std::filesystem::remove_all(folder_); }
 
   void Open() {
-    store = std::make_unique<CStore>(file);
-    const SessionHead session{"test", "host", "port", clock.boot};
-    if (store->IsNew()) {
-      store->Begin(head, session, clock.now);
+    store_ = std::make_unique<CStore>(file_);
+    const SessionHead session{"test", "host", "port", clock_.boot};
+    if (store_->IsNew()) {
+      store_->Begin(head_, session, clock_.now);
     } else {
-      store->Continue(session, clock.now);
+      store_->Continue(session, clock_.now);
     }
-    engine = std::make_unique<CEngine>(readout, store.get(), head, clock, recordingplan, seen);
+    engine_ =
+        std::make_unique<CEngine>(readout_, store_.get(), head_, clock_, recordingplan_, seen_);
   }
   void Close() {
-    engine.reset();
-    store.reset();
+    engine_.reset();
+    store_.reset();
   }
   void Run(std::int64_t ms) {
-    for (const std::int64_t end = clock.now.monotonic + ms; clock.now.monotonic < end;) {
-      clock.Pass(std::clamp<std::int64_t>(engine->Step(), 0, 500));
+    for (const std::int64_t end = clock_.now.monotonic + ms; clock_.now.monotonic < end;) {
+      clock_.Pass(std::clamp<std::int64_t>(engine_->Step(), 0, 500));
     }
   }
 
   std::int64_t Number(const std::string& sql) {
-    CDatabase database(file, CDatabase::EAccess::READ);
+    CDatabase database(file_, CDatabase::EAccess::READ);
     return database.Number(sql);
   }
-  // Of the file: sequence numbers without a hole, no sample of a channel twice, each in its order.
+  // Of the file_: sequence numbers without a hole, no sample of a channel twice, each in its order.
   void ExpectWhole(std::size_t shown) {
-    CDatabase database(file, CDatabase::EAccess::READ);
+    CDatabase database(file_, CDatabase::EAccess::READ);
     CStatement all(database,
                    "SELECT sequence, channel, sample, text FROM reading ORDER BY sequence");
     std::int64_t sequence = 0;
@@ -195,34 +196,34 @@ class Recorder : public testing::Test {
     EXPECT_EQ(static_cast<std::size_t>(sequence), shown);
   }
 
-  std::filesystem::path folder;
-  std::filesystem::path file;
-  CTestClock clock;
-  CTestReadout readout{clock};
-  RecordingHead head;
-  RecordingPlan recordingplan{.channels = {1}};
-  Seen seen;
-  std::unique_ptr<CStore> store;
-  std::unique_ptr<CEngine> engine;
+  std::filesystem::path folder_;
+  std::filesystem::path file_;
+  CTestClock clock_;
+  CTestReadout readout_{clock_};
+  RecordingHead head_;
+  RecordingPlan recordingplan_{.channels = {1}};
+  Seen seen_;
+  std::unique_ptr<CStore> store_;
+  std::unique_ptr<CEngine> engine_;
 };
 
 // 14 exchanges of 45 ms are what a line of 9600 bit/s carries in two thirds of a second.
 TEST_F(Recorder, TwelveChannelsAtTheFastestPaceOnASlowLineMissNothing) {
-  readout.cost = 45;
-  readout.plan.mode = ET312BChannelMode::CM_SCANNER_SEQUENCE;
-  recordingplan.channels = {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12};
+  readout_.cost = 45;
+  readout_.plan.mode = ET312BChannelMode::CM_SCANNER_SEQUENCE;
+  recordingplan_.channels = {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12};
   Open();
   Run(600'000);
-  EXPECT_THAT(seen.Kinds(), IsEmpty());
-  for (const std::int16_t channel : recordingplan.channels) {
-    const std::vector<std::string> texts = seen.Texts(channel);
+  EXPECT_THAT(seen_.Kinds(), IsEmpty());
+  for (const std::int16_t channel : recordingplan_.channels) {
+    const std::vector<std::string> texts = seen_.Texts(channel);
     ASSERT_GE(texts.size(), 597U);
     for (std::size_t i = 0; i < texts.size(); ++i) {
       const std::int64_t first = std::stoll(texts[0].substr(texts[0].find('.') + 1));
-      ASSERT_EQ(texts[i], readout.text(channel, first + static_cast<std::int64_t>(i)));
+      ASSERT_EQ(texts[i], readout_.text(channel, first + static_cast<std::int64_t>(i)));
     }
   }
-  ExpectWhole(seen.readings.size());
+  ExpectWhole(seen_.readings.size());
 }
 
 // Whatever the line does and whenever the program dies, a reading is filed once under its sample.
@@ -232,15 +233,15 @@ TEST_F(Recorder, FaultsAndKillsDoubleNothingAndMisfileNothing) {
     const auto in = [&](std::int64_t low, std::int64_t high) {
       return std::uniform_int_distribution<std::int64_t>(low, high)(chance);
     };
-    file = folder / std::to_string(seed);
-    seen = {};
-    clock.now.monotonic += 1;
-    readout.interval = in(1, 3) * 1000;
-    readout.base = readout.fetched = 0;
-    readout.cost = in(1, 60);
-    recordingplan.channels = {1, 3, 4};
+    file_ = folder_ / std::to_string(seed);
+    seen_ = {};
+    clock_.now.monotonic += 1;
+    readout_.interval = in(1, 3) * 1000;
+    readout_.base = readout_.fetched = 0;
+    readout_.cost = in(1, 60);
+    recordingplan_.channels = {1, 3, 4};
     bool isoff = false;
-    readout.fault = [&]() -> std::pair<std::int64_t, std::int64_t> {
+    readout_.fault = [&]() -> std::pair<std::int64_t, std::int64_t> {
       if (std::exchange(isoff, false)) return {-300, 0};
       const std::int64_t die = in(1, 1000);
       if (die <= 8) return {in(100, 2500), 0};
@@ -250,29 +251,29 @@ TEST_F(Recorder, FaultsAndKillsDoubleNothingAndMisfileNothing) {
     };
     for (int life = 0; life < 8; ++life) {
       Open();
-      const std::int64_t end = clock.now.monotonic + in(3, 60) * 1000;
-      while (clock.now.monotonic < end) {
-        clock.Pass(std::clamp<std::int64_t>(engine->Step(), 0, 500));
+      const std::int64_t end = clock_.now.monotonic + in(3, 60) * 1000;
+      while (clock_.now.monotonic < end) {
+        clock_.Pass(std::clamp<std::int64_t>(engine_->Step(), 0, 500));
         // A readout that was off counts its samples anew; here it must not say the same again.
         if (in(1, 3000) == 1) {
-          readout.base = readout.Sample() + 5;
-          readout.begin = clock.now.awake - in(0, readout.interval - 1);
-          readout.fetched = readout.base;
+          readout_.base = readout_.Sample() + 5;
+          readout_.begin = clock_.now.awake - in(0, readout_.interval - 1);
+          readout_.fetched = readout_.base;
           isoff = true;
         }
       }
       Close();
-      if (in(0, 2) == 0) clock.Pass(in(1, 100'000));
+      if (in(0, 2) == 0) clock_.Pass(in(1, 100'000));
       if (in(0, 5) == 0) {  // started anew, with a clock that counts from 0
-        clock.boot += "+";
-        const std::int64_t back = clock.now.monotonic - in(10'000, 90'000);
-        clock.now.monotonic -= back;
-        clock.now.awake -= back;
-        readout.begin -= back;
+        clock_.boot += "+";
+        const std::int64_t back = clock_.now.monotonic - in(10'000, 90'000);
+        clock_.now.monotonic -= back;
+        clock_.now.awake -= back;
+        readout_.begin -= back;
       }
     }
-    EXPECT_GT(seen.readings.size(), 50U) << seed;
-    ExpectWhole(seen.readings.size());
+    EXPECT_GT(seen_.readings.size(), 50U) << seed;
+    ExpectWhole(seen_.readings.size());
     if (HasFailure()) FAIL() << "seed " << seed;
   }
 }
@@ -280,16 +281,16 @@ TEST_F(Recorder, FaultsAndKillsDoubleNothingAndMisfileNothing) {
 TEST_F(Recorder, WhatPassedUnseenIsAnEventWithItsNumber) {
   Open();
   Run(5'500);
-  ASSERT_EQ(seen.events.size(), 0U);
-  const std::size_t before = seen.readings.size();
-  clock.Pass(10'000);  // the host had other things to do
+  ASSERT_EQ(seen_.events.size(), 0U);
+  const std::size_t before = seen_.readings.size();
+  clock_.Pass(10'000);  // the host had other things to do
   Run(3'000);
-  ASSERT_THAT(seen.Kinds(), ElementsAre("missed"));
+  ASSERT_THAT(seen_.Kinds(), ElementsAre("missed"));
   const auto step = [&](std::size_t i) {
-    return seen.readings[i].sample - seen.readings[i - 1].sample;
+    return seen_.readings[i].sample - seen_.readings[i - 1].sample;
   };
-  EXPECT_EQ(step(before), *seen.events[0].number + 1);
-  EXPECT_EQ(*seen.events[0].number, 9);
+  EXPECT_EQ(step(before), *seen_.events[0].number + 1);
+  EXPECT_EQ(*seen_.events[0].number, 9);
   EXPECT_EQ(step(before + 1), 1);
   EXPECT_EQ(Number("SELECT behind FROM event WHERE kind = 'missed'"),
             static_cast<std::int64_t>(before));
@@ -299,20 +300,20 @@ TEST_F(Recorder, WhatPassedUnseenIsAnEventWithItsNumber) {
 // and the next one is still taken.
 TEST_F(Recorder, AnAnswerAcrossASampleCostsThatSampleAlone) {
   for (const auto& slow : {std::pair<std::int64_t, std::int64_t>{1200, 0}, {0, 1200}, {985, 0}}) {
-    file = folder / std::to_string(slow.first);
-    seen = {};
+    file_ = folder_ / std::to_string(slow.first);
+    seen_ = {};
     Open();
     Run(5'400);
     int exchanges = 0;
-    readout.fault = [&] {
-      const bool isreading = ++exchanges > 1 && engine->State() == CEngine::EState::READING;
-      return isreading ? std::exchange(readout.fault, nullptr),
+    readout_.fault = [&] {
+      const bool isreading = ++exchanges > 1 && engine_->State() == CEngine::EState::READING;
+      return isreading ? std::exchange(readout_.fault, nullptr),
              slow      : std::pair<std::int64_t, std::int64_t>{0, 0};
     };
     Run(5'000);
-    EXPECT_THAT(seen.Kinds(), ElementsAre("missed"));
-    EXPECT_EQ(*seen.events.at(0).number, 1);
-    ExpectWhole(seen.readings.size());
+    EXPECT_THAT(seen_.Kinds(), ElementsAre("missed"));
+    EXPECT_EQ(*seen_.events.at(0).number, 1);
+    ExpectWhole(seen_.readings.size());
     Close();
   }
 }
@@ -322,9 +323,9 @@ TEST_F(Recorder, ALostReadoutIsFoundAgainWithGrowingPausesAndAnotherOneEndsIt) {
   Run(3'000);
   std::vector<std::int64_t> tries;
   bool isgone = true;
-  readout.fault = [&]() -> std::pair<std::int64_t, std::int64_t> {
+  readout_.fault = [&]() -> std::pair<std::int64_t, std::int64_t> {
     if (!isgone) return {0, 0};
-    tries.push_back(clock.now.monotonic);
+    tries.push_back(clock_.now.monotonic);
     return {-1, 0};
   };
   Run(400'000);
@@ -336,10 +337,10 @@ TEST_F(Recorder, ALostReadoutIsFoundAgainWithGrowingPausesAndAnotherOneEndsIt) {
   }
   isgone = false;
   Run(63'000);
-  EXPECT_THAT(seen.Kinds(), ElementsAre("lost", "reconnected"));
-  EXPECT_NEAR(*seen.events[1].number, static_cast<double>(clock.now.monotonic - tries[0]) / 1000,
+  EXPECT_THAT(seen_.Kinds(), ElementsAre("lost", "reconnected"));
+  EXPECT_NEAR(*seen_.events[1].number, static_cast<double>(clock_.now.monotonic - tries[0]) / 1000,
               63);
-  readout.difference = "another one";
+  readout_.difference = "another one";
   isgone = true;
   Run(500);
   isgone = false;
@@ -347,44 +348,44 @@ TEST_F(Recorder, ALostReadoutIsFoundAgainWithGrowingPausesAndAnotherOneEndsIt) {
 }
 
 TEST_F(Recorder, SettingsUnitsRefusalsLimitsAndSilenceAreEvents) {
-  recordingplan.limits = {{1, {.low = {}, .high = 1.5}}};
-  readout.text = [](std::int16_t, std::int64_t sample) {
+  recordingplan_.limits = {{1, {.low = {}, .high = 1.5}}};
+  readout_.text = [](std::int16_t, std::int64_t sample) {
     return std::to_string(sample % 4 < 2 ? 1 : 2) + ".0" + std::to_string(sample);
   };
-  readout.watched = {{"Interval", "1"}, {"Filter", "NONE"}};
+  readout_.watched = {{"Interval", "1"}, {"Filter", "NONE"}};
   Open();
   Run(3'000);
-  EXPECT_THAT(seen.Kinds(), ElementsAre("alarm"));
+  EXPECT_THAT(seen_.Kinds(), ElementsAre("alarm"));
   Run(4'000);
-  EXPECT_THAT(seen.Kinds(), ElementsAre("alarm", "normal", "alarm"));
-  seen.events.clear();
-  recordingplan.limits.clear();
+  EXPECT_THAT(seen_.Kinds(), ElementsAre("alarm", "normal", "alarm"));
+  seen_.events.clear();
+  recordingplan_.limits.clear();
   Close();
-  readout.watched[1].second = "AVERAGE";  // while nobody looked
+  readout_.watched[1].second = "AVERAGE";  // while nobody looked
   Open();
   Run(1'500);
-  ASSERT_THAT(seen.Kinds(), ElementsAre("settings"));
-  EXPECT_EQ(seen.events[0].text, "Filter: NONE -> AVERAGE");
-  seen.events.clear();
-  readout.unit = "K";
-  readout.watched[0].second = "3";  // and so it is from now on
-  readout.begin = clock.now.awake - 3000 * (readout.Sample() - readout.base);
-  readout.interval = 3000;
+  ASSERT_THAT(seen_.Kinds(), ElementsAre("settings"));
+  EXPECT_EQ(seen_.events[0].text, "Filter: NONE -> AVERAGE");
+  seen_.events.clear();
+  readout_.unit = "K";
+  readout_.watched[0].second = "3";  // and so it is from now on
+  readout_.begin = clock_.now.awake - 3000 * (readout_.Sample() - readout_.base);
+  readout_.interval = 3000;
   Run(20'000);
-  EXPECT_THAT(seen.Kinds(), Contains("settings").Times(2));
-  EXPECT_THAT(seen.Kinds(), testing::Not(Contains("lost")));
-  EXPECT_EQ(seen.readings.back().unit, "K");
-  seen.events.clear();
-  readout.refused = {1};
+  EXPECT_THAT(seen_.Kinds(), Contains("settings").Times(2));
+  EXPECT_THAT(seen_.Kinds(), testing::Not(Contains("lost")));
+  EXPECT_EQ(seen_.readings.back().unit, "K");
+  seen_.events.clear();
+  readout_.refused = {1};
   Run(20'000);
-  EXPECT_THAT(seen.Kinds(), ElementsAre("refused"));
-  readout.refused.clear();
-  seen.events.clear();
-  readout.interval = 1'000'000'000;
-  readout.begin = clock.now.awake;
-  readout.fetched = readout.base = 0;
+  EXPECT_THAT(seen_.Kinds(), ElementsAre("refused"));
+  readout_.refused.clear();
+  seen_.events.clear();
+  readout_.interval = 1'000'000'000;
+  readout_.begin = clock_.now.awake;
+  readout_.fetched = readout_.base = 0;
   Run(60'000);
-  EXPECT_THAT(seen.Kinds(), ElementsAre("silent"));
+  EXPECT_THAT(seen_.Kinds(), ElementsAre("silent"));
 }
 
 // By which samples a channel must have been measured again, an equal reading is a new one.
@@ -413,72 +414,72 @@ TEST_F(Recorder, EqualReadingsCountByTheScanSettings) {
       {{.mode = ET312BChannelMode{99}}, 1, 0}};
   for (const auto& [plan, channel, round] : rows) {
     EXPECT_EQ(RoundOf(plan, channel), round);
-    file = folder / ("equal" + std::to_string(&plan - &std::get<0>(rows[0])));
-    seen = {};
-    readout.plan = plan;
-    readout.text = [](std::int16_t, std::int64_t) { return std::string("20.00"); };
-    recordingplan.channels = {channel};
+    file_ = folder_ / ("equal" + std::to_string(&plan - &std::get<0>(rows[0])));
+    seen_ = {};
+    readout_.plan = plan;
+    readout_.text = [](std::int16_t, std::int64_t) { return std::string("20.00"); };
+    recordingplan_.channels = {channel};
     Open();
     Run(20'300);
     const std::int64_t expected = round == 0 ? 0 : 20 / round;
-    EXPECT_NEAR(static_cast<double>(seen.readings.size()), static_cast<double>(expected), 1);
+    EXPECT_NEAR(static_cast<double>(seen_.readings.size()), static_cast<double>(expected), 1);
     Close();
   }
 }
 
 TEST_F(Recorder, RoundsInAFixedPaceAreNotMadeUpFor) {
-  recordingplan.every = 60'000;
-  recordingplan.channels = {1, 2};
-  readout.plan.mode = ET312BChannelMode::CM_ALTERNATE;
+  recordingplan_.every = 60'000;
+  recordingplan_.channels = {1, 2};
+  readout_.plan.mode = ET312BChannelMode::CM_ALTERNATE;
   Open();
   Run(600'000);
-  EXPECT_THAT(seen.Kinds(), IsEmpty());
-  ASSERT_EQ(engine->Rounds(), 10);
-  ASSERT_EQ(seen.readings.size(), 20U);
+  EXPECT_THAT(seen_.Kinds(), IsEmpty());
+  ASSERT_EQ(engine_->Rounds(), 10);
+  ASSERT_EQ(seen_.readings.size(), 20U);
   for (std::size_t i = 2; i < 20; ++i) {
     const std::int64_t apart =
-        seen.readings[i].time.monotonic - seen.readings[i - 2].time.monotonic;
+        seen_.readings[i].time.monotonic - seen_.readings[i - 2].time.monotonic;
     EXPECT_NEAR(static_cast<double>(apart), 60'000, 1100);
   }
-  clock.Pass(600'000);
+  clock_.Pass(600'000);
   Run(1'000);
-  EXPECT_LE(engine->Rounds(), 11);
+  EXPECT_LE(engine_->Rounds(), 11);
 }
 
-// A day in which somebody sets the clock, time servers steer it, summer time begins and the machine
-// sleeps: what was measured stays in its order, with its intervals.
+// A day in which somebody sets the clock_, time servers steer it, summer time begins and the
+// machine sleeps: what was measured stays in its order, with its intervals.
 TEST_F(Recorder, TheWallClockMaySayWhatItWants) {
-  readout.interval = 5000;
+  readout_.interval = 5000;
   Open();
   Run(3'600'000);
-  clock.now.utc += 3'600'000;
+  clock_.now.utc += 3'600'000;
   Run(3'600'000);
-  clock.now.utc -= 7'200'000;
+  clock_.now.utc -= 7'200'000;
   Run(3'600'000);
-  clock.now.utc -= 1000;  // a leap second, as a clock without one takes it
+  clock_.now.utc -= 1000;  // a leap second, as a clock without one takes it
   Run(3'600'000);
   for (int i = 0; i < 3600; ++i) {  // steered: half a thousandth
     Run(1000);
-    clock.now.utc += i % 2;
+    clock_.now.utc += i % 2;
   }
-  const std::size_t before = seen.readings.size();
-  EXPECT_THAT(seen.Kinds(), ElementsAre("clock", "clock", "clock"));
-  EXPECT_EQ(*seen.events[0].number, 3600);
-  EXPECT_EQ(*seen.events[1].number, -7200);
-  EXPECT_EQ(*seen.events[2].number, -1);
-  clock.now.utc += 8 * 3'600'000;
-  clock.now.monotonic += 8 * 3'600'000;  // asleep
+  const std::size_t before = seen_.readings.size();
+  EXPECT_THAT(seen_.Kinds(), ElementsAre("clock", "clock", "clock"));
+  EXPECT_EQ(*seen_.events[0].number, 3600);
+  EXPECT_EQ(*seen_.events[1].number, -7200);
+  EXPECT_EQ(*seen_.events[2].number, -1);
+  clock_.now.utc += 28'800'000;
+  clock_.now.monotonic += 28'800'000;  // asleep
   Run(60'000);
-  EXPECT_EQ(seen.events.back().kind, "asleep");
-  EXPECT_EQ(*seen.events.back().number, 28'800);
+  EXPECT_EQ(seen_.events.back().kind, "asleep");
+  EXPECT_EQ(*seen_.events.back().number, 28'800);
   for (std::size_t i = 1; i < before; ++i) {
     const std::int64_t apart =
-        seen.readings[i].time.monotonic - seen.readings[i - 1].time.monotonic;
+        seen_.readings[i].time.monotonic - seen_.readings[i - 1].time.monotonic;
     ASSERT_NEAR(static_cast<double>(apart), 5000, 15);
-    ASSERT_EQ(seen.readings[i].sample, seen.readings[i - 1].sample + 1);
+    ASSERT_EQ(seen_.readings[i].sample, seen_.readings[i - 1].sample + 1);
   }
-  EXPECT_GT(seen.readings.size(), before + 8);
-  ExpectWhole(seen.readings.size());
+  EXPECT_GT(seen_.readings.size(), before + 8);
+  ExpectWhole(seen_.readings.size());
 }
 
 TEST_F(Recorder, TimesAreReadAsTheyAreWritten) {
@@ -506,7 +507,7 @@ TEST_F(Recorder, TimesAreReadAsTheyAreWritten) {
 TEST_F(Recorder, FilesThatAreNoneNewerOrInUseAreRefused) {
   const auto trouble = [this] {
     try {
-      const CStore opened(file);
+      const CStore opened(file_);
     } catch (const CStoreError& error) {
       return std::string(error.what());
     }
@@ -518,20 +519,20 @@ TEST_F(Recorder, FilesThatAreNoneNewerOrInUseAreRefused) {
   Close();
   EXPECT_EQ(trouble(), "none");
   {
-    CDatabase database(file, CDatabase::EAccess::WRITE);
+    CDatabase database(file_, CDatabase::EAccess::WRITE);
     database.Run("PRAGMA user_version = 99");
   }
   EXPECT_THAT(trouble(), HasSubstr("version 99"));
-  std::filesystem::remove(file);
-  std::ofstream(file) << "Something else that is long enough to look at, and no database.";
+  std::filesystem::remove(file_);
+  std::ofstream(file_) << "Something else that is long enough to look at, and no database.";
   EXPECT_THAT(trouble(), HasSubstr("no recording"));
-  std::filesystem::remove(file);
+  std::filesystem::remove(file_);
   {
-    CDatabase database(file, CDatabase::EAccess::MAKE);
+    CDatabase database(file_, CDatabase::EAccess::MAKE);
     database.Run("CREATE TABLE somebodys (x)");
   }
   EXPECT_THAT(trouble(), HasSubstr("no recording"));
-  file = folder / "no" / "folder";
+  file_ = folder_ / "no" / "folder";
   EXPECT_THAT(trouble(), HasSubstr("No such file"));
 }
 

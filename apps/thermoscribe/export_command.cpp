@@ -17,7 +17,7 @@ namespace {
 
 using recorder::ERowForm;
 
-constexpr std::size_t kPiece = 64 * 1024;
+constexpr std::size_t kPiece = 65'536;
 constexpr std::size_t kTitleColumns = 12;
 
 struct ExportOptions {

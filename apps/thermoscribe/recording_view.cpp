@@ -36,7 +36,7 @@ std::string RightBound(const std::string& text, std::size_t columns) {
 std::string AgeText(std::int64_t ms) {
   const std::int64_t seconds = ms / 1000;
   if (seconds < 120) return std::to_string(seconds) + " s";
-  if (seconds < 2 * 3600) return std::to_string(seconds / 60) + " min";
+  if (seconds < 7200) return std::to_string(seconds / 60) + " min";
   return std::to_string(seconds / 3600) + " h";
 }
 
