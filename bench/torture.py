@@ -187,6 +187,7 @@ def judge(readings, events, given, shown):
         row = by_sequence.get(sequence)
         demand(row is not None, f"shown and not in the file: {sequence} {channel} {text}")
         demand(row[1:4] == (channel, text, sample), f"shown otherwise: {sequence} {row} {text}")
+    looks = {(channel, one[1]): text for (channel, text), ones in given.items() for one in ones}
     # Everything was given, once, and stands under its sample.
     seen = set()
     latest = {}
@@ -203,20 +204,23 @@ def judge(readings, events, given, shown):
         demand(own.setdefault(sample, true) == true,
                f"two samples under one number: {sequence} {sample} {true}")
         if channel in latest:
-            before, before_true, before_sample = latest[channel]
+            before, before_true, before_sample, before_text = latest[channel]
             demand(true > before_true, f"out of order: {sequence} {channel} {text}")
             demand(sample > before_sample, f"numbers go back: {sequence} {sample}")
-            if true != before_true + 1:
+            # A reading that looks like the one before it is none, unless the readout scans so that
+            # the channel must have been measured again.
+            skipped = {looks.get((channel, one)) for one in range(before_true + 1, true)}
+            if skipped - {before_text}:
                 reasons = [row for row in events if before <= row[0] < sequence
                            and row[1] in REASONS and row[2] in (None, channel)]
                 if not reasons:
                     unexplained.append((sequence, channel, before_true, true))
                 kinds = {row[1] for row in reasons}
-                if kinds == {"missed"}:
+                if kinds == {"missed"} and before_text not in skipped:
                     counted = sum(row[3] for row in reasons)
                     demand(counted == true - before_true - 1,
                            f"{counted} are told missed of {true - before_true - 1} at {sequence}")
-        latest[channel] = (sequence, true, sample)
+        latest[channel] = (sequence, true, sample, text)
     demand(not unexplained, f"samples that nothing is told of: {unexplained[:5]}")
 
 

@@ -342,7 +342,6 @@ void CEngine::FileOne(const Taken& taken, std::vector<Reading>& readings) {
                    ": " + taken.refusal});
     }
     watched.isrefused = true;
-    watched.before.clear();
     return;
   }
   watched.isrefused = false;
@@ -419,7 +418,10 @@ void CEngine::Lose(const std::string& trouble, const Moment& now) {
   tryat_ = now.monotonic + pause_;
 }
 
-void CEngine::Add(Event event) { waitingevents_.push_back(std::move(event)); }
+void CEngine::Add(Event event) {
+  event.place = waitingreadings_.size();
+  waitingevents_.push_back(std::move(event));
+}
 
 void CEngine::Tell(Event event) {
   Add(std::move(event));
@@ -451,7 +453,8 @@ void CEngine::Flush(const Moment& now) {
           {.time = now,
            .kind = kinds::kRoom,
            .number = Seconds(waited),
-           .text = "There is room on the disk again after " + SecondsText(waited) + "."});
+           .text = "There is room on the disk again after " + SecondsText(waited) + ".",
+           .place = waitingreadings_.size()});
     }
     try {
       store_->Append(waitingreadings_, events, unsavedwatched_);
@@ -460,9 +463,9 @@ void CEngine::Flush(const Moment& now) {
       flushat_ = now.monotonic + kFullPause;
       if (fullat_) return;
       fullat_ = now.monotonic;
-      const Event event{.time = now, .kind = kinds::kFull, .text = full.what()};
-      waitingevents_.push_back(event);
+      Event event{.time = now, .kind = kinds::kFull, .text = full.what()};
       audience_.OnEvent(event);
+      Add(std::move(event));
       return;
     }
   }

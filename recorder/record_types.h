@@ -1,6 +1,7 @@
 // What a recording is made of, see docs/recording.md.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <map>
 #include <optional>
@@ -49,6 +50,8 @@ struct Event {
   std::optional<std::int16_t> channel = {};
   std::optional<double> number = {};
   std::string text = {};  ///< for people
+  /// Behind how many of the readings that are filed together with it.
+  std::size_t place = 0;
 };
 
 /// What is measured with, at the start of a recording.

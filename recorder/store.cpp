@@ -198,7 +198,6 @@ void CStore::Append(std::vector<Reading>& readings, const std::vector<Event>& ev
 }
 
 void CStore::Write(std::vector<Reading>& readings, const std::vector<Event>& events) {
-  // The events stand before the readings that come with them: they tell what led to these.
   if (!insertevent_) {
     insertevent_.emplace(
         database_,
@@ -206,33 +205,41 @@ void CStore::Write(std::vector<Reading>& readings, const std::vector<Event>& eve
         "VALUES (?, ?, ?, ?, ?, ?, ?, ?)");
     insertreading_.emplace(database_, "INSERT INTO reading VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?)");
   }
-  for (const Event& event : events) {
-    insertevent_->Bind(1, last_.sequence)
-        .Bind(2, event.time.utc)
-        .Bind(3, event.time.monotonic)
-        .Bind(4, session_)
-        .Bind(5, event.kind)
-        .BindNull(6)
-        .Bind(7, event.number)
-        .Bind(8, event.text);
-    if (event.channel) insertevent_->Bind(6, std::int64_t{*event.channel});
-    insertevent_->Run();
+  auto event = events.begin();
+  for (std::size_t i = 0; i < readings.size(); ++i) {
+    for (; event != events.end() && event->place <= i; ++event) WriteEvent(*event);
+    WriteReading(readings[i]);
   }
-  for (Reading& reading : readings) {
-    reading.sequence = ++last_.sequence;
-    last_.sample = std::max(last_.sample, reading.sample);
-    insertreading_->Bind(1, reading.sequence)
-        .Bind(2, reading.time.utc)
-        .Bind(3, reading.time.monotonic)
-        .Bind(4, session_)
-        .Bind(5, reading.sample)
-        .Bind(6, std::int64_t{reading.channel})
-        .Bind(7, reading.text)
-        .Bind(8, reading.value)
-        .Bind(9, UnitNumber(reading.unit))
-        .Bind(10, std::int64_t{reading.resolution})
-        .Run();
-  }
+  for (; event != events.end(); ++event) WriteEvent(*event);
+}
+
+void CStore::WriteEvent(const Event& event) {
+  insertevent_->Bind(1, last_.sequence)
+      .Bind(2, event.time.utc)
+      .Bind(3, event.time.monotonic)
+      .Bind(4, session_)
+      .Bind(5, event.kind)
+      .BindNull(6)
+      .Bind(7, event.number)
+      .Bind(8, event.text);
+  if (event.channel) insertevent_->Bind(6, std::int64_t{*event.channel});
+  insertevent_->Run();
+}
+
+void CStore::WriteReading(Reading& reading) {
+  reading.sequence = ++last_.sequence;
+  last_.sample = std::max(last_.sample, reading.sample);
+  insertreading_->Bind(1, reading.sequence)
+      .Bind(2, reading.time.utc)
+      .Bind(3, reading.time.monotonic)
+      .Bind(4, session_)
+      .Bind(5, reading.sample)
+      .Bind(6, std::int64_t{reading.channel})
+      .Bind(7, reading.text)
+      .Bind(8, reading.value)
+      .Bind(9, UnitNumber(reading.unit))
+      .Bind(10, std::int64_t{reading.resolution})
+      .Run();
 }
 
 std::int64_t CStore::UnitNumber(const std::string& name) {

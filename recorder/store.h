@@ -54,8 +54,8 @@ class CStore {
   /// What the readout has answered when it was looked at for changes, by name.
   const std::map<std::string, std::string>& Watched() const { return watched_; }
 
-  /// Readings, which get their sequence numbers, events, and what is new of `Watched`, in one
-  /// piece: all or nothing.
+  /// Readings, which get their sequence numbers, events, each at its place among them, and what is
+  /// new of `Watched`, in one piece: all or nothing.
   void Append(std::vector<Reading>& readings, const std::vector<Event>& events,
               const std::map<std::string, std::string>& watched = {});
 
@@ -78,6 +78,8 @@ class CStore {
   void AddSession(const SessionHead& session, const Moment& now);
   std::int64_t UnitNumber(const std::string& name);
   void Write(std::vector<Reading>& readings, const std::vector<Event>& events);
+  void WriteEvent(const Event& event);
+  void WriteReading(Reading& reading);
 
   // Before the database and gone behind it: closing any descriptor of the file takes the database's
   // own locks away.
