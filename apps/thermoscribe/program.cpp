@@ -133,12 +133,12 @@ Command Program(HostOptions& host) {
       Flag("-q,--quiet", host.quiet, "tell answers and errors only, no notes and hints"),
       Flag("--json", host.json, "print JSON, one object per line, in place of text"),
   };
-  program.members = {PortsCommand(),   IdentifyCommand(), ChannelsCommand(),   MeasureCommand(),
-                     RecordCommand(),  WatchCommand(),    ExportCommand(),     ReportCommand(),
-                     ChannelCommand(), ProbeCommand(),    ConvertCommand(),    TableCommand(),
-                     VerifyCommand(),  SettingsCommand(), ScanCommand(),       ProtectionCommand(),
-                     ClockCommand(),   DownloadCommand(), ConfigCommand(host), CompletionCommand(),
-                     HelpCommand()};
+  program.members = {PortsCommand(),      IdentifyCommand(),   ChannelsCommand(), MeasureCommand(),
+                     RecordCommand(),     WatchCommand(),      ExportCommand(),   ReportCommand(),
+                     PublishCommand(),    CollectCommand(),    ChannelCommand(),  ProbeCommand(),
+                     ConvertCommand(),    TableCommand(),      VerifyCommand(),   SettingsCommand(),
+                     ScanCommand(),       ProtectionCommand(), ClockCommand(),    DownloadCommand(),
+                     ConfigCommand(host), CompletionCommand(), HelpCommand()};
   return program;
 }
 

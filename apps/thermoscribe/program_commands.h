@@ -15,6 +15,8 @@ Command RecordCommand();
 Command WatchCommand();
 Command ExportCommand();
 Command ReportCommand();
+Command PublishCommand();
+Command CollectCommand();
 Command ChannelCommand();
 Command ProbeCommand();
 Command ConvertCommand();

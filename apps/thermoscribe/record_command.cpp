@@ -19,6 +19,7 @@
 #include "apps/recording/recording_head.h"
 #include "apps/snapshots/snapshot.h"
 #include "apps/thermoscribe/alarm_command.h"
+#include "apps/thermoscribe/broker_options.h"
 #include "apps/thermoscribe/channel_list.h"
 #include "apps/thermoscribe/host.h"
 #include "apps/thermoscribe/program_commands.h"
@@ -40,6 +41,7 @@ constexpr double kLongest = 3660 * kDay;  // ten years
 constexpr std::int64_t kMsPerSecond = 1000;
 constexpr std::int64_t kLongestWait = 500;    // ms; clocks and the terminal are looked at so often
 constexpr std::int64_t kManagerPause = 1000;  // ms
+constexpr std::chrono::seconds kPublishPatience{10};
 constexpr std::int64_t kLastPatience = 10'000;  // ms; for a full disk, at the end
 
 struct RecordOptions {
@@ -52,6 +54,8 @@ struct RecordOptions {
   std::int64_t count = 0;  // 0: no end
   std::map<std::int16_t, recorder::Limits> limits;
   std::string alarm;
+  std::optional<recorder::Broker> broker;
+  std::string brokerfile;
 };
 
 std::optional<double> NumberOr(const std::string& option, const std::string& text) {
@@ -104,6 +108,7 @@ class CRun final : public recorder::CRecordingAudience {
   EExitCode Run();
 
   void OnReadings(const std::vector<recorder::Reading>& readings) override {
+    if (publisher_) publisher_->Wake();
     readings_ += static_cast<std::int64_t>(readings.size());
     view_->Show(readings);
   }
@@ -124,6 +129,7 @@ class CRun final : public recorder::CRecordingAudience {
   EExitCode Finish(const char* kind, const std::string& why, EExitCode code);
   std::string StateText() const;
   void TellManager(const std::string& more);
+  void TellOfPublishing();
   void Wait(std::int64_t ms);
 
   CHost& host_;
@@ -136,6 +142,8 @@ class CRun final : public recorder::CRecordingAudience {
   std::optional<CLineSource> source_;
   std::optional<CRecordingView> view_;
   std::optional<recorder::CEngine> engine_;
+  std::unique_ptr<recorder::CPublisher> publisher_;
+  std::string publishtrouble_;  // that was told last
   recorder::Moment started_;
   std::int64_t readings_ = 0;
   std::int64_t toldat_ = 0;
@@ -143,6 +151,9 @@ class CRun final : public recorder::CRecordingAudience {
 };
 
 EExitCode CRun::Run() {
+  // What can never be shows before anything is done.
+  if (options_.broker)
+    publisher_ = MakePublisher(options_.file, *options_.broker, options_.brokerfile);
   // A recording outlives the terminal that it was started on.
   std::signal(SIGHUP, SIG_IGN);
   if (HasFile()) {
@@ -267,6 +278,7 @@ bool CRun::Start() {
   }
   engine_.emplace(*source_, store_ ? &*store_ : nullptr, head_, clock_, std::move(plan), *this);
   if (store_) engine_->Tell(first);
+  if (publisher_) publisher_->Start();
   TellManager("READY=1\n");
   return true;
 }
@@ -306,6 +318,7 @@ EExitCode CRun::Loop() {
     if (now.monotonic - toldat_ >= kLongestWait) {
       view_->Refresh(StateText());
       if (now.monotonic - toldat_ >= kManagerPause) TellManager("");
+      TellOfPublishing();
     }
     std::int64_t longest = kLongestWait;
     if (options_.time) {
@@ -314,6 +327,16 @@ EExitCode CRun::Loop() {
     }
     Wait(std::clamp<std::int64_t>(wait, 0, std::max<std::int64_t>(longest, 1)));
   }
+}
+
+// Once each, and no event: the file has it all.
+void CRun::TellOfPublishing() {
+  if (!publisher_) return;
+  const std::string trouble = publisher_->Trouble();
+  if (trouble == publishtrouble_) return;
+  if (trouble.empty()) host_.Note("Publishing goes on.");
+  if (publishtrouble_.empty()) host_.Note(trouble);
+  publishtrouble_ = trouble;
 }
 
 void CRun::Wait(std::int64_t ms) {
@@ -347,6 +370,9 @@ EExitCode CRun::Finish(const char* kind, const std::string& why, EExitCode code)
       }
       std::this_thread::sleep_for(std::chrono::milliseconds(kLongestWait));
     }
+  }
+  if (publisher_ && !publisher_->Stop(kPublishPatience, std::string(kind) == kinds::kEnded)) {
+    host_.Note("Not everything is published yet: \"thermoscribe publish\" sends the rest.");
   }
   view_->Refresh(StateText());
   // What has failed on the way is in the recording.
@@ -415,6 +441,12 @@ Command RecordCommand() {
   file.isrequired = true;
   std::vector<Option> all = {std::move(file)};
   for (Option& option : CommonOptions(*options)) all.push_back(std::move(option));
+  Option publish = BrokerOption("--publish", options->broker);
+  publish.brief = "send what is recorded to a broker: mqtt://HOST/PREFIX";
+  all.push_back(std::move(publish));
+  Option brokerfile = BrokerFileOption(options->brokerfile);
+  brokerfile.needs = {"--publish"};
+  all.push_back(std::move(brokerfile));
   return {
       .name = "record",
       .brief = "Record readings for weeks, into one file",
@@ -427,6 +459,10 @@ reading, when it is on the disk: what was shown is in the file, whatever happens
 A line that is lost is looked for until it is there again; then the readout has to be the
 same one. A disk that is full is waited for. FILE is an SQLite database that any tool reads,
 also meanwhile; "export" and "report" do, too.
+
+--publish sends what the file has to an MQTT broker, and remembers in the file what was
+acknowledged: a broker that is away costs nothing but the catching up. "collect" takes it
+into a database.
 
 The COMMAND of --alarm is a shell's; it finds what has happened in $THERMOSCRIBE_EVENT,
 _TEXT, _TIME, _CHANNEL, _NUMBER and _FILE, and isn't waited for.
