@@ -40,6 +40,12 @@ if(VANE_BUILD_PROGRAMS)
           DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
   install(DIRECTORY ${PROJECT_SOURCE_DIR}/docs/schema
           DESTINATION ${CMAKE_INSTALL_DATADIR}/VaneT312B)
+  # In the folders where systemd and udev look, of the machine and of its administrator.
+  configure_file(${PROJECT_SOURCE_DIR}/apps/thermoscribe/share/thermoscribe-record@.service.in
+                 ${PROJECT_BINARY_DIR}/thermoscribe-record@.service @ONLY)
+  install(FILES ${PROJECT_BINARY_DIR}/thermoscribe-record@.service DESTINATION lib/systemd/system)
+  install(FILES ${PROJECT_SOURCE_DIR}/apps/thermoscribe/share/70-thermoscribe.rules
+          DESTINATION lib/udev/rules.d)
   # In the folders where bash, zsh and fish look for completions.
   install(DIRECTORY ${PROJECT_BINARY_DIR}/apps/thermoscribe/share/
           DESTINATION ${CMAKE_INSTALL_DATADIR})

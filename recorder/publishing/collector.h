@@ -14,7 +14,7 @@
 #include <vector>
 
 #include "recorder/publishing/broker.h"
-#include "recorder/publishing/messages.h"
+#include "recorder/publishing/broker_messages.h"
 
 struct pg_conn;
 struct pg_result;

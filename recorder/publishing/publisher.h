@@ -22,7 +22,7 @@
 
 #include "recorder/database.h"
 #include "recorder/publishing/broker.h"
-#include "recorder/publishing/messages.h"
+#include "recorder/publishing/broker_messages.h"
 
 namespace vane::recorder {
 

@@ -1,4 +1,4 @@
-#include "recorder/publishing/messages.h"
+#include "recorder/publishing/broker_messages.h"
 
 #include <functional>
 #include <nlohmann/json.hpp>
