@@ -65,7 +65,9 @@ CHost::CHost(HostOptions options, CNotices& notices)
       components_{platform_, factory_},
       installed_(components_),
       instrument_(components_),
-      output_(options_.json, UsersPatience(), [&notices] { notices.Silence(); }) {
+      output_(options_.json, UsersPatience(), [this] {
+        if (!outlivesreader_) notices_.Silence();
+      }) {
   if (options_.seams.moment) line_->trace = std::make_shared<CMomentTrace>(options_.seams.moment);
   if (options_.seams.skipswaits) platform_.SkipWaits();
   platform_.SetInterruptHandler([this] { instrument_.CancelWait(); });
@@ -278,7 +280,7 @@ std::string CHost::CauseOfNoReading() const {
 }
 
 EExitCode CHost::Close(EExitCode code, const std::string& command) {
-  if (output_.IsReaderGone()) return EExitCode::READER_GONE;
+  if (output_.IsReaderGone() && !outlivesreader_) return EExitCode::READER_GONE;
   if (code == EExitCode::DONE && errorcode_) {
     code = *errorcode_;
   } else if (code == EExitCode::DONE && line_->firsttrouble.number != 0) {

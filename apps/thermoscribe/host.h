@@ -77,9 +77,9 @@ class CHost final : public CAudience {
   /// can't know which.
   void ChooseLine();
 
-  /// `ChooseLine`, opens the line, proves the instrument and finds out its modules and channels. When the result
-  /// is not `DONE` the user has been told why; then what was found out so far is in the instrument
-  /// object. Raises `CUsageError` when it can't know which line.
+  /// `ChooseLine`, opens the line, proves the instrument and finds out its modules and channels.
+  /// When the result is not `DONE` the user has been told why; then what was found out so far is in
+  /// the instrument object. Raises `CUsageError` when it can't know which line.
   EExitCode Connect();
 
   /// Why the channels and modules that the readout counts can't be; empty when they can.
@@ -134,9 +134,10 @@ class CHost final : public CAudience {
   bool IsQuiet() const { return options_.quiet; }
 
   /// Where the readout is, for people. After `ChooseLine`.
-  std::string LineText() const {
-    return options_.simulated ? "simulated" : options_.port;
-  }
+  std::string LineText() const { return options_.simulated ? "simulated" : options_.port; }
+
+  /// A reader of the output that goes away ends nothing.
+  void OutliveReader() { outlivesreader_ = true; }
 
   /// What has failed so far was dealt with: the program may still end well.
   void ForgetTroubles();
@@ -189,6 +190,7 @@ class CHost final : public CAudience {
   std::shared_ptr<CConfigRegistry> registry_;
   CVaneT312B instrument_;
   COutput output_;
+  bool outlivesreader_ = false;
   std::optional<EExitCode> errorcode_;      // of the first error that was told
   EExitCode raisedcode_ = EExitCode::DONE;  // of the latest that a run has raised
 };

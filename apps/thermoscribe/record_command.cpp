@@ -111,6 +111,7 @@ class CRun final : public recorder::CRecordingAudience {
     if (publisher_) publisher_->Wake();
     readings_ += static_cast<std::int64_t>(readings.size());
     view_->Show(readings);
+    shownat_ = 0;
   }
   void OnEvent(const recorder::Event& event) override {
     view_->Show(event);
@@ -146,6 +147,7 @@ class CRun final : public recorder::CRecordingAudience {
   std::string publishtrouble_;  // that was told last
   recorder::Moment started_;
   std::int64_t readings_ = 0;
+  std::int64_t shownat_ = 0;
   std::int64_t toldat_ = 0;
   std::string told_;
 };
@@ -157,6 +159,7 @@ EExitCode CRun::Run() {
   // A recording outlives the terminal that it was started on.
   std::signal(SIGHUP, SIG_IGN);
   if (HasFile()) {
+    host_.OutliveReader();
     ismade_ = !std::filesystem::exists(options_.file);
     if (!WithRoom([&] { store_.emplace(options_.file); })) return EExitCode::ABORTED;
   }
@@ -315,11 +318,12 @@ EExitCode CRun::Loop() {
       return Finish(kinds::kEnded, why, EExitCode::DONE);
     }
     if (!HasFile() && view_->IsGone()) return Finish(kinds::kEnded, {}, EExitCode::DONE);
-    if (now.monotonic - toldat_ >= kLongestWait) {
+    if (now.monotonic - shownat_ >= kLongestWait) {
+      shownat_ = now.monotonic;
       view_->Refresh(StateText());
-      if (now.monotonic - toldat_ >= kManagerPause) TellManager("");
       TellOfPublishing();
     }
+    if (now.monotonic - toldat_ >= kManagerPause) TellManager("");
     std::int64_t longest = kLongestWait;
     if (options_.time) {
       longest = std::min(longest, static_cast<std::int64_t>(*options_.time * kMsPerSecond) -

@@ -19,8 +19,9 @@ namespace {
 constexpr double kMsPerMinute = 60'000;
 constexpr std::size_t kNameColumns = 10;  // "Scanner 10"
 constexpr std::size_t kUnitColumns = 5;   // "Ratio"
+// 79 columns: what a terminal of the usual width holds.
 constexpr const char* kHeadLine =
-    " Ch  Name                 Reading  Unit            Mean    Deviation       Age   Per minute";
+    " Ch  Name             Reading  Unit           Mean  Deviation     Age  A minute";
 
 std::string Fixed(double value, int digits) {
   char text[80];
@@ -141,12 +142,12 @@ std::vector<std::string> CRecordingView::TableLines(const std::string& state) co
       const recorder::Reading& last = figures.Last();
       // A mean has a digit more than its readings.
       const int digits = last.resolution + 1;
-      line += "  " + RightBound(WithUsersSeparator(PrintableText(last.text)), 16) + "  " +
+      line += "  " + RightBound(WithUsersSeparator(PrintableText(last.text)), 12) + "  " +
               Padded(last.unit, kUnitColumns) + "  " +
-              RightBound(Fixed(figures.Mean(), digits), 13) + "  " +
-              RightBound(figures.Count() < 2 ? "-" : Fixed(figures.Deviation(), digits), 11) +
-              "  " + RightBound(AgeText(now - last.time.monotonic), 8) + "  " +
-              RightBound(figures.Rate() ? Fixed(*figures.Rate(), 1) : "-", 11);
+              RightBound(Fixed(figures.Mean(), digits), 12) + "  " +
+              RightBound(figures.Count() < 2 ? "-" : Fixed(figures.Deviation(), digits), 9) + "  " +
+              RightBound(AgeText(now - last.time.monotonic), 6) + "  " +
+              RightBound(figures.Rate() ? Fixed(*figures.Rate(), 1) : "-", 8);
     }
     lines.push_back(line);
   }
