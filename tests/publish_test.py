@@ -16,10 +16,14 @@ import sys
 import tempfile
 import time
 
+sys.dont_write_bytecode = True
 sys.path.insert(0, str(pathlib.Path(__file__).resolve().parent / "support"))
 from servers import Broker, Database, demand, readings_of_database, readings_of_file, until
 
+
 PROGRAM = pathlib.Path(sys.argv[1]).resolve() / "thermoscribe"
+
+
 def make_recording(path, environment, count, chance):
     """One round of a readout, and further readings behind it whose texts are odd now and then."""
     subprocess.run([PROGRAM, "--simulate", "record", path, "--channels", "1-12", "--count", "1",
