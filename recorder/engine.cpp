@@ -51,13 +51,10 @@ CEngine::CEngine(CReadoutSource& source, CStore* store, RecordingHead head, cons
   for (const std::int16_t channel : plan_.channels) watched_.push_back({.channel = channel});
   if (store_ == nullptr) return;
   lookedup_ = store_->Watched();
-  const CStore::Last& last = store_->Latest();
+  const LastSign& last = store_->Latest();
   if (last.sequence == 0) return;
-  // Between two starts of the machine there is the wall clock alone.
-  const Moment now = clock_.Now();
-  const std::int64_t away =
-      last.boot == clock_.Boot() ? now.monotonic - last.time.monotonic : now.utc - last.time.utc;
-  samples_.TakeOver(last.sample, now.monotonic - std::max<std::int64_t>(away, 0));
+  const auto away = static_cast<std::int64_t>(SecondsAway(last, clock_) * 1000);
+  samples_.TakeOver(last.sample, clock_.Now().monotonic - std::max<std::int64_t>(away, 0));
 }
 
 std::int64_t CEngine::Step() {

@@ -73,6 +73,9 @@ class CEngine {
   /// full disk.
   std::int64_t Step();
 
+  /// While the readout is lost: looks for it at the next step.
+  void TryNow() { tryat_ = 0; }
+
   /// Files `event` and what still waits for the disk, as far as there is room.
   void Tell(Event event);
 

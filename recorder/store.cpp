@@ -72,6 +72,20 @@ CStore::CStore(const std::filesystem::path& path)
 
 CStore::~CStore() = default;
 
+double SecondsAway(const LastSign& last, const CClock& clock) {
+  const Moment now = clock.Now();
+  const std::int64_t away =
+      last.boot == clock.Boot() ? now.monotonic - last.time.monotonic : now.utc - last.time.utc;
+  return static_cast<double>(away) / 1000;
+}
+
+std::string ContinuedText(double secondsaway) {
+  char text[120];
+  std::snprintf(text, sizeof text, "The recording goes on; the latest sign of it is %.1f s old.",
+                secondsaway);
+  return text;
+}
+
 RecordingHead ReadHead(CDatabase& database) {
   RecordingHead head;
   CStatement recording(database, "SELECT identification, settings FROM recording");
@@ -178,7 +192,7 @@ void CStore::Append(std::vector<Reading>& readings, const std::vector<Event>& ev
                     const std::map<std::string, std::string>& watched) {
   if (readings.empty() && events.empty() && watched.empty()) return;
   const auto units = units_;
-  const Last last = last_;
+  const LastSign last = last_;
   try {
     CTransaction transaction(database_);
     Write(readings, events);

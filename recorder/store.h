@@ -18,6 +18,20 @@
 
 namespace vane::recorder {
 
+struct LastSign {
+  std::int64_t sequence = 0;
+  std::int64_t sample = 0;
+  Moment time = {};
+  std::string boot = {};
+};
+
+/// How old the latest sign of life of a recording is, in seconds, by the machine's clock since its
+/// start, and across one by the wall clock.
+double SecondsAway(const LastSign& last, const CClock& clock);
+
+/// What the event of a recording that goes on says of it.
+std::string ContinuedText(double secondsaway);
+
 /// Of the recording in `database`, which has one.
 RecordingHead ReadHead(CDatabase& database);
 
@@ -43,13 +57,7 @@ class CStore {
   const std::string& Uuid() const { return uuid_; }
 
   /// The latest sign of life in the file, of any session.
-  struct Last {
-    std::int64_t sequence = 0;
-    std::int64_t sample = 0;
-    Moment time = {};
-    std::string boot = {};
-  };
-  const Last& Latest() const { return last_; }
+  const LastSign& Latest() const { return last_; }
 
   /// What the readout has answered when it was looked at for changes, by name.
   const std::map<std::string, std::string>& Watched() const { return watched_; }
@@ -88,7 +96,7 @@ class CStore {
   bool isnew_ = true;
   RecordingHead head_;
   std::string uuid_;
-  Last last_;
+  LastSign last_;
   std::map<std::string, std::string> watched_;
   std::int64_t session_ = 0;
   std::map<std::string, std::int64_t> units_;

@@ -1,10 +1,12 @@
 #include "apps/thermoscribe-desktop/live_measuring.h"
 
 #include <algorithm>
+#include <cstdlib>
+#include <sstream>
+#include <string>
 #include <utility>
 
-#include "vane/support/numbering.h"
-#include "vane/support/texts.h"
+#include "recorder/scan_plan.h"
 
 namespace vane::desktop {
 namespace {
@@ -14,11 +16,8 @@ using namespace std::chrono_literals;
 constexpr auto kBusyPause = 50ms;
 constexpr auto kFirstPause = 1000ms;
 constexpr auto kLongestPause = 30'000ms;
-
-// In a list such as "3,2,12".
-bool HasItem(const std::string& list, std::int16_t channel) {
-  return Contains("," + list + ",", "," + std::to_string(channel) + ",");
-}
+constexpr auto kRecordingPause = 500ms;    // a recording looks at the clocks so often
+constexpr auto kThermometerPause = 700ms;  // that a record of a probe may take
 
 }  // namespace
 
@@ -62,6 +61,7 @@ bool CMeasuring::HasReading() const {
 
 void CMeasuring::TryNow() {
   if (state_ != EState::LOST) return;
+  if (recording_ != nullptr) recording_->TryNow();
   pause_ = kFirstPause / 2;
   timer_.start(0);
 }
@@ -74,6 +74,7 @@ void CMeasuring::Step() {
     timer_.start(kBusyPause);
     return;
   }
+  if (recording_ != nullptr) return StepRecording();
   if (state_ == EState::LOST) return Find();
   switch (step_) {
     case EStep::WAIT:
@@ -83,6 +84,67 @@ void CMeasuring::Step() {
     case EStep::CHECK_UNITS:
       return CheckUnits();
   }
+}
+
+void CMeasuring::Record(CDesktopRecording* recording) {
+  recording_ = recording;
+  BeginRound();
+  hassample_ = false;
+  if (state_ == EState::OFF) return;
+  if (recording_ != nullptr) {
+    recording_->OnTaken(
+        [this](const std::vector<recorder::Reading>& readings) { TakeRecorded(readings); });
+  }
+  SetState(EState::MEASURING, {});
+  timer_.start(0);
+}
+
+// What ends the recording doesn't end the view.
+void CMeasuring::StepRecording() {
+  std::int64_t wait = 0;
+  const std::string trouble = host_.Exchange([&] { wait = recording_->Step(); });
+  if (!trouble.empty()) {
+    Record(nullptr);
+    if (onended_) onended_(trouble);
+    return;
+  }
+  if (units_ != host_.Instrument().Units()) {
+    Gap();
+    units_ = host_.Instrument().Units();
+    for (Watched& watched : watched_) watched.latest = {};
+    if (onstate_) onstate_();
+  }
+  if (recording_->IsLost()) {
+    if (state_ != EState::LOST) Gap();
+    SetState(EState::LOST, recording_->Trouble());
+  } else {
+    SetState(EState::MEASURING, {});
+    if (wait > kThermometerPause.count()) ReadThermometers();
+  }
+  timer_.start(
+      std::min(std::chrono::milliseconds(wait), std::chrono::milliseconds(kRecordingPause)));
+}
+
+// Of one channel, where there is time for it.
+void CMeasuring::ReadThermometers() {
+  for (const Watched& watched : watched_) {
+    if (IsTemperature() || host_.KnowsThermometer(watched.channel)) continue;
+    host_.Exchange([&] { host_.ReadThermometer(watched.channel); });
+    return;
+  }
+}
+
+void CMeasuring::TakeRecorded(const std::vector<recorder::Reading>& readings) {
+  units_ = host_.Instrument().Units();
+  for (const recorder::Reading& reading : readings) {
+    const auto found = std::ranges::find(watched_, reading.channel, &Watched::channel);
+    if (found == watched_.end()) continue;
+    found->latest = {.text = reading.text, .isnew = true};
+    if (!IsTemperature()) found->latest.celsius = host_.CelsiusOf(reading.channel, reading.value);
+    store_.Add(SeriesOf(reading.channel), TimePoint(std::chrono::milliseconds(reading.time.utc)),
+               reading.value, DecimalsOf(reading.text));
+  }
+  if (onround_) onround_();
 }
 
 void CMeasuring::BeginRound() {
@@ -190,31 +252,15 @@ bool CMeasuring::IsTemperature() const {
 
 std::int64_t CMeasuring::RoundOf(std::int16_t channel) const {
   const CVaneT312B& instrument = host_.Instrument();
-  const bool isinput = channel <= kNumInputs;
-  switch (instrument.ChannelMode()) {
-    case ET312BChannelMode::CM_ALTERNATE:
-      return isinput ? 2 : 0;
-    case ET312BChannelMode::CM_INPUT_1:
-      return channel == 1 ? 1 : 0;
-    case ET312BChannelMode::CM_INPUT_2:
-      return channel == 2 ? 1 : 0;
-    case ET312BChannelMode::CM_SCANNER_CHANNEL:
-      return ScannerChannel(channel) == instrument.ScanChannel() ? 1 : 0;
-    case ET312BChannelMode::CM_SCANNER_SEQUENCE:
-      break;
-    default:
-      return 0;
+  recorder::ScanPlan plan{.mode = instrument.ChannelMode(),
+                          .scanmode = instrument.ScannerScanMode(),
+                          .scanchannel = instrument.ScanChannel(),
+                          .sequencechannels = instrument.ScanSeqChannels()};
+  std::istringstream steps(instrument.ScanChannels());
+  for (std::string step; std::getline(steps, step, ',');) {
+    plan.steps.push_back(static_cast<std::int16_t>(std::atoi(step.c_str())));
   }
-  const ET312BScannerScanMode mode = instrument.ScannerScanMode();
-  if (mode == ET312BScannerScanMode::SSM_USER_DEFINED) {
-    return HasItem(instrument.ScanChannels(), channel) ? instrument.ScanSeqSteps() : 0;
-  }
-  // Input 2 or scanner channel 1 may take every second sample.
-  const std::int64_t round = std::int64_t{2} * instrument.ScanSeqChannels();
-  if (!isinput) return ScannerChannel(channel) <= instrument.ScanSeqChannels() ? round : 0;
-  const bool hasinput = mode == ET312BScannerScanMode::SSM_INPUT_2_SCAN ||
-                        mode == ET312BScannerScanMode::SSM_ALT_INPUT_2_SCAN;
-  return channel == 2 && hasinput ? round : 0;
+  return recorder::RoundOf(plan, channel);
 }
 
 void CMeasuring::Gap() {

@@ -19,6 +19,7 @@
 #include <vector>
 
 #include "apps/thermoscribe-desktop/desktop_host.h"
+#include "apps/thermoscribe-desktop/desktop_recording.h"
 #include "apps/thermoscribe-desktop/reading_store.h"
 #include "vane/support/enums.h"
 
@@ -47,6 +48,15 @@ class CMeasuring {
   /// round over the channels whenever it has a new reading, and no more often than once a period.
   void Start(std::vector<std::int16_t> channels, std::chrono::milliseconds period);
   void Stop();
+
+  /// From now on `recording` takes the readings, and the view shows those; null: the view takes
+  /// them itself again. It outlives its time here.
+  void Record(CDesktopRecording* recording);
+  bool IsRecording() const { return recording_ != nullptr; }
+  /// When the recording has ended by itself; `why` is for the user.
+  void OnRecordingEnded(std::function<void(const std::string& why)> observer) {
+    onended_ = std::move(observer);
+  }
 
   EState State() const { return state_; }
   /// Why it is lost.
@@ -86,6 +96,9 @@ class CMeasuring {
   };
 
   void Step();
+  void StepRecording();
+  void ReadThermometers();
+  void TakeRecorded(const std::vector<recorder::Reading>& readings);
   void Wait();
   void ReadNext();
   void CheckUnits();
@@ -114,6 +127,8 @@ class CMeasuring {
   bool hassample_ = false;    // this round is about one
   ET312BUnits units_ = ET312BUnits::UNITS_NONE;
   std::chrono::milliseconds pause_{0};  // before the next try to find the readout
+  CDesktopRecording* recording_ = nullptr;
+  std::function<void(const std::string&)> onended_;
   std::function<void()> onround_;
   std::function<void()> onstate_;
 };

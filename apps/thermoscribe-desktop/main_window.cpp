@@ -5,6 +5,7 @@
 #include <QCloseEvent>
 #include <QDateTime>
 #include <QDockWidget>
+#include <QFile>
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QInputDialog>
@@ -77,7 +78,10 @@ CMainWindow::CMainWindow(CDesktopHost& host) : host_(host) {
   setCentralWidget(content);
   readout_ = new QLabel(this);
   line_ = new QLabel(this);
+  recordinglabel_ = new QLabel(this);
+  recordinglabel_->setObjectName("recording");
   statusBar()->addWidget(readout_, 1);
+  statusBar()->addPermanentWidget(recordinglabel_);
   statusBar()->addPermanentWidget(line_);
   MakePanes();
   MakeMenus();
@@ -88,6 +92,10 @@ CMainWindow::CMainWindow(CDesktopHost& host) : host_(host) {
   plot_->OnFollowing([this](bool follows) { follow_->setChecked(follows); });
   measuring_.OnRound([this] { ShowReadings(); });
   measuring_.OnState([this] { ShowState(); });
+  measuring_.OnRecordingEnded([this](const std::string& why) {
+    EndRecording(why);
+    QMessageBox::critical(this, "Recording", ToQt(why));
+  });
   host_.Platform().OnBox([this](const ShownBox& box) {
     if ((box.flags & kBoxYesNo) == 0) LogError(ToQt(box.text).replace('\n', ' '));
   });
@@ -144,6 +152,11 @@ void CMainWindow::MakeMenus() {
   QAction* const connection = Add(
       file, "&Connect...", QKeySequence("Ctrl+O"), [this] { AskAndConnect(); }, false);
   Add(file, "&Disconnect", {}, [this] { Disconnect(); });
+  file.addSeparator();
+  record_ =
+      Add(file, "Reco&rd to a file...", QKeySequence("Ctrl+Shift+R"), [this] { BeginRecording(); });
+  endrecord_ = Add(
+      file, "E&nd the recording", {}, [this] { EndRecording("The recorder was stopped."); }, false);
   file.addSeparator();
   Add(
       file, "Export &plot...", QKeySequence("Ctrl+P"), [this] { ExportPlot(); }, false);
@@ -240,6 +253,7 @@ void CMainWindow::MakeMenus() {
 }
 
 bool CMainWindow::Connect(const Connection& connection) {
+  EndRecording("The recorder was stopped.");
   measuring_.Stop();
   const bool isdone = host_.Connect(connection, &window_);
   store_.Clear();
@@ -260,6 +274,7 @@ bool CMainWindow::Connect(const Connection& connection) {
 
 void CMainWindow::Disconnect() {
   if (host_.IsBusy()) return;
+  EndRecording("The recorder was stopped.");
   measuring_.Stop();
   host_.Disconnect();
   ShowState();
@@ -332,6 +347,85 @@ void CMainWindow::SetClock() {
   });
 }
 
+// One that is there already goes on, with its channels.
+void CMainWindow::BeginRecording() {
+  if (host_.IsBusy() || recording_) return;
+  const QString path = QFileDialog::getSaveFileName(this, "Record to a file", "readings.t312",
+                                                    "Recordings (*.t312);;All files (*)", nullptr,
+                                                    QFileDialog::DontConfirmOverwrite);
+  if (path.isEmpty() || !host_.IsConnected()) return;
+  const bool isthere = QFileInfo::exists(path);
+  if (StartRecording(path)) return;
+  recording_.reset();
+  if (!isthere) {
+    for (const char* const end : {"", "-wal", "-shm"}) QFile::remove(path + end);
+  }
+}
+
+// False when the user has been told why not.
+bool CMainWindow::StartRecording(const QString& path) {
+  std::string trouble;
+  host_.Run("starting the recording", [&] {
+    try {
+      recording_.emplace(host_, FromQt(path));
+      thermoscribe::Snapshot snapshot;
+      if (recording_->IsNew() && !snapshots_.Take("Starting the recording", snapshot)) {
+        trouble = "The recording was not started.";
+        return;
+      }
+      std::vector<std::int16_t> channels;
+      for (const ChannelRow& row : host_.Channels()) {
+        if (row.enabled) channels.push_back(row.channel);
+      }
+      recording_->OnHappened([this](const std::string& text) {
+        LogError(ToQt(text));
+        ShowRecording();
+      });
+      recording_->Start(std::move(channels), snapshot);
+    } catch (const std::exception& error) {
+      trouble = error.what();
+    }
+  });
+  if (!trouble.empty() || !recording_) {
+    QMessageBox::critical(this, "Recording", ToQt(trouble));
+    return false;
+  }
+  live_->setChecked(true);
+  if (measuring_.State() == CMeasuring::EState::OFF) StartMeasuring();
+  measuring_.Record(&*recording_);
+  ShowState();
+  ShowRecording();
+  return true;
+}
+
+void CMainWindow::EndRecording(const std::string& why) {
+  if (!recording_) return;
+  measuring_.Record(nullptr);
+  bool isended = false;
+  const std::string trouble = host_.Exchange([&] { isended = recording_->Finish(why); });
+  const QString file = ToQt(recording_->Path());
+  const std::int64_t count = recording_->Count();
+  recording_.reset();
+  LogError(QString("%1 has %2 readings. %3")
+               .arg(file)
+               .arg(count)
+               .arg(isended ? QString() : "There was no room for the latest: " + ToQt(trouble)));
+  ShowState();
+  ShowRecording();
+}
+
+void CMainWindow::ShowRecording() {
+  if (!recording_) return recordinglabel_->clear();
+  const bool isfull = recording_->IsDiskFull();
+  const QString name = QFileInfo(ToQt(recording_->Path())).fileName();
+  recordinglabel_->setText(
+      isfull ? "The disk is full: " + name + " waits for room"
+             : QString("Recording %1: %2 readings").arg(name).arg(recording_->Count()));
+  QPalette palette = statusBar()->palette();
+  if (isfull) palette.setColor(QPalette::WindowText, QColor(0xC0, 0x1C, 0x1C));
+  recordinglabel_->setPalette(palette);
+}
+
 void CMainWindow::ExportPlot() {
   const QString path =
       QFileDialog::getSaveFileName(this, "Export the plot", "plot.png",
@@ -372,6 +466,7 @@ void CMainWindow::ShowReadings() {
   if (!first_ && measuring_.HasReading()) first_ = std::chrono::steady_clock::now();
   PlotSeries();
   plot_->Refresh();
+  ShowRecording();
 }
 
 void CMainWindow::PlotSeries() {
@@ -387,6 +482,11 @@ void CMainWindow::PlotSeries() {
 void CMainWindow::ShowState() {
   const bool isconnected = host_.IsConnected();
   for (QAction* const action : needreadout_) action->setEnabled(isconnected);
+  // A recording has each new reading, of its own channels, until it is ended.
+  const bool isrecording = measuring_.IsRecording();
+  live_->setEnabled(isconnected && !isrecording);
+  record_->setEnabled(isconnected && !isrecording);
+  endrecord_->setEnabled(isrecording);
   const bool islost = measuring_.State() == CMeasuring::EState::LOST;
   QString notice;
   if (islost) {
@@ -437,6 +537,7 @@ void CMainWindow::closeEvent(QCloseEvent* event) {
     QTimer::singleShot(kClosePause, this, [this] { close(); });
     return;
   }
+  EndRecording("The recorder was stopped.");
   measuring_.Stop();
   if (keepsplace_) SavePlace();
   QMainWindow::closeEvent(event);

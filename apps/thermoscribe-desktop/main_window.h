@@ -65,6 +65,10 @@ class CMainWindow final : public QMainWindow {
   void EditChannel();
   void SetClock();
   void SwitchReadout(bool on);
+  void BeginRecording();
+  bool StartRecording(const QString& path);
+  void EndRecording(const std::string& why);
+  void ShowRecording();
   void ExportPlot();
   void ExportReadings();
   void Export(const QString& title, const QString& path, const std::string& content);
@@ -82,10 +86,12 @@ class CMainWindow final : public QMainWindow {
   CReadingStore store_;
   CMeasuring measuring_{host_, store_};
   CSnapshotActions snapshots_{host_, *this, [this](const QString& text) { LogError(text); }};
+  std::optional<CDesktopRecording> recording_;
   std::chrono::milliseconds period_{0};
   CBanner* banner_ = nullptr;
   QLabel* readout_ = nullptr;
   QLabel* line_ = nullptr;
+  QLabel* recordinglabel_ = nullptr;
   QSplitter* splitter_ = nullptr;
   CChannelTable* table_ = nullptr;
   CPlotView* plot_ = nullptr;
@@ -94,6 +100,8 @@ class CMainWindow final : public QMainWindow {
   QDockWidget* errorpane_ = nullptr;
   QDockWidget* tracepane_ = nullptr;
   QAction* live_ = nullptr;
+  QAction* record_ = nullptr;
+  QAction* endrecord_ = nullptr;
   QAction* follow_ = nullptr;
   QAction* deviations_ = nullptr;
   std::vector<QAction*> needreadout_;

@@ -71,6 +71,11 @@ bool CSnapshotActions::Take(CDesktopAudience& audience, const char* title, Snaps
   return end == EEnd::DONE;
 }
 
+bool CSnapshotActions::Take(const char* title, Snapshot& snapshot) {
+  CDesktopAudience audience(host_, parent_);
+  return Take(audience, title, snapshot);
+}
+
 bool CSnapshotActions::Read(const QString& path, Snapshot& snapshot) {
   try {
     RefusePipes(path);

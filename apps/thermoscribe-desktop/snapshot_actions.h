@@ -26,6 +26,10 @@ class CSnapshotActions {
   void CompareFiles();
   void Restore();
 
+  /// Within `CDesktopHost::Run`: reads it all, under `title`. False when it was stopped or not read
+  /// well, which the user knows.
+  bool Take(const char* title, thermoscribe::Snapshot& snapshot);
+
  private:
   bool Take(CDesktopAudience& audience, const char* title, thermoscribe::Snapshot& snapshot);
   /// False when there is none, which the user knows.

@@ -262,13 +262,9 @@ bool CRun::Start() {
     if (store_->IsNew()) {
       if (!WithRoom([&] { store_->Begin(head_, session, started_); })) return false;
     } else {
-      const auto& last = store_->Latest();
-      const std::int64_t away = last.boot == session.boot ? started_.monotonic - last.time.monotonic
-                                                          : started_.utc - last.time.utc;
       first.kind = kinds::kContinued;
-      first.number = static_cast<double>(away) / kMsPerSecond;
-      first.text = "The recording goes on; the latest sign of it is " +
-                   TextOf(std::round(*first.number * 10) / 10) + " s old.";
+      first.number = recorder::SecondsAway(store_->Latest(), clock_);
+      first.text = recorder::ContinuedText(*first.number);
       if (!WithRoom([&] { store_->Continue(session, started_); })) return false;
     }
     title = options_.file + ", " + head_.identification;
