@@ -119,6 +119,7 @@ std::int64_t CEngine::Find(const Moment& now) {
   setup_ = source_.ReadSetup();
   unit_ = source_.ReadUnit();
   CompareAllWatched(now);
+  TellOfUnscanned(now);
   if (lostat_) {
     const std::int64_t away = clock_.Now().monotonic - *lostat_;
     Add({.time = clock_.Now(),
@@ -132,6 +133,25 @@ std::int64_t CEngine::Find(const Moment& now) {
   isfirst_ = true;
   Synchronize(true);
   return 0;
+}
+
+// What it says of a channel that it doesn't measure is new when it is another text, and else nobody
+// knows.
+void CEngine::TellOfUnscanned(const Moment& now) {
+  std::string channels;
+  for (const Watched& watched : watched_) {
+    if (RoundOf(setup_.plan, watched.channel) > 0) continue;
+    channels += (channels.empty() ? "" : ", ") + std::to_string(watched.channel);
+  }
+  if (channels == unscanned_) return;
+  unscanned_ = channels;
+  Add({.time = now,
+       .kind = kinds::kUnscanned,
+       .text = channels.empty()
+                   ? "By its settings the readout measures all channels that are recorded."
+                   : "By its settings the readout doesn't measure these channels: " + channels +
+                         ". Of their readings only those that differ from the one before count."});
+  Flush(now);
 }
 
 // The latest reading of each channel may be an old one. From here on a channel is new when its
@@ -383,6 +403,7 @@ void CEngine::LookAtNextWatched(const Moment& now) {
   if (!CompareWatched(nextwatched_, now)) return;
   const MeasuringSetup before = setup_;
   setup_ = source_.ReadSetup();
+  TellOfUnscanned(now);
   if (setup_.interval != before.interval) Synchronize(false);
 }
 

@@ -121,6 +121,7 @@ class CEngine {
   std::int64_t Check(const Moment& now);
   void FileRound();
   void FileOne(const Taken& taken, std::vector<Reading>& readings);
+  void TellOfUnscanned(const Moment& now);
   void CompareAllWatched(const Moment& now);
   void LookAtNextWatched(const Moment& now);
   bool CompareWatched(std::size_t idx, const Moment& now);
@@ -146,6 +147,7 @@ class CEngine {
   std::map<std::string, std::string> lookedup_;  // of what is looked at for changes
   std::map<std::string, std::string> unsavedwatched_;
   std::size_t nextwatched_ = 0;
+  std::string unscanned_;  // of the channels, as it was told last
 
   std::size_t baseline_ = 0;        // how many channels have no base line yet
   bool isfirst_ = true;             // no sample was seen since the readout was found

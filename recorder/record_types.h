@@ -39,6 +39,7 @@ inline constexpr const char* kFull = "full";
 inline constexpr const char* kRoom = "room";
 inline constexpr const char* kRefused = "refused";
 inline constexpr const char* kSilent = "silent";
+inline constexpr const char* kUnscanned = "unscanned";
 inline constexpr const char* kOther = "other";
 inline constexpr const char* kStopped = "stopped";
 inline constexpr const char* kEnded = "ended";

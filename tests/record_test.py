@@ -124,7 +124,8 @@ def into_a_pipe():
     recorder = Recorder("record", "pipe.t312", "--channels", "1", "--count", "100", "--json")
     line = json.loads(recorder.child.stdout.readline())
     demand(line["kind"] == "event" and line["event"] == "started", line)
-    line = json.loads(recorder.child.stdout.readline())
+    while line["kind"] == "event":
+        line = json.loads(recorder.child.stdout.readline())
     demand((line["sequence"], line["sample"], line["channel"]) == (1, 1, 1), line)
     recorder.child.stdout.close()
     until(lambda: readings("pipe.t312") > 2, "a recording without its reader")

@@ -138,8 +138,11 @@ class Recorder : public testing::Test {
  protected:
   Recorder() {
     static int number = 0;
-    folder_ = std::filesystem::temp_directory_path() /
-              ("recorder_test." + std::to_string(getpid()) + "." + std::to_string(++number));
+    // Each round waits for the disk, so that one that is none saves half a minute.
+    const std::filesystem::path shared = "/dev/shm";
+    folder_ =
+        (std::filesystem::is_directory(shared) ? shared : std::filesystem::temp_directory_path()) /
+        ("recorder_test." + std::to_string(getpid()) + "." + std::to_string(++number));
     std::filesystem::create_directories(folder_);
     file_ = folder_ / "bath.t312";
     head_ = {.identification = "T312B, 5.03", .settings = "{}", .probes = {{1, "SP-4107"}}};
@@ -212,6 +215,7 @@ TEST_F(Recorder, TwelveChannelsAtTheFastestPaceOnASlowLineMissNothing) {
   readout_.cost = 45;
   readout_.plan.mode = ET312BChannelMode::CM_SCANNER_SEQUENCE;
   recordingplan_.channels = {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12};
+  readout_.plan.steps = recordingplan_.channels;
   Open();
   Run(600'000);
   EXPECT_THAT(seen_.Kinds(), IsEmpty());
@@ -422,6 +426,7 @@ TEST_F(Recorder, EqualReadingsCountByTheScanSettings) {
     Open();
     Run(20'300);
     const std::int64_t expected = round == 0 ? 0 : 20 / round;
+    EXPECT_THAT(seen_.Kinds(), Contains("unscanned").Times(round == 0 ? 1 : 0));
     EXPECT_NEAR(static_cast<double>(seen_.readings.size()), static_cast<double>(expected), 1);
     Close();
   }

@@ -79,7 +79,7 @@ TEST_F(Recording, WhatIsShownIsOnTheDiskAndALostLineIsAnEvent) {
   }
   EXPECT_EQ(std::ranges::count(readings, 12, &recorder::Reading::channel) + before, Count(12));
   EXPECT_THAT(Events("bath.t312"),
-              testing::ElementsAre("started", "lost", "reconnected", "stopped"));
+              testing::ElementsAre("started", "unscanned", "lost", "reconnected", "stopped"));
   // The view goes on without it.
   const std::int64_t ended = Count(12);
   ASSERT_TRUE(Comes([&] { return Count(12) > ended; }));
