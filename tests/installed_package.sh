@@ -34,6 +34,8 @@ if [ -x "$prefix/bin/thermoscribe-desktop" ]; then
     [ -s "$prefix/share/$file" ] || { echo "No share/$file" >&2; exit 1; }
   done
 fi
+grep -q '^ExecStart=/.*/bin/thermoscribe ' "$prefix/lib/systemd/system/thermoscribe-record@.service"
+[ -s "$prefix/lib/udev/rules.d/70-thermoscribe.rules" ]
 "$prefix/bin/thermoscribe" --version
 
 cmake -S "$source/examples/minimal_host" -B "$work/by-cmake" -G Ninja \
