@@ -84,7 +84,7 @@ def test_addresses(stage, broker):
            "a slip in the file of credentials passes")
 
 
-def test_password(stage, database):
+def test_password(stage):
     """A broker that lets only one user in, and his password out of a file."""
     secrets = stage.work / "secrets"
     subprocess.run(["mosquitto_passwd", "-c", "-b", secrets, "lab", "K9zQ"], check=True,
@@ -102,6 +102,39 @@ def test_password(stage, database):
         demand(let.wait(30) == 0, "the password isn't taken")
     finally:
         broker.kill()
+
+
+def test_tls(stage):
+    """Encrypted, to a broker whose certificate somebody has signed whom we trust, and to no other."""
+    work = stage.work
+    for name in ("ours", "others"):
+        subprocess.run(["openssl", "req", "-x509", "-newkey", "rsa:2048", "-nodes", "-days", "2", "-subj",
+                        "/CN=127.0.0.1", "-addext", "subjectAltName=IP:127.0.0.1", "-keyout",
+                        work / f"{name}.key", "-out", work / f"{name}.pem"],
+                       check=True, stderr=subprocess.DEVNULL)
+        (work / f"{name}.key").chmod(0o644)  # the broker is another user
+    broker = Broker(work, f"allow_anonymous true\ncertfile {work}/ours.pem\nkeyfile {work}/ours.key\n")
+    url = broker.url().replace("mqtt:", "mqtts:")
+    try:
+        for name, code in (("others", 1), ("ours", 0)):
+            keys = work / "keys"
+            keys.write_text(f'cafile = "{work}/{name}.pem"\n')
+            run = stage.start("publish", work / "b.t312", url, "--broker-file", keys, "--wait",
+                              "1" if code else "20")
+            demand(run.wait(30) == code, f"with the certificate of {name} it ends with {run.returncode}")
+    finally:
+        broker.kill()
+    last = rows_of(work / "b.t312", "SELECT max(sequence) FROM reading")[0][0]
+    marks = dict(rows_of(work / "b.t312", "SELECT name, reading FROM reader"))
+    demand(marks == {url: last}, f"the mark in the file: {marks} in place of {last}")
+
+
+def rows_of(file, sql):
+    database = sqlite3.connect(file)
+    try:
+        return database.execute(sql).fetchall()
+    finally:
+        database.close()
 
 
 def test_everything_is_killed(stage, broker, database):
@@ -131,6 +164,8 @@ def test_everything_is_killed(stage, broker, database):
         if turn == 1:
             recorder.kill()
             recorder.wait()
+            until(lambda: ("gone",) in database.rows("SELECT state->>'state' FROM thermoscribe.recording"),
+                  20, "a recorder that was killed is gone")
             recorder = record()
         if turn == 2:
             database.stop()
@@ -184,7 +219,8 @@ def main():
         broker = Broker(work)
         test_addresses(stage, broker)
         database = Database(work)
-        test_password(stage, database)
+        test_password(stage)
+        test_tls(stage)
         print(f"{test_everything_is_killed(stage, broker, database)} readings, each of them once")
     except Exception:
         print((work / "log").read_text(errors="replace")[-3000:])

@@ -95,7 +95,7 @@ def with_a_manager_and_an_alarm():
     manager = socket.socket(socket.AF_UNIX, socket.SOCK_DGRAM)
     manager.bind("manager")
     manager.settimeout(20)
-    command = 'echo "$THERMOSCRIBE_EVENT $THERMOSCRIBE_CHANNEL $THERMOSCRIBE_NUMBER" >> alarms; exec sleep 104'
+    command = 'echo $$ > pid; echo "$THERMOSCRIBE_EVENT $THERMOSCRIBE_CHANNEL $THERMOSCRIBE_NUMBER" >> alarms; exec sleep 100'
     recorder = Recorder("record", "alarm.t312", "--channels", "1", "--limit", "1:..-300", "--alarm",
                         command, "--quiet", env=dict(os.environ, NOTIFY_SOCKET=os.path.abspath("manager")))
     heard = manager.recv(4096).decode()
@@ -105,7 +105,7 @@ def with_a_manager_and_an_alarm():
     demand("WATCHDOG=1" in heard, heard)
     recorder.child.send_signal(signal.SIGTERM)
     demand(recorder.child.wait(20) == 0, "it waits for the command")
-    subprocess.run(["pkill", "-f", "sleep 104"], check=True)
+    os.kill(int(pathlib.Path("pid").read_text()), signal.SIGKILL)
     output, _ = recorder.wait()
     demand(output == "", f"a quiet one says {output}")
     manager.setblocking(False)
