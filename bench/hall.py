@@ -228,4 +228,5 @@ def main():
     sys.exit(not isright)
 
 
-main()
+if __name__ == "__main__":
+    main()

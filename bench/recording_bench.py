@@ -84,4 +84,5 @@ def main():
             print(f"  {'go on, 1 round':16} {seconds:7.2f} s  {memory:6.1f} MiB")
 
 
-main()
+if __name__ == "__main__":
+    main()

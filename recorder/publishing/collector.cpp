@@ -1,6 +1,5 @@
 #include "recorder/publishing/collector.h"
 
-#include <libpq-fe.h>
 #include <mosquitto.h>
 
 #include <algorithm>
@@ -9,6 +8,8 @@
 #include <iterator>
 #include <thread>
 #include <utility>
+
+#include "recorder/publishing/postgres.h"
 
 namespace vane::recorder {
 namespace {
@@ -122,10 +123,10 @@ std::string Trimmed(std::string text) {
 
 void CheckDatabase(const std::string& database) {
   char* trouble = nullptr;
-  PQconninfoOption* const options = PQconninfoParse(database.c_str(), &trouble);
+  PQconninfoOption* const options = Postgres().conninfoparse(database.c_str(), &trouble);
   if (options == nullptr) {
     const std::string text = trouble == nullptr ? "" : Trimmed(trouble);
-    PQfreemem(trouble);
+    Postgres().freemem(trouble);
     throw CBrokerError("The address of the database can't be read: " + text + ".");
   }
   bool haspassword = false;
@@ -133,7 +134,7 @@ void CheckDatabase(const std::string& database) {
     haspassword =
         haspassword || (std::string(option->keyword) == "password" && option->val != nullptr);
   }
-  PQconninfoFree(options);
+  Postgres().conninfofree(options);
   if (haspassword) {
     throw CBrokerError(
         "A password doesn't belong into the address of a database, which everybody can see; "
@@ -141,9 +142,11 @@ void CheckDatabase(const std::string& database) {
   }
 }
 
-void CCollector::CloseDatabase::operator()(pg_conn* connection) const { PQfinish(connection); }
+void CCollector::CloseDatabase::operator()(pg_conn* connection) const {
+  Postgres().finish(connection);
+}
 
-void CCollector::ClearResult::operator()(pg_result* result) const { PQclear(result); }
+void CCollector::ClearResult::operator()(pg_result* result) const { Postgres().clear(result); }
 
 CCollector::CCollector(Broker broker, std::string database, std::string name,
                        std::function<void(const std::string&)> tell)
@@ -186,17 +189,17 @@ void CCollector::Finish() {
 bool CCollector::HasDatabase() {
   if (database_) return true;
   if (NowMs() < databasetry_.at) return false;
-  database_.reset(PQconnectdb(databaseurl_.c_str()));
-  if (PQstatus(database_.get()) != CONNECTION_OK) {
-    Fail(databasetry_, "The database: " + Trimmed(PQerrorMessage(database_.get())) + ".");
+  database_.reset(Postgres().connectdb(databaseurl_.c_str()));
+  if (Postgres().status(database_.get()) != CONNECTION_OK) {
+    Fail(databasetry_, "The database: " + Trimmed(Postgres().errormessage(database_.get())) + ".");
     database_.reset();
     return false;
   }
   try {
     Run("SELECT pg_advisory_lock($1)", {std::to_string(kSchemaLock)});
-    const Result made(PQexec(database_.get(), kSchema));
-    if (PQresultStatus(made.get()) != PGRES_COMMAND_OK) {
-      throw CDatabaseError(Trimmed(PQresultErrorMessage(made.get())), false);
+    const Result made(Postgres().exec(database_.get(), kSchema));
+    if (Postgres().resultstatus(made.get()) != PGRES_COMMAND_OK) {
+      throw CDatabaseError(Trimmed(Postgres().resulterrormessage(made.get())), false);
     }
     Run("SELECT pg_advisory_unlock($1)", {std::to_string(kSchemaLock)});
   } catch (const CDatabaseError& error) {
@@ -318,7 +321,7 @@ bool CCollector::Store() {
       return true;
     } catch (const CDatabaseError& error) {
       counts_ = before;
-      const Result back(PQexec(database_.get(), "ROLLBACK"));
+      const Result back(Postgres().exec(database_.get(), "ROLLBACK"));
       if (error.IsTwins() && tries < kTries) continue;
       Fail(databasetry_, std::string("The database: ") + error.what() + ".");
       database_.reset();
@@ -388,7 +391,7 @@ void CCollector::StoreReadings() {
       "ON CONFLICT DO NOTHING",
       {recordings.Text(), sequences.Text(), times.Text(), channels.Text(), names.Text(),
        texts.Text(), values.Text(), units.Text(), samples.Text()});
-  counts_.readings += std::atoll(PQcmdTuples(result.get()));
+  counts_.readings += std::atoll(Postgres().cmdtuples(result.get()));
 }
 
 void CCollector::StoreEvents() {
@@ -423,7 +426,7 @@ void CCollector::StoreEvents() {
           "ON CONFLICT DO NOTHING",
           {recordings.Text(), numbers.Text(), behinds.Text(), times.Text(), kindsof.Text(),
            channels.Text(), values.Text(), texts.Text()});
-  counts_.events += std::atoll(PQcmdTuples(result.get()));
+  counts_.events += std::atoll(Postgres().cmdtuples(result.get()));
 }
 
 // How far everything is there, without a hole.
@@ -446,9 +449,10 @@ void CCollector::UpdateComplete() {
       "b.event = a.event + 1) ORDER BY a.event LIMIT 1) ELSE completeevents END "
       "WHERE recording = ANY ($1::uuid[]) RETURNING recording, complete, completeevents",
       {recordings.Text()});
-  for (int row = 0; row < PQntuples(result.get()); ++row) {
-    known_[PQgetvalue(result.get(), row, 0)].complete = {
-        std::atoll(PQgetvalue(result.get(), row, 1)), std::atoll(PQgetvalue(result.get(), row, 2))};
+  for (int row = 0; row < Postgres().ntuples(result.get()); ++row) {
+    known_[Postgres().getvalue(result.get(), row, 0)].complete = {
+        std::atoll(Postgres().getvalue(result.get(), row, 1)),
+        std::atoll(Postgres().getvalue(result.get(), row, 2))};
   }
 }
 
@@ -481,8 +485,8 @@ Missing CCollector::MissingOf(const std::string& recording, const Known& known) 
     Span span{complete + 1, wanted};
     try {
       const Result next = Run(sql, {recording, std::to_string(complete)});
-      if (PQgetisnull(next.get(), 0, 0) == 0) {
-        span.last = std::atoll(PQgetvalue(next.get(), 0, 0)) - 1;
+      if (Postgres().getisnull(next.get(), 0, 0) == 0) {
+        span.last = std::atoll(Postgres().getvalue(next.get(), 0, 0)) - 1;
       }
     } catch (const CDatabaseError&) {
       // The next step finds out.
@@ -507,14 +511,14 @@ void CCollector::Publish(const std::string& recording, const char* topic,
 CCollector::Result CCollector::Run(const char* sql, const std::vector<std::string>& values) {
   std::vector<const char*> texts;
   for (const std::string& value : values) texts.push_back(value.c_str());
-  Result result(PQexecParams(database_.get(), sql, static_cast<int>(texts.size()), nullptr,
-                             texts.data(), nullptr, nullptr, 0));
-  const ExecStatusType status = PQresultStatus(result.get());
+  Result result(Postgres().execparams(database_.get(), sql, static_cast<int>(texts.size()), nullptr,
+                                      texts.data(), nullptr, nullptr, 0));
+  const ExecStatusType status = Postgres().resultstatus(result.get());
   if (status != PGRES_COMMAND_OK && status != PGRES_TUPLES_OK) {
-    const char* const state = PQresultErrorField(result.get(), PG_DIAG_SQLSTATE);
+    const char* const state = Postgres().resulterrorfield(result.get(), PG_DIAG_SQLSTATE);
     const std::string code = state == nullptr ? "" : state;
-    const std::string text = PQresultErrorMessage(result.get());
-    throw CDatabaseError(Trimmed(text.empty() ? PQerrorMessage(database_.get()) : text),
+    const std::string text = Postgres().resulterrormessage(result.get());
+    throw CDatabaseError(Trimmed(text.empty() ? Postgres().errormessage(database_.get()) : text),
                          code == "40P01" || code == "40001");
   }
   return result;

@@ -61,7 +61,8 @@ class Broker:
 
 
 class Database:
-    def __init__(self, work):
+    def __init__(self, work, fsync="off"):
+        self.fsync = fsync
         self.port = free_port()
         self.folder = work / "database"
         self.folder.mkdir()
@@ -78,7 +79,7 @@ class Database:
 
     def start(self):
         options = (f"-p {self.port} -k {self.folder} -c listen_addresses=127.0.0.1 "
-                   "-c fsync=off -c max_connections=20")
+                   f"-c fsync={self.fsync} -c max_connections=20")
         self.run("pg_ctl", "-D", self.folder / "data", "-w", "-o", options, "-l",
                  self.folder / "log", "start")
 
