@@ -106,8 +106,9 @@ def with_a_manager_and_an_alarm():
     recorder.child.send_signal(signal.SIGTERM)
     demand(recorder.child.wait(20) == 0, "it waits for the command")
     os.kill(int(pathlib.Path("pid").read_text()), signal.SIGKILL)
-    output, _ = recorder.wait()
+    output, errors = recorder.wait()
     demand(output == "", f"a quiet one says {output}")
+    demand("Channel 1 is above its limits" in errors and "begins" not in errors, errors)
     manager.setblocking(False)
     try:
         while True:

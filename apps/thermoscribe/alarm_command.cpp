@@ -26,6 +26,10 @@ constexpr std::array<std::string_view, 7> kOnes = {
 
 }  // namespace
 
+bool ConcernsPeople(const std::string& kind) {
+  return std::ranges::find(kOnes, kind) != kOnes.end();
+}
+
 CAlarmCommand::CAlarmCommand(std::string command, std::string file)
     : command_(std::move(command)), file_(std::move(file)) {}
 
@@ -35,7 +39,7 @@ void CAlarmCommand::Reap() {
 
 std::string CAlarmCommand::Run(const recorder::Event& event) {
   Reap();
-  if (command_.empty() || std::ranges::find(kOnes, event.kind) == kOnes.end()) return {};
+  if (command_.empty() || !ConcernsPeople(event.kind)) return {};
   if (running_.size() >= kMostRunning) {
     return "The alarm's command was not run for \"" + event.kind +
            "\": " + std::to_string(kMostRunning) + " of it are running still.";

@@ -9,6 +9,7 @@
 #include <stdexcept>
 #include <utility>
 
+#include "apps/thermoscribe/alarm_command.h"
 #include "apps/thermoscribe/host.h"
 #include "apps/thermoscribe/recording_options.h"
 #include "vane/support/texts.h"
@@ -127,6 +128,8 @@ void CRecordingView::Show(const recorder::Event& event) {
     lastevent_ = line;
   } else if (host_.Output().IsJson()) {
     Put([&] { host_.Output().Record("event", EventMembers(event), {}); });
+  } else if (ConcernsPeople(event.kind)) {
+    host_.Say(line);
   } else {
     host_.Note(line);
   }
