@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <utility>
 
+#include "vane/components/library_error.h"
 #include "vane/support/numbers.h"
 
 namespace vane::recorder {
@@ -12,7 +13,12 @@ namespace {
 constexpr std::int64_t kFirstPause = 250;  // ms, of the tries to find a readout that is lost
 constexpr std::int64_t kLongestPause = 60'000;
 constexpr std::int64_t kSilentPause = 500;
-constexpr std::int64_t kSilence = 2000;  // beside two intervals
+constexpr std::int64_t kSilence = 2000;       // beside two intervals
+constexpr std::int64_t kLeastInterval = 100;  // whatever a readout says
+constexpr std::int64_t kLeastPoll = 10;
+constexpr std::int64_t kMostPoll = 20'000;
+constexpr std::int64_t kPolls = 200;     // of an interval, to find its sample
+constexpr std::int64_t kFinePolls = 20;  // of the time in which a sample is expected
 constexpr std::int64_t kFullPause = 1000;
 constexpr std::size_t kBacklog = 100'000;  // readings that wait for the disk
 // Behind so many intervals without a look the samples are found anew.
@@ -119,8 +125,8 @@ std::int64_t CEngine::Find(const Moment& now) {
   std::string why = source_.Differs(head_);
   if (!why.empty()) why = source_.Differs(head_);
   if (!why.empty()) throw COtherReadout(why);
-  setup_ = source_.ReadSetup();
-  unit_ = source_.ReadUnit();
+  TakeSetup();
+  TakeUnit(source_.ReadUnit(), now);
   CompareAllWatched(now);
   TellOfUnscanned(now);
   if (lostat_) {
@@ -136,6 +142,19 @@ std::int64_t CEngine::Find(const Moment& now) {
   isfirst_ = true;
   Synchronize(true);
   return 0;
+}
+
+void CEngine::TakeSetup() {
+  setup_ = source_.ReadSetup();
+  setup_.interval = std::max(setup_.interval, kLeastInterval);
+}
+
+// False when it is another one than before, which is told.
+bool CEngine::TakeUnit(const std::string& unit, const Moment& now) {
+  unit_ = unit;
+  const bool ischange = TakeWatched("Units", unit, now);
+  if (ischange) Flush(now);
+  return !ischange;
 }
 
 // What it says of a channel that it doesn't measure is new when it is another text, and else nobody
@@ -184,13 +203,19 @@ std::int64_t CEngine::BaseLine(const Moment& now) {
   return 0;
 }
 
+// The finer the better the next sample's time is known then; but an interval of hours must not
+// cost thousands of questions.
 std::int64_t CEngine::PollPause() const {
-  return std::clamp<std::int64_t>(setup_.interval / 100, 1, 10);
+  if (issilent_) return kSilentPause;
+  if (!samples_.IsKnown()) return std::clamp(setup_.interval / kPolls, kLeastPoll, kMostPoll);
+  const CSampleClock::Window window = NextWindow();
+  return std::clamp((window.latest - window.earliest) / kFinePolls, kLeastPoll, kMostPoll);
 }
 
 std::int64_t CEngine::Wait(const Moment& now) {
   const std::int64_t time = now.monotonic;
   if (nextround_ && time < *nextround_) return *nextround_ - time;
+  if (time < pollat_) return pollat_ - time;
   if (!samples_.IsKnown()) return Poll(now);
   const std::int64_t latest = samples_.WindowOf(samples_.Sample()).latest;
   if (time - latest > kSureIntervals * setup_.interval) {
@@ -227,14 +252,20 @@ std::int64_t CEngine::Poll(const Moment& now) {
   exchange_ = end - now.monotonic;
   if (!isnew) {
     nonebefore_ = now.monotonic;
-    if (issilent_) return kSilentPause;
-    if (samples_.IsKnown() && end > NextWindow().latest + 2 * setup_.interval + kSilence)
+    if (samples_.IsKnown() && end > NextWindow().latest + 2 * setup_.interval + kSilence) {
       BeSilent(now);
-    return PollPause();
+    }
+    pollat_ = end + PollPause();
+    return pollat_ - end;
   }
   issilent_ = false;
   if (end - nonebefore_ < setup_.interval) {
-    BeginRound(samples_.See(nonebefore_, end));
+    // It is the one behind that of the latest readings: the readout has said of all the time since
+    // that there was none.
+    const std::int64_t sample = samples_.IsKnown() ? std::max(samples_.Sample(), current_) + 1
+                                                   : samples_.Reckon((nonebefore_ + end) / 2);
+    samples_.See(sample, nonebefore_, end);
+    BeginRound(sample);
   } else if (const auto sample = samples_.At(end)) {
     BeginRound(*sample);  // there may have been several
   } else {
@@ -252,7 +283,7 @@ void CEngine::BeSilent(const Moment& now) {
        .number = Seconds(since),
        .text = "The readout has had no new reading for " + SecondsText(since) + "."});
   Flush(now);
-  setup_ = source_.ReadSetup();
+  TakeSetup();
   isfirst_ = true;
   Synchronize(true);
 }
@@ -292,8 +323,11 @@ std::int64_t CEngine::Read(const Moment& now) {
   Taken taken{.watched = watched};
   try {
     taken.text = source_.ReadReading(watched->channel);
+    taken.value = NumberFromText(taken.text);
   } catch (const CRefusal& refusal) {
     taken.refusal = refusal.what();
+  } catch (const LibraryError&) {
+    taken.refusal = "\"" + taken.text + "\" is no number that could be one.";
   }
   taken.time = clock_.Now();
   exchange_ = taken.time.monotonic - now.monotonic;
@@ -310,13 +344,9 @@ std::int64_t CEngine::Read(const Moment& now) {
 // Somebody at the front panel may change the units at any moment: readings count when these were
 // the same before and behind them, else they are taken again.
 std::int64_t CEngine::Check(const Moment& now) {
-  const std::string unit = source_.ReadUnit();
-  if (unit != unit_) {
-    Add({.time = now, .kind = kinds::kSettings, .text = "Units: " + unit_ + " -> " + unit});
-    unit_ = unit;
+  if (!TakeUnit(source_.ReadUnit(), now)) {
     taken_.clear();
     for (Watched& watched : watched_) watched.before.clear();
-    Flush(now);
     state_ = EState::READING;
     return 0;
   }
@@ -371,7 +401,7 @@ void CEngine::FileOne(const Taken& taken, std::vector<Reading>& readings) {
   watched.before = taken.text;
   if (!isnew) return;
   watched.newat = current_;
-  const double value = NumberFromText(taken.text);
+  const double value = taken.value;
   readings.push_back({.time = taken.time,
                       .sample = current_,
                       .channel = watched.channel,
@@ -405,14 +435,19 @@ void CEngine::LookAtNextWatched(const Moment& now) {
   nextwatched_ = (nextwatched_ + 1) % source_.NumWatched();
   if (!CompareWatched(nextwatched_, now)) return;
   const MeasuringSetup before = setup_;
-  setup_ = source_.ReadSetup();
+  TakeSetup();
   TellOfUnscanned(now);
   if (setup_.interval != before.interval) Synchronize(false);
 }
 
 bool CEngine::CompareWatched(std::size_t idx, const Moment& now) {
-  const std::string name = source_.WatchedName(idx);
-  const std::string value = source_.ReadWatched(idx);
+  const bool ischange = TakeWatched(source_.WatchedName(idx), source_.ReadWatched(idx), now);
+  if (ischange) Flush(now);
+  return ischange;
+}
+
+// Whether it was something else before.
+bool CEngine::TakeWatched(const std::string& name, const std::string& value, const Moment& now) {
   const auto known = lookedup_.find(name);
   if (known != lookedup_.end() && known->second == value) return false;
   const bool ischange = known != lookedup_.end();
@@ -423,7 +458,6 @@ bool CEngine::CompareWatched(std::size_t idx, const Moment& now) {
   }
   lookedup_[name] = value;
   if (store_ != nullptr) unsavedwatched_[name] = value;
-  if (ischange) Flush(now);
   return ischange;
 }
 

@@ -103,6 +103,7 @@ class CEngine {
     Watched* watched = nullptr;
     Moment time = {};
     std::string text = {};
+    double value = 0;
     std::string refusal = {};
   };
 
@@ -121,6 +122,9 @@ class CEngine {
   std::int64_t Check(const Moment& now);
   void FileRound();
   void FileOne(const Taken& taken, std::vector<Reading>& readings);
+  void TakeSetup();
+  bool TakeUnit(const std::string& unit, const Moment& now);
+  bool TakeWatched(const std::string& name, const std::string& value, const Moment& now);
   void TellOfUnscanned(const Moment& now);
   void CompareAllWatched(const Moment& now);
   void LookAtNextWatched(const Moment& now);
@@ -152,6 +156,7 @@ class CEngine {
   std::size_t baseline_ = 0;        // how many channels have no base line yet
   bool isfirst_ = true;             // no sample was seen since the readout was found
   bool isflagsure_ = false;         // whether the readout's word for new ones can be relied on
+  std::int64_t pollat_ = 0;         // not to be asked for a new one before
   std::int64_t nonebefore_ = 0;     // until then there was no new sample
   std::int64_t current_ = 0;        // the sample that is read
   std::int64_t roundfrom_ = 0;      // the one with which this round began

@@ -31,19 +31,19 @@ CSampleClock::Window CSampleClock::WindowOf(std::int64_t sample) const {
   return {seen.earliest + passed - slack, seen.latest + passed + slack};
 }
 
-std::int64_t CSampleClock::See(std::int64_t earliest, std::int64_t latest) {
-  const std::int64_t middle = (earliest + latest) / 2;
-  std::int64_t passed = 1;
-  if (seen_) {
-    const std::int64_t since = middle - (seen_->earliest + seen_->latest) / 2;
-    passed = std::max<std::int64_t>((since + interval_ / 2) / interval_, 1);
-  }
-  const Window expected = WindowOf(sample_ + passed);
-  sample_ += passed;
+std::int64_t CSampleClock::Reckon(std::int64_t time) const {
+  if (!seen_) return sample_ + 1;
+  const std::int64_t since = time - (seen_->earliest + seen_->latest) / 2;
+  return sample_ + std::max<std::int64_t>((since + interval_ / 2) / interval_, 1);
+}
+
+void CSampleClock::See(std::int64_t sample, std::int64_t earliest, std::int64_t latest) {
+  const Window expected = WindowOf(sample);
   const Window both{std::max(earliest, expected.earliest), std::min(latest, expected.latest)};
+  sample_ = sample;
   if (isknown_ && both.earliest <= both.latest) {
     seen_ = both;
-    return sample_;
+    return;
   }
   // The readout isn't as regular as that. What was seen is what counts, and the next ones may be
   // as far from it.
@@ -53,7 +53,6 @@ std::int64_t CSampleClock::See(std::int64_t earliest, std::int64_t latest) {
   }
   seen_ = {earliest, latest};
   isknown_ = true;
-  return sample_;
 }
 
 std::optional<std::int64_t> CSampleClock::At(std::int64_t time) const {

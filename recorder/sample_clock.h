@@ -33,9 +33,12 @@ class CSampleClock {
   /// From another run: the sample was there at `time`.
   void TakeOver(std::int64_t sample, std::optional<std::int64_t> time);
 
-  /// A new sample came at some moment from `earliest` to `latest`; gives its number. That is the
-  /// number of the former one and how many intervals have passed since, one at least.
-  std::int64_t See(std::int64_t earliest, std::int64_t latest);
+  /// The number of a sample at about `time`, where nobody has followed them: that of the latest one
+  /// that was seen and how many intervals have passed since, one at least.
+  std::int64_t Reckon(std::int64_t time) const;
+
+  /// Sample `sample` came at some moment from `earliest` to `latest`.
+  void See(std::int64_t sample, std::int64_t earliest, std::int64_t latest);
 
   /// When sample `sample` comes or came.
   Window WindowOf(std::int64_t sample) const;

@@ -232,7 +232,7 @@ TEST_F(Recorder, TwelveChannelsAtTheFastestPaceOnASlowLineMissNothing) {
 
 // Whatever the line does and whenever the program dies, a reading is filed once under its sample.
 TEST_F(Recorder, FaultsAndKillsDoubleNothingAndMisfileNothing) {
-  for (unsigned seed = 1; seed <= 12; ++seed) {
+  for (unsigned seed = 1; seed <= 100; ++seed) {
     std::mt19937 chance(seed);
     const auto in = [&](std::int64_t low, std::int64_t high) {
       return std::uniform_int_distribution<std::int64_t>(low, high)(chance);
@@ -390,6 +390,43 @@ TEST_F(Recorder, SettingsUnitsRefusalsLimitsAndSilenceAreEvents) {
   readout_.fetched = readout_.base = 0;
   Run(60'000);
   EXPECT_THAT(seen_.Kinds(), ElementsAre("silent"));
+}
+
+// What a readout may say, too: numbers that are none, no interval, one of hours.
+TEST_F(Recorder, OddAnswersEndNothingAndLongIntervalsCostLittle) {
+  readout_.text = [](std::int16_t, std::int64_t sample) {
+    return sample == 3 ? std::string("1e400") : "20." + std::to_string(sample);
+  };
+  Open();
+  Run(6'000);
+  EXPECT_THAT(seen_.Kinds(), ElementsAre("refused"));
+  EXPECT_THAT(seen_.Texts(1), Contains("20.4"));
+  Close();
+  readout_.text = [](std::int16_t, std::int64_t sample) { return "20." + std::to_string(sample); };
+  readout_.interval = 3'600'000;
+  readout_.begin = clock_.now.awake - 1'000'000;
+  readout_.fetched = readout_.base = 0;
+  int exchanges = 0;
+  readout_.fault = [&]() -> std::pair<std::int64_t, std::int64_t> {
+    ++exchanges;
+    return {0, 0};
+  };
+  seen_ = {};
+  Open();
+  Run(36'000'000);
+  EXPECT_GE(seen_.Texts(1).size(), 9U);
+  EXPECT_THAT(seen_.Kinds(), IsEmpty());
+  EXPECT_LT(exchanges, 500);
+  Close();
+  readout_.interval = 1;
+  exchanges = 0;
+  Open();
+  readout_.fault = [&]() -> std::pair<std::int64_t, std::int64_t> {
+    ++exchanges;
+    return {0, 0};
+  };
+  Run(60'000);
+  EXPECT_LT(exchanges, 10'000);
 }
 
 // By which samples a channel must have been measured again, an equal reading is a new one.

@@ -104,7 +104,8 @@ recorder::MeasuringSetup CLineSource::ReadSetup() {
   for (std::int16_t step = 1; step <= instrument_.ScanSeqSteps(); ++step) {
     const std::string text =
         Ask({ECommand::READ_SCAN_STEP, &CommandParams::Index, std::to_string(step)});
-    const auto channel = static_cast<std::int16_t>(NumberFromText(text));
+    std::int16_t channel = 0;
+    Exchange([&] { channel = ToInteger(NumberFromText(text)); });
     plan.steps.push_back(text.empty() ? std::int16_t{0}
                                       : static_cast<std::int16_t>(channel + kNumInputs));
   }
@@ -138,8 +139,9 @@ std::string CLineSource::Ask(const Question& question) {
 void CLineSource::Exchange(const std::function<void()>& exchange) {
   try {
     exchange();
-  } catch (...) {
-    if (failure_.number == 0) throw;
+  } catch (const LibraryError& error) {
+    // An answer of the right form that makes no sense.
+    if (failure_.number == 0) throw recorder::CLineTrouble(error.Description());
     if (failure_.refused) throw recorder::CRefusal(failure_.description);
     throw recorder::CLineTrouble(failure_.description);
   }
