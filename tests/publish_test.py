@@ -150,6 +150,15 @@ def test_everything_is_killed(stage, broker, database):
     files = [stage.work / f"{name}.t312" for name in "ab"]
     publishers = [stage.start("publish", file, broker.url()) for file in files]
 
+    # Of somebody else, with what no database takes, and what is no message at all.
+    foreign = "11111111-2222-3333-4444-555555555555"
+    poison = ('{"recording":"%s","readings":[{"sequence":1,"time":"","utc":9000000000000000000,"channel":1,'
+              '"name":"","text":"1","value":1,"unit":"C","sample":1}]}' % foreign)
+    for topic, message in ((f"lab/{foreign}/readings", poison), (f"lab/{foreign}/state", "{"),
+                           ("lab/nobody/readings", poison), (f"lab/{foreign}/readings", "[1]")):
+        subprocess.run(["mosquitto_pub", "-h", "127.0.0.1", "-p", str(broker.port), "-q", "1", "-r", "-t",
+                        topic, "-m", message], check=True)
+
     def kill(children, number, again):
         children[number].kill()
         children[number].wait()

@@ -21,6 +21,7 @@ constexpr int kLoop = 20;                   // ms
 constexpr std::int64_t kMostRows = 20'000;  // that wait for the database
 constexpr std::int64_t kFirstPause = 500;   // ms
 constexpr std::int64_t kLongestPause = 60'000;
+constexpr std::int64_t kConnectPatience = 20'000;
 constexpr std::int64_t kAskPause = 3000;  // ms; what is under way must have the time to come
 constexpr std::int64_t kTellPause = 1000;
 constexpr std::int64_t kMostAsked = 5000;  // rows
@@ -65,14 +66,17 @@ constexpr std::int64_t kSchemaLock = 0x54333132;
 
 class CDatabaseError : public std::runtime_error {
  public:
-  CDatabaseError(const std::string& text, bool istwins)
-      : std::runtime_error(text), istwins_(istwins) {}
+  /// `code` is the five letters of the standard.
+  CDatabaseError(const std::string& text, std::string code)
+      : std::runtime_error(text), code_(std::move(code)) {}
 
   /// Two collectors were in each other's way: the same again will do.
-  bool IsTwins() const { return istwins_; }
+  bool IsTwins() const { return code_ == "40P01" || code_ == "40001"; }
+  /// The same again will never do.
+  bool IsOfData() const { return code_.starts_with("22") || code_.starts_with("23"); }
 
  private:
-  bool istwins_;
+  std::string code_;
 };
 
 std::int64_t NowMs() {
@@ -170,6 +174,10 @@ void CCollector::Step() {
         LoseBroker(mosquitto_strerror(result));
         break;
       }
+      if (!isconnected_ && NowMs() - triedat_ > kConnectPatience) {
+        LoseBroker("no answer");
+        break;
+      }
     }
     if (Store() && isconnected_) AskAndTell();
     return;
@@ -199,7 +207,7 @@ bool CCollector::HasDatabase() {
     Run("SELECT pg_advisory_lock($1)", {std::to_string(kSchemaLock)});
     const Result made(Postgres().exec(database_.get(), kSchema));
     if (Postgres().resultstatus(made.get()) != PGRES_COMMAND_OK) {
-      throw CDatabaseError(Trimmed(Postgres().resulterrormessage(made.get())), false);
+      throw CDatabaseError(Trimmed(Postgres().resulterrormessage(made.get())), {});
     }
     Run("SELECT pg_advisory_unlock($1)", {std::to_string(kSchemaLock)});
   } catch (const CDatabaseError& error) {
@@ -236,6 +244,7 @@ bool CCollector::HasBroker() {
                                               static_cast<std::size_t>(message->payloadlen)});
       });
   iswaiting_ = true;
+  triedat_ = now;
   const int result =
       mosquitto_connect_async(client, broker_.host.c_str(), broker_.port, kKeepAlive);
   if (result != MOSQ_ERR_SUCCESS) LoseBroker(mosquitto_strerror(result));
@@ -311,6 +320,41 @@ void CCollector::Hear(const std::string& topic, const std::string& payload) {
 // False when it isn't stored; it is kept then.
 bool CCollector::Store() {
   if (batch_.recordings.empty()) return true;
+  EStored result = TryToStore();
+  if (result == EStored::REFUSED) {
+    // Somebody has sent what no database takes: that must not keep the others out.
+    for (Batch all = std::exchange(batch_, {}); const std::string& recording : all.recordings) {
+      batch_ = all.Of(recording);
+      result = TryToStore();
+      if (result == EStored::REFUSED) {
+        ++counts_.strange;
+        tell_("What came of the recording " + recording + " can't be stored: " + refusal_ + ".");
+      }
+      if (result == EStored::AWAY) {
+        batch_ = std::move(all);
+        return false;
+      }
+    }
+    batch_ = {};
+    return true;
+  }
+  return result == EStored::DONE;
+}
+
+CCollector::Batch CCollector::Batch::Of(const std::string& recording) const {
+  Batch one;
+  const auto take = [&recording](const auto& from, auto& to) {
+    if (const auto found = from.find(recording); found != from.end()) to.insert(*found);
+  };
+  take(heads, one.heads);
+  take(states, one.states);
+  take(readings, one.readings);
+  take(events, one.events);
+  one.recordings = {recording};
+  return one;
+}
+
+CCollector::EStored CCollector::TryToStore() {
   for (int tries = 1;; ++tries) {
     const Counts before = counts_;
     try {
@@ -318,14 +362,16 @@ bool CCollector::Store() {
       StoreBatch();
       Run("COMMIT", {});
       batch_ = {};
-      return true;
+      return EStored::DONE;
     } catch (const CDatabaseError& error) {
       counts_ = before;
       const Result back(Postgres().exec(database_.get(), "ROLLBACK"));
       if (error.IsTwins() && tries < kTries) continue;
-      Fail(databasetry_, std::string("The database: ") + error.what() + ".");
+      refusal_ = error.what();
+      if (error.IsOfData()) return EStored::REFUSED;
+      Fail(databasetry_, "The database: " + refusal_ + ".");
       database_.reset();
-      return false;
+      return EStored::AWAY;
     }
   }
 }
@@ -519,7 +565,7 @@ CCollector::Result CCollector::Run(const char* sql, const std::vector<std::strin
     const std::string code = state == nullptr ? "" : state;
     const std::string text = Postgres().resulterrormessage(result.get());
     throw CDatabaseError(Trimmed(text.empty() ? Postgres().errormessage(database_.get()) : text),
-                         code == "40P01" || code == "40001");
+                         code);
   }
   return result;
 }

@@ -78,7 +78,10 @@ class CCollector {
   bool HasDatabase();
   bool HasBroker();
   void Hear(const std::string& topic, const std::string& payload);
+  enum class EStored : std::int32_t { DONE, AWAY, REFUSED };
+
   bool Store();
+  EStored TryToStore();
   void StoreBatch();
   void StoreHeads();
   void StoreReadings();
@@ -101,6 +104,7 @@ class CCollector {
   std::unique_ptr<CBrokerClient> client_;
   bool isconnected_ = false;
   bool iswaiting_ = false;
+  std::int64_t triedat_ = 0;  // to connect with the broker
   Attempt databasetry_;
   Attempt brokertry_;
 
@@ -112,8 +116,11 @@ class CCollector {
     std::map<std::string, std::vector<SentEvent>> events;
     std::set<std::string> recordings;
     std::int64_t rows = 0;
+
+    Batch Of(const std::string& recording) const;
   };
   Batch batch_;
+  std::string refusal_;  // by the database
   std::map<std::string, Known> known_;
   Counts counts_;
 };

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <exception>
 #include <utility>
 
 #include "recorder/schema.h"
@@ -19,6 +20,7 @@ constexpr std::int64_t kMostRows = 500;  // of a message
 constexpr std::size_t kMostAgain = 64;
 constexpr std::int64_t kFirstPause = 500;  // ms
 constexpr std::int64_t kLongestPause = 60'000;
+constexpr std::int64_t kConnectPatience = 20'000;
 constexpr std::int64_t kPatience = 60'000;  // for an acknowledgement
 constexpr std::int64_t kSavePause = 1000;
 constexpr std::int64_t kLookPause = 1000;
@@ -92,13 +94,17 @@ void CPublisher::Run() {
         Lose(mosquitto_strerror(result));
         continue;
       }
+      if (!isconnected_ && NowMs() - movedat_ > kConnectPatience) Lose("no answer");
       if (isconnected_) SendMore();
       SaveMark(false);
       if (isstopping_ && isconnected_ && IsDone()) break;
-    } catch (const CStoreError& error) {
-      // A disk that is full, or a file that somebody holds: the next try may be luckier.
-      const std::lock_guard lock(mutex_);
-      trouble_ = error.what();
+    } catch (const std::exception& error) {
+      // A disk that is full, a file that somebody holds: the next try may be luckier.
+      {
+        const std::lock_guard lock(mutex_);
+        trouble_ = error.what();
+      }
+      std::this_thread::sleep_for(std::chrono::milliseconds(kLoop));
     }
   }
   if (!client_) return;
@@ -107,7 +113,7 @@ void CPublisher::Run() {
       isdone_ = IsDone();
       SaveMark(true);
     }
-  } catch (const CStoreError&) {
+  } catch (const std::exception&) {
     // Then some are sent once more.
   }
   if (isconnected_) {
